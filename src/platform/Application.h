@@ -1,0 +1,33 @@
+#pragma once
+
+#include <functional>
+#include <string>
+
+#include "platform/Geometry.h"
+#include "platform/Workspace.h"
+
+namespace nevo {
+
+/// This program, as the system sees it (`NSApplication`, `NSBundle.mainBundle`).
+class Application {
+public:
+    virtual ~Application() = default;
+
+    /// The bundle identifier; empty if none.
+    virtual std::string bundleIdentifier() const = 0;
+    virtual ProcessId processIdentifier() const = 0;
+    virtual void setActivationPolicy(ActivationPolicy policy) = 0;
+    virtual ActivationPolicy activationPolicy() const = 0;
+    /// `activateIgnoringOtherApps:` true.
+    virtual void activate() = 0;
+    /// `orderFrontStandardAboutPanel:`.
+    virtual void orderFrontStandardAboutPanel() = 0;
+    /// `terminate:`: runs the quit sequence, and the process ends.
+    virtual void terminate() = 0;
+
+    /// What the application calls its delegate for: both set once, before the loop runs.
+    std::function<void()> didFinishLaunching;
+    std::function<void()> willTerminate;
+};
+
+}  // namespace nevo

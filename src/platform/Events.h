@@ -1,0 +1,104 @@
+#pragma once
+
+#include <cstdint>
+#include <functional>
+#include <map>
+#include <memory>
+#include <optional>
+
+#include "platform/Geometry.h"
+#include "platform/Registration.h"
+
+namespace nevo {
+
+/// Kinds of events, with the numbers that the event system gives them (`NSEventType`,
+/// `CGEventType`).
+enum class EventType {
+    leftMouseDown = 1,
+    leftMouseUp = 2,
+    rightMouseDown = 3,
+    rightMouseUp = 4,
+    mouseMoved = 5,
+    leftMouseDragged = 6
+};
+
+/// A set of kinds: the sum of 1 << number.
+using EventMask = std::uint32_t;
+constexpr EventMask maskOf(EventType type) { return 1U << static_cast<unsigned>(type); }
+
+/// Modifier keys as bits (`NSEventModifierFlags`, `CGEventFlags`).
+using ModifierFlags = std::uint32_t;
+inline constexpr ModifierFlags shiftModifier = 0x20000;
+inline constexpr ModifierFlags controlModifier = 0x40000;
+inline constexpr ModifierFlags optionModifier = 0x80000;
+inline constexpr ModifierFlags commandModifier = 0x100000;
+
+/// An event as a monitor sees it.
+struct Event {
+    EventType type = EventType::mouseMoved;
+    /// Points, origin at the bottom left of the main display.
+    Point location;
+    ModifierFlags modifiers = 0;
+    /// The window of this program that the event is for; 0 for another program's.
+    WindowNumber window = 0;
+};
+
+/// Fields of a synthetic event (`CGEventField`).
+enum class EventField {
+    targetProcess = 40,
+    windowNumber = 51,
+    windowUnderPointer = 91,
+    windowUnderPointerThatCanHandle = 92
+};
+
+/// A synthetic mouse event with the left button, not yet posted. Location: points, origin at the
+/// top left of the main display.
+struct MouseEvent {
+    EventType type = EventType::leftMouseDown;
+    Point location;
+    ModifierFlags flags = 0;
+    std::map<EventField, std::int64_t> fields;
+};
+
+/// Where synthetic events come from (`CGEventSourceCreate`). Opaque.
+class EventSource {
+public:
+    virtual ~EventSource() = default;
+};
+
+/// The pointer, the event stream of all programs, and synthetic events.
+class Events {
+public:
+    virtual ~Events() = default;
+
+    /// `NSEvent.mouseLocation`: points, origin at the bottom left of the main display.
+    virtual Point mouseLocation() const = 0;
+    /// `NSEvent.modifierFlags`: the keys that are down now.
+    virtual ModifierFlags modifierFlags() const = 0;
+
+    /// `NSEvent addGlobalMonitorForEventsMatchingMask:`: events that go to other programs. Empty on
+    /// failure.
+    virtual Registration addGlobalMonitor(EventMask mask,
+                                          std::function<void(const Event&)> handler) = 0;
+    /// `NSEvent addLocalMonitorForEventsMatchingMask:`: events for this program's own windows; a
+    /// handler that returns true swallows the event. Empty on failure.
+    virtual Registration addLocalMonitor(EventMask mask,
+                                         std::function<bool(const Event&)> handler) = 0;
+
+    /// `CGEventSourceCreate(1)`, the HID system state; nullptr on failure.
+    virtual std::unique_ptr<EventSource> createEventSource() = 0;
+    /// `CGEventCreateMouseEvent`; nothing on failure.
+    virtual std::optional<MouseEvent> createMouseEvent(EventSource& source, EventType type,
+                                                       Point location) = 0;
+    /// `CGEventPost(0, event)`, the HID tap: what the window server does with an event of a hand.
+    virtual void post(const MouseEvent& event) = 0;
+
+    /// `CGWarpMouseCursorPosition`: moves the cursor without making events; origin at the top left.
+    virtual void warpCursor(Point location) = 0;
+    /// `CGDisplayHideCursor` and `CGDisplayShowCursor` on the main display; each hide needs one
+    /// show.
+    virtual void hideCursor() = 0;
+    virtual void showCursor() = 0;
+};
+
+}  // namespace nevo

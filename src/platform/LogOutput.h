@@ -1,0 +1,16 @@
+#pragma once
+
+#include <string_view>
+
+namespace nevo {
+
+/// Where log lines go. Both calls ignore their failures: a full disk must not stop the program.
+class LogOutput {
+public:
+    virtual ~LogOutput() = default;
+    virtual void writeStandardError(std::string_view text) = 0;
+    /// Appends to `nevo_debug.log` in the user's home directory, or makes it.
+    virtual void appendToLogFile(std::string_view text) = 0;
+};
+
+}  // namespace nevo

@@ -1,0 +1,42 @@
+#pragma once
+
+#include "platform/Accessibility.h"
+#include "platform/Application.h"
+#include "platform/Events.h"
+#include "platform/Images.h"
+#include "platform/LogOutput.h"
+#include "platform/Menus.h"
+#include "platform/NotificationCenter.h"
+#include "platform/RunLoop.h"
+#include "platform/ScreenCapture.h"
+#include "platform/Screens.h"
+#include "platform/StatusBar.h"
+#include "platform/UserDefaults.h"
+#include "platform/WindowServer.h"
+#include "platform/Workspace.h"
+
+namespace nevo {
+
+/// Everything that the logic asks of a desktop, handed over once at construction. The desktop
+/// outlives its users.
+struct Platform {
+    RunLoop& runLoop;
+    /// The default centre of this program, and that of the workspace.
+    NotificationCenter& notifications;
+    NotificationCenter& workspaceNotifications;
+    UserDefaults& defaults;
+    Application& application;
+    StatusBar& statusBar;
+    WindowServer& windows;
+    Events& events;
+    Screens& screens;
+    Workspace& workspace;
+    Accessibility& accessibility;
+    ScreenCapture& screenCapture;
+    Images& images;
+    Menus& menus;
+    Popovers& popovers;
+    LogOutput& log;
+};
+
+}  // namespace nevo

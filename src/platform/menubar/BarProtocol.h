@@ -1,0 +1,71 @@
+#pragma once
+
+#include <cstdint>
+
+/// The words that `nevo-menubar` and its clients exchange over the X server, described in
+/// docs/menubar-protocol.md. Everything is on the window that owns `_NET_SYSTEM_TRAY_Sn` ("the
+/// bar's control window"), on the frame windows that it lists, or on a docked client's own window.
+namespace nevo::barprotocol {
+
+/// CARDINAL on the control window: the version spoken. A tray host without it isn't ours.
+inline constexpr const char* version = "_NEVO_BAR_VERSION";
+inline constexpr std::uint32_t currentVersion = 1;
+/// CARDINAL on the control window: the process id of the bar.
+inline constexpr const char* barPid = "_NEVO_BAR_PID";
+/// WINDOW[] on the control window: the frames of all items, left to right. Rewritten after each
+/// layout, last.
+inline constexpr const char* items = "_NEVO_BAR_ITEMS";
+/// WINDOW on the control window: the window of the primary monitor's bar.
+inline constexpr const char* barWindow = "_NEVO_BAR_WINDOW";
+/// INTEGER[5] on the control window: bar's x, y, width, height (root coordinates, pixels), x of the
+/// system area.
+inline constexpr const char* geometry = "_NEVO_BAR_GEOMETRY";
+
+// On a frame.
+inline constexpr const char* itemPid = "_NEVO_ITEM_PID";  ///< CARDINAL; absent when unknown
+inline constexpr const char* itemAppId =
+    "_NEVO_ITEM_APP_ID";  ///< UTF8_STRING, stable application id
+inline constexpr const char* itemName =
+    "_NEVO_ITEM_NAME";  ///< UTF8_STRING, the name its place is kept by
+inline constexpr const char* itemOwnerName =
+    "_NEVO_ITEM_OWNER_NAME";  ///< UTF8_STRING, the program's name for people
+inline constexpr const char* itemKind =
+    "_NEVO_ITEM_KIND";  ///< CARDINAL: 0 XEmbed, 1 StatusNotifierItem
+inline constexpr const char* itemClient =
+    "_NEVO_ITEM_CLIENT";  ///< WINDOW: the embedded client of an XEmbed item
+/// INTEGER[5]: the slot's x, y, width, height in root coordinates, and 1 while the item floats
+/// above the row. The frame's own geometry is where the item really stands.
+inline constexpr const char* itemSlot = "_NEVO_ITEM_SLOT";
+inline constexpr const char* itemOpacity =
+    "_NEVO_ITEM_OPACITY";  ///< CARDINAL: 0 to 0xffffffff, in force
+
+// Client messages, format 32, sent to the control window with no event mask. Unknown frames and
+// leases are ignored.
+/// frame, opacity (0 to 0xffffffff), lease window.
+inline constexpr const char* setOpacity = "_NEVO_BAR_SET_OPACITY";
+/// frame, x, y of the frame's origin (root coordinates, signed), lease window.
+inline constexpr const char* moveItem = "_NEVO_BAR_MOVE";
+/// frame, phase, x, y of the pointer (root coordinates, signed), lease window.
+inline constexpr const char* drag = "_NEVO_BAR_DRAG";
+enum DragPhase : std::uint32_t {
+    /// The next Command press of an XTEST device drags this frame, whatever lies under the pointer.
+    dragAnnounced = 0,
+    /// A drag without the pointer: press, motion, release.
+    dragBegan = 1,
+    dragMoved = 2,
+    dragEnded = 3,
+};
+
+// On a docked client's own window, set by a program that plays a native status item.
+/// CARDINAL/INTEGER: the slot's width in points times 1000; -1000 means as wide as the client asks.
+/// No minimum.
+inline constexpr const char* statusItemLength = "_NEVO_STATUS_ITEM_LENGTH";
+/// UTF8_STRING: the name under which the item's place is saved; a change places the item anew.
+inline constexpr const char* statusItemName = "_NEVO_STATUS_ITEM_NAME";
+/// UTF8_STRING: the domain (application id) of the saved place.
+inline constexpr const char* statusItemAppId = "_NEVO_STATUS_ITEM_APP_ID";
+
+/// The key under which an application's domain keeps an item's position, before the item's name.
+inline constexpr const char* preferredPositionPrefix = "NSStatusItem Preferred Position ";
+
+}  // namespace nevo::barprotocol

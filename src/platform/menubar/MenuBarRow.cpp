@@ -1,0 +1,125 @@
+#include "platform/menubar/MenuBarRow.h"
+
+#include <algorithm>
+
+namespace nevo {
+
+namespace {
+double uncollapsed(double length) { return length >= MenuBarRow::collapsedLength ? 0.0 : length; }
+}  // namespace
+
+const MenuBarRow::Item* MenuBarRow::find(Key key) const {
+    auto index = indexOf(key);
+    return index ? &row[*index] : nullptr;
+}
+
+void MenuBarRow::insert(Item item) {
+    std::size_t index =
+        item.storedPosition ? indexForPosition(*item.storedPosition, item.domain) : 0;
+    row.insert(row.begin() + static_cast<std::ptrdiff_t>(index), std::move(item));
+}
+
+bool MenuBarRow::insertByOrder(Item item, const std::vector<std::string>& order) {
+    auto known = std::find(order.begin(), order.end(), item.identity);
+    if (known == order.end()) return false;
+    std::size_t index = 0;
+    for (auto neighbour = known; neighbour != order.begin();) {
+        --neighbour;
+        auto present = std::find_if(row.begin(), row.end(),
+                                    [&](const Item& i) { return i.identity == *neighbour; });
+        if (present == row.end()) continue;
+        index = static_cast<std::size_t>(present - row.begin()) + 1;
+        break;
+    }
+    row.insert(row.begin() + static_cast<std::ptrdiff_t>(index), std::move(item));
+    return true;
+}
+
+void MenuBarRow::remove(Key key) { take(key); }
+
+void MenuBarRow::setLength(Key key, double length) {
+    if (auto index = indexOf(key)) row[*index].length = std::max(0.0, length);
+}
+
+void MenuBarRow::placeByPosition(Key key, double position) {
+    auto item = take(key);
+    if (!item) return;
+    item->storedPosition = position;
+    insert(std::move(*item));
+}
+
+void MenuBarRow::drop(Key key, double centerX, double systemAreaLeft) {
+    auto item = take(key);
+    if (!item) return;
+    std::size_t index = 0;
+    for (const Slot& slot : slots(systemAreaLeft)) {
+        if (slot.midX() < centerX) ++index;
+    }
+    row.insert(row.begin() + static_cast<std::ptrdiff_t>(index), std::move(*item));
+}
+
+void MenuBarRow::setStoredPosition(Key key, std::optional<double> position) {
+    if (auto index = indexOf(key)) row[*index].storedPosition = position;
+}
+
+std::vector<MenuBarRow::Slot> MenuBarRow::slots(double systemAreaLeft) const {
+    std::vector<Slot> result(row.size());
+    double right = systemAreaLeft;
+    for (std::size_t i = row.size(); i-- > 0;) {
+        right -= row[i].length;
+        result[i] = {row[i].key, right, row[i].length};
+    }
+    return result;
+}
+
+std::optional<MenuBarRow::Slot> MenuBarRow::slot(Key key, double systemAreaLeft) const {
+    auto left = distance(key);
+    if (!left) return std::nullopt;
+    return Slot{key, systemAreaLeft - *left, find(key)->length};
+}
+
+std::optional<double> MenuBarRow::position(Key key) const {
+    auto index = indexOf(key);
+    if (!index) return std::nullopt;
+    double sum = 0;
+    for (std::size_t i = *index; i < row.size(); ++i) sum += uncollapsed(row[i].length);
+    return sum;
+}
+
+std::optional<double> MenuBarRow::distance(Key key) const {
+    auto index = indexOf(key);
+    if (!index) return std::nullopt;
+    double sum = 0;
+    for (std::size_t i = *index; i < row.size(); ++i) sum += row[i].length;
+    return sum;
+}
+
+std::size_t MenuBarRow::indexForPosition(double position, const std::string& domain) const {
+    for (std::size_t i = 0; i < row.size(); ++i) {
+        if (row[i].domain == domain && row[i].storedPosition == position) return i;
+    }
+    // From the right end: the first item that is further away than `position` has the newcomer to
+    // its right.
+    double sum = 0;
+    for (std::size_t i = row.size(); i-- > 0;) {
+        sum += uncollapsed(row[i].length);
+        if (sum > position) return i + 1;
+    }
+    return 0;
+}
+
+std::optional<std::size_t> MenuBarRow::indexOf(Key key) const {
+    auto found = std::find_if(row.begin(), row.end(), [&](const Item& i) { return i.key == key; });
+    if (found == row.end()) return std::nullopt;
+    return static_cast<std::size_t>(found - row.begin());
+}
+
+std::optional<MenuBarRow::Item> MenuBarRow::take(Key key) {
+    auto index = indexOf(key);
+    if (!index) return std::nullopt;
+    Item item = std::move(row[*index]);
+    row.erase(row.begin() + static_cast<std::ptrdiff_t>(*index));
+    return item;
+}
+
+}  // namespace nevo
