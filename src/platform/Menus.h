@@ -19,6 +19,8 @@ struct MenuItem {
     /// A system symbol's name; empty for none.
     std::string symbol;
     std::function<void()> action;
+    /// A row that can't be chosen now is shown dimmed.
+    bool isEnabled = true;
 
     bool isSeparator() const { return key.empty(); }
 };

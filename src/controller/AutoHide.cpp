@@ -1,0 +1,23 @@
+#include "controller/StatusBarController.h"
+
+namespace nevo {
+
+void StatusBarController::resetAutoHideTimer() {
+    autoHideTimer.reset();
+    if (!appState.autoHideEnabled() || !appState.isExpanded()) return;
+    auto weak = weak_from_this();
+    autoHideTimer = platform.runLoop.timer(appState.autoHideDelay(), false, [weak] {
+        if (auto self = weak.lock()) self->laterOnMain(&StatusBarController::autoHideFired);
+    });
+}
+
+void StatusBarController::autoHideFired() {
+    if (!appState.isExpanded()) return;
+    if (isShelfMode()) {
+        startCollapse(false, nullptr);
+    } else {
+        toggle();
+    }
+}
+
+}  // namespace nevo

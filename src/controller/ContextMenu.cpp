@@ -1,0 +1,71 @@
+#include "controller/StatusBarController.h"
+#include "core/Texts.h"
+#include "core/debugLog.h"
+
+namespace nevo {
+
+namespace {
+
+MenuItem row(const std::string& key, const std::string& keyEquivalent, const std::string& symbol,
+             std::function<void()> action) {
+    return {key, text(key), keyEquivalent, symbol, std::move(action)};
+}
+
+}  // namespace
+
+bool StatusBarController::handleRightClick(const Event& event) {
+    auto window = toggleWindowID();
+    if (!window || event.window != *window) return false;
+    showContextMenu();
+    return true;
+}
+
+void StatusBarController::showContextMenu() {
+    isContextMenuShowing = true;
+    refreshToggleButton();
+    if (StatusItemButton* button = sectionManager.toggleItem->button()) {
+        platform.menus.popUp(contextMenu(), Point{0, button->bounds().height}, *button);
+    }
+    isContextMenuShowing = false;
+}
+
+std::vector<MenuItem> StatusBarController::contextMenu() {
+    // The controller may go while the menu is open: the menu runs the loop.
+    auto weak = weak_from_this();
+    auto bound = [weak](void (StatusBarController::*action)()) {
+        return [weak, action] {
+            if (auto self = weak.lock()) ((*self).*action)();
+        };
+    };
+    MenuItem settings = row("menu_bar.context_menu.settings", ",", "gearshape", nullptr);
+    // There is no settings window yet.
+    settings.isEnabled = false;
+    MenuItem updates =
+        row("menu_bar.context_menu.check_for_updates", "", "arrow.clockwise", nullptr);
+    updates.action = [weak, updates] {
+        if (auto self = weak.lock()) self->checkForUpdatesFromMenu(updates);
+    };
+    return {settings,
+            updates,
+            MenuItem{},
+            row("menu_bar.context_menu.about", "", "info.circle",
+                bound(&StatusBarController::openAbout)),
+            MenuItem{},
+            row("menu_bar.context_menu.quit", "q", "xmark.circle",
+                bound(&StatusBarController::quitApp))};
+}
+
+void StatusBarController::checkForUpdatesFromMenu(const MenuItem& item) {
+    debugLog("[Updates] context menu item selected");
+    platform.application.activate();
+    checkForUpdates(&item);
+}
+
+void StatusBarController::openAbout() {
+    platform.application.activate();
+    platform.application.orderFrontStandardAboutPanel();
+}
+
+void StatusBarController::quitApp() { platform.application.terminate(); }
+
+}  // namespace nevo

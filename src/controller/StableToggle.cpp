@@ -1,0 +1,52 @@
+#include <fmt/format.h>
+
+#include <cmath>
+
+#include "controller/StatusBarController.h"
+#include "core/debugLog.h"
+#include "core/describe.h"
+
+namespace nevo {
+
+namespace {
+constexpr int lastAttempt = 29;
+constexpr double pollInterval = 0.1;
+constexpr double stableDistance = 1.0;
+}  // namespace
+
+void StatusBarController::startFirstCollapse() {
+    if (platform.accessibility.isProcessTrusted()) {
+        waitForStableToggle(0);
+    } else {
+        debugLog("[Nevo] auto-hide skipped: Accessibility permission required");
+    }
+}
+
+void StatusBarController::waitForStableToggle(int attempt) {
+    if (attempt > lastAttempt) {
+        debugLog("[Nevo] Gave up waiting for stable position after 30 attempts");
+        return;
+    }
+    platform.runLoop.postAfter(pollInterval, [weak = weak_from_this(), attempt] {
+        if (auto self = weak.lock()) self->pollStableToggle(attempt);
+    });
+}
+
+void StatusBarController::pollStableToggle(int attempt) {
+    if (auto frame = toggleButtonScreenFrame()) {
+        bool usable = isPlausibleToggleFrame(*frame);
+        debugLog(fmt::format("[Nevo] Attempt {}: toggleItem x={}, lastX={}, usable={}, frame={}",
+                             attempt, describe(frame->x), describe(lastStableX), describe(usable),
+                             describe(*frame)));
+        if (usable && std::abs(frame->x - lastStableX) < stableDistance) {
+            savedItemFrame = *frame;
+            recordCanonicalToggleX();
+            startCollapse(false, nullptr);
+            return;
+        }
+        lastStableX = usable ? frame->x : -1.0;
+    }
+    waitForStableToggle(attempt + 1);
+}
+
+}  // namespace nevo

@@ -1,0 +1,121 @@
+#include "controller/StatusBarController.h"
+
+#include "core/notificationNames.h"
+#include "surfaces/PopoverContentView.h"
+
+namespace nevo {
+
+namespace {
+constexpr Size popoverSize{300, 280};
+constexpr int transientBehavior = 1;
+constexpr int lowerEdge = 1;
+}  // namespace
+
+std::shared_ptr<StatusBarController> StatusBarController::create(const Platform& platform,
+                                                                 AppState& appState,
+                                                                 SharedServices services,
+                                                                 UpdateCheck checkForUpdates) {
+    std::shared_ptr<StatusBarController> controller(
+        new StatusBarController(platform, appState, services, std::move(checkForUpdates)));
+    controller->install();
+    return controller;
+}
+
+StatusBarController::StatusBarController(const Platform& desktop, AppState& state,
+                                         SharedServices shared, UpdateCheck updateCheck)
+    : platform(desktop),
+      appState(state),
+      services(shared),
+      popover(desktop.popovers.create()),
+      sectionManager(desktop),
+      preferences(desktop.defaults),
+      checkForUpdates(std::move(updateCheck)) {
+    popover->setContentSize(popoverSize);
+    popover->setBehavior(transientBehavior);
+    popover->setAnimates(true);
+}
+
+void StatusBarController::install() {
+    auto weak = weak_from_this();
+    sectionManager.configureToggle(appState.menuBarIconImage(), [weak] {
+        if (auto self = weak.lock()) self->buttonClicked();
+    });
+    rightClickMonitor = platform.events.addLocalMonitor(
+        maskOf(EventType::rightMouseUp), [weak](const Event& event) {
+            auto self = weak.lock();
+            return self && self->handleRightClick(event);
+        });
+    popover->setContent([weak] {
+        auto self = weak.lock();
+        return self ? popoverContent(self->appState) : std::vector<PopoverRow>{};
+    });
+    observeNotifications();
+}
+
+void StatusBarController::observeNotifications() {
+    auto weak = weak_from_this();
+    for (const char* name : {nevoIconChanged, nevoSpacingChanged}) {
+        notificationObservers.push_back(
+            platform.notifications.addObserver(name, [weak](const Notification&) {
+                if (auto self = weak.lock())
+                    self->laterOnMain(&StatusBarController::iconOrSpacingChanged);
+            }));
+    }
+}
+
+void StatusBarController::laterOnMain(void (StatusBarController::*action)()) {
+    platform.runLoop.post([weak = weak_from_this(), action] {
+        if (auto self = weak.lock()) ((*self).*action)();
+    });
+}
+
+void StatusBarController::afterDelay(double seconds, void (StatusBarController::*action)()) {
+    platform.runLoop.postAfter(seconds, [weak = weak_from_this(), action] {
+        if (auto self = weak.lock()) ((*self).*action)();
+    });
+}
+
+void StatusBarController::iconOrSpacingChanged() {
+    auto weak = weak_from_this();
+    sectionManager.configureToggle(appState.menuBarIconImage(), [weak] {
+        if (auto self = weak.lock()) self->buttonClicked();
+    });
+    refreshToggleButton();
+    platform.runLoop.post([weak] {
+        auto self = weak.lock();
+        if (!self) return;
+        if (auto frame = self->toggleButtonScreenFrame()) self->savedItemFrame = *frame;
+    });
+}
+
+void StatusBarController::refreshToggleButton() {
+    StatusItemButton* button = sectionManager.toggleItem->button();
+    if (!button) return;
+    button->setImage(appState.menuBarIconImage());
+    button->setImageScaling(0);
+    button->setEnabled(true);
+    button->setHidden(false);
+    button->setAlpha(1.0);
+}
+
+void StatusBarController::buttonClicked() {
+    if (!(platform.events.modifierFlags() & optionModifier)) {
+        toggle();
+        return;
+    }
+    if (popover->isShown()) {
+        popover->performClose();
+    } else if (StatusItemButton* button = sectionManager.toggleItem->button()) {
+        popover->show(button->bounds(), *button, lowerEdge);
+    }
+}
+
+void StatusBarController::tearDown() {
+    autoHideTimer.reset();
+    notificationObservers.clear();
+    refreshToggleButton();
+    sectionManager.expand(true);
+    rightClickMonitor.reset();
+}
+
+}  // namespace nevo

@@ -1,0 +1,136 @@
+#pragma once
+
+#include <functional>
+#include <memory>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "core/AppState.h"
+#include "core/BarItem.h"
+#include "discovery/MenuBarScanner.h"
+#include "placement/ItemMover.h"
+#include "placement/SectionManager.h"
+#include "placement/StatusItemPreferenceRepair.h"
+#include "platform/Platform.h"
+#include "surfaces/OnboardingCoordinator.h"
+
+namespace nevo {
+
+/// The services that live as long as the process and outlive every task.
+struct SharedServices {
+    MenuBarScanner& scanner;
+    ItemMover& mover;
+    OnboardingCoordinator& onboarding;
+};
+
+/// The hub: what a click, the hot key or a timer does to the hidden section. Each group of its
+/// operations has a file of its own. Main thread only; callbacks and tasks hold it weakly and do
+/// nothing once it is gone.
+class StatusBarController : public std::enable_shared_from_this<StatusBarController> {
+public:
+    /// What runs an update check; the argument is the row of the menu that asked, if one did.
+    using UpdateCheck = std::function<void(const MenuItem* sender)>;
+
+    /// Builds the status items and installs monitors and observers. `appState` and the services
+    /// outlive it.
+    static std::shared_ptr<StatusBarController> create(const Platform& platform, AppState& appState,
+                                                       SharedServices services,
+                                                       UpdateCheck checkForUpdates);
+
+    /// Puts back everything that would outlive the process: after it no item of another program is
+    /// hidden.
+    void tearDown();
+
+    // Toggle and collapse.
+    /// The main action, of a click and of every other trigger.
+    void toggle();
+    void togglePushMode();
+    void toggleShelfMode();
+    /// Hides what is left of `toggleX` (screen coordinates). The branch is chosen by the mode when
+    /// the task starts.
+    static Task<> collapseAfterScan(std::weak_ptr<StatusBarController> owner, bool repair,
+                                    std::function<void()> completion, double toggleX);
+    void performCollapse();
+    void expandHiddenSection();
+    void refreshToggleButton();
+    void expandAndClickItem(const BarItem& item);
+
+    /// Takes a scan into the section snapshot and the published state.
+    void updateSnapshot(const ScannedBarItems& items);
+
+    /// Polls until the toggle has stopped moving, then makes the first collapse.
+    void waitForStableToggle(int attempt);
+    /// As `waitForStableToggle(0)`, but only logs while the accessibility permission is missing.
+    void startFirstCollapse();
+    void displayModeChanged();
+
+    // Toggle position.
+    /// The toggle button's frame on the screen, origin at the bottom left; nothing without button
+    /// or window.
+    std::optional<Rect> toggleButtonScreenFrame() const;
+    bool isPlausibleToggleFrame(const Rect& frame) const;
+    void recordCanonicalToggleX();
+    void compensateDrift();
+    void rescueTogglePosition();
+
+    /// Starts the one-shot timer that collapses again, where the user wants that.
+    void resetAutoHideTimer();
+
+    SectionManager& sections() { return sectionManager; }
+
+private:
+    StatusBarController(const Platform& platform, AppState& appState, SharedServices services,
+                        UpdateCheck checkForUpdates);
+    void install();
+    void observeNotifications();
+    /// `action` bound weakly to this controller, to be run on the loop's next turn.
+    void laterOnMain(void (StatusBarController::*action)());
+    void afterDelay(double seconds, void (StatusBarController::*action)());
+
+    void buttonClicked();
+    void iconOrSpacingChanged();
+    void startCollapse(bool repair, std::function<void()> completion);
+    void autoHideFired();
+    void clearIsToggling() { isToggling = false; }
+    void verifyAfterCollapse();
+    void pollStableToggle(int attempt);
+    std::string labelFor(const ScannedBarItem& item) const;
+    std::vector<AppState::SnapshotItem> snapshotItemsOf(const ScannedBarItems& items) const;
+    std::optional<WindowNumber> toggleWindowID() const;
+    bool isShelfMode() const { return nevo::isShelfMode(platform.screens, appState); }
+
+    // Context menu.
+    bool handleRightClick(const Event& event);
+    void showContextMenu();
+    std::vector<MenuItem> contextMenu();
+    void checkForUpdatesFromMenu(const MenuItem& item);
+    void openAbout();
+    void quitApp();
+
+    const Platform& platform;
+    AppState& appState;
+    SharedServices services;
+    std::unique_ptr<Popover> popover;
+    SectionManager sectionManager;
+    StatusItemPreferenceRepair preferences;
+    UpdateCheck checkForUpdates;
+
+    /// The last known screen frame of the toggle's button.
+    Rect savedItemFrame;
+    /// What the last collapse hid.
+    std::vector<BarItem> cachedHiddenItems;
+    /// True for a moment after a push-mode toggle.
+    bool isToggling = false;
+    bool isContextMenuShowing = false;
+    /// Where the toggle belongs; negative before it was recorded.
+    double canonicalToggleX = -1.0;
+    /// The x seen at the last poll of a stability wait; negative for none.
+    double lastStableX = -1.0;
+
+    Registration autoHideTimer;
+    Registration rightClickMonitor;
+    std::vector<Registration> notificationObservers;
+};
+
+}  // namespace nevo

@@ -1,0 +1,131 @@
+#include <fmt/format.h>
+
+#include "controller/StatusBarController.h"
+#include "core/debugLog.h"
+
+namespace nevo {
+
+namespace {
+
+/// Clicks that come faster than this are one click.
+constexpr double toggleGuardTime = 0.1;
+/// The bar's layout needs a moment before the toggle's new place can be read.
+constexpr double collapseSettleTime = 0.08;
+
+}  // namespace
+
+void StatusBarController::toggle() {
+    if (!platform.accessibility.isProcessTrusted()) {
+        auto weak = weak_from_this();
+        auto ready = [weak] {
+            if (auto self = weak.lock()) self->startFirstCollapse();
+        };
+        auto complete = [weak] {
+            auto self = weak.lock();
+            if (self && self->platform.accessibility.isProcessTrusted()) self->startFirstCollapse();
+        };
+        services.onboarding.showPermissions(ready, complete);
+        return;
+    }
+    if (isShelfMode()) {
+        toggleShelfMode();
+    } else {
+        togglePushMode();
+    }
+}
+
+void StatusBarController::togglePushMode() {
+    if (isToggling) return;
+    isToggling = true;
+    if (!appState.isExpanded()) {
+        expandHiddenSection();
+        resetAutoHideTimer();
+    } else {
+        startCollapse(false, nullptr);
+    }
+    afterDelay(toggleGuardTime, &StatusBarController::clearIsToggling);
+}
+
+void StatusBarController::toggleShelfMode() {
+    // As long as there is no shelf to open, its items come back to the bar, so that they stay
+    // within reach.
+    togglePushMode();
+}
+
+void StatusBarController::startCollapse(bool repair, std::function<void()> completion) {
+    // Without a frame the last known one serves.
+    if (auto frame = toggleButtonScreenFrame()) savedItemFrame = *frame;
+    spawn(platform.runLoop, collapseAfterScan(weak_from_this(), repair, std::move(completion),
+                                              savedItemFrame.minX()));
+}
+
+Task<> StatusBarController::collapseAfterScan(std::weak_ptr<StatusBarController> owner, bool repair,
+                                              std::function<void()> completion, double toggleX) {
+    auto self = owner.lock();
+    if (!self) co_return;
+    MenuBarScanner& scanner = self->services.scanner;
+    std::set<WindowNumber> own = self->sectionManager.ownWindowIDs();
+    bool shelfMode = self->isShelfMode();
+    self.reset();
+
+    ScannedBarItems items;
+    if (shelfMode) {
+        items = co_await scanner.scanCached(own, 3.0);
+    } else {
+        items = co_await scanner.scan(own, false, toggleX);
+    }
+    self = owner.lock();
+    if (!self) co_return;
+
+    if (shelfMode) {
+        self->updateSnapshot(items);
+        const ScannedBarItems& hidden =
+            self->sectionManager.lastExpandedSnapshot[SectionName::hidden];
+        self->cachedHiddenItems = barItems(hidden);
+        if (hidden.empty())
+            debugLog("[Nevo] No shelf items found; collapsing shelf boundary anyway.");
+        self->appState.setIsExpanded(false);
+        self->performCollapse();
+        if (!hidden.empty() && repair && completion) completion();
+        co_return;
+    }
+    self->cachedHiddenItems = barItems(items);
+    if (self->cachedHiddenItems.empty()) {
+        debugLog(
+            "[Nevo] No items to hide (≡ is leftmost). Cmd+drag ≡ to the right to set divider "
+            "position.");
+        co_return;
+    }
+    self->appState.setIsExpanded(false);
+    self->performCollapse();
+}
+
+void StatusBarController::performCollapse() {
+    preferences.syncSeparatorPosition();
+    sectionManager.setDividerLength(*sectionManager.hiddenDivider, true);
+    refreshToggleButton();
+    afterDelay(collapseSettleTime, &StatusBarController::verifyAfterCollapse);
+}
+
+void StatusBarController::verifyAfterCollapse() {
+    compensateDrift();
+    rescueTogglePosition();
+}
+
+void StatusBarController::expandHiddenSection() {
+    refreshToggleButton();
+    cachedHiddenItems.clear();
+    appState.setIsExpanded(true);
+    refreshToggleButton();
+    sectionManager.expand(true);
+}
+
+void StatusBarController::expandAndClickItem(const BarItem& item) {
+    debugLog(fmt::format("[Nevo] expandAndClickItem wid={} — expanding for user interaction",
+                         item.windowID));
+    autoHideTimer.reset();
+    expandHiddenSection();
+    resetAutoHideTimer();
+}
+
+}  // namespace nevo

@@ -1,0 +1,33 @@
+#include "core/StoredValues.h"
+
+namespace nevo {
+
+std::optional<double> storedNumber(const DefaultsDomain& domain, const std::string& key) {
+    auto value = domain.object(key);
+    if (!value) return std::nullopt;
+    if (auto* number = std::get_if<double>(&*value)) return *number;
+    if (auto* number = std::get_if<std::int64_t>(&*value)) return static_cast<double>(*number);
+    return std::nullopt;
+}
+
+std::optional<std::string> storedString(const DefaultsDomain& domain, const std::string& key) {
+    auto value = domain.object(key);
+    auto* text = value ? std::get_if<std::string>(&*value) : nullptr;
+    return text ? std::optional(*text) : std::nullopt;
+}
+
+std::optional<Bytes> storedBytes(const DefaultsDomain& domain, const std::string& key) {
+    auto value = domain.object(key);
+    auto* bytes = value ? std::get_if<Bytes>(&*value) : nullptr;
+    return bytes ? std::optional(*bytes) : std::nullopt;
+}
+
+bool storedBool(const DefaultsDomain& domain, const std::string& key, bool fallback) {
+    auto value = domain.object(key);
+    if (!value) return fallback;
+    if (auto* flag = std::get_if<bool>(&*value)) return *flag;
+    if (auto number = storedNumber(domain, key)) return *number != 0;
+    return fallback;
+}
+
+}  // namespace nevo

@@ -1,0 +1,45 @@
+#pragma once
+
+#include <memory>
+
+#include "controller/StatusBarController.h"
+
+namespace nevo {
+
+/// The spine of the program: owns the shared state and the services, starts them in their order and
+/// puts everything back at quit. Lives for the whole process.
+class AppDelegate : public std::enable_shared_from_this<AppDelegate> {
+public:
+    explicit AppDelegate(const Platform& platform);
+
+    void applicationDidFinishLaunching();
+    void applicationWillTerminate();
+    /// False, always: closing a window leaves the program running.
+    static bool applicationShouldTerminateAfterLastWindowClosed() { return false; }
+    /// The update check of menu and settings; `sender` is the menu's row, or nullptr.
+    void checkForUpdates(const MenuItem* sender);
+
+    AppState& state() { return appState; }
+    OnboardingCoordinator& onboardingCoordinator() { return onboarding; }
+    /// nullptr before the first services have started.
+    StatusBarController* controller() { return statusBarController.get(); }
+
+private:
+    void startServices();
+    void startFirstServices();
+    void startFullServices();
+
+    const Platform& platform;
+    AppState appState;
+    ScreenCaptureService screenCapture;
+    MenuBarScanner scanner;
+    ItemMover mover;
+    OnboardingCoordinator onboarding;
+    std::shared_ptr<StatusBarController> statusBarController;
+    Registration displayModeObserver;
+    /// The services that need the accessibility permission have started. Never goes back: a
+    /// permission that is taken away stops nothing.
+    bool hasFullServices = false;
+};
+
+}  // namespace nevo
