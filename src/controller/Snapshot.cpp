@@ -20,7 +20,7 @@ std::string without(std::string text, const std::string& part) {
 
 std::string withoutLastComponent(const std::string& bundleID) {
     auto dot = bundleID.rfind('.');
-    return dot == std::string::npos ? bundleID : bundleID.substr(0, dot);
+    return dot == std::string::npos ? "" : bundleID.substr(0, dot);
 }
 
 }  // namespace

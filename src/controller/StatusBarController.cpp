@@ -26,8 +26,8 @@ StatusBarController::StatusBarController(const Platform& desktop, AppState& stat
     : platform(desktop),
       appState(state),
       services(shared),
-      popover(desktop.popovers.create()),
       sectionManager(desktop),
+      popover(desktop.popovers.create()),
       preferences(desktop.defaults),
       checkForUpdates(std::move(updateCheck)) {
     popover->setContentSize(popoverSize);

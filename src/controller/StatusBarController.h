@@ -111,8 +111,9 @@ private:
     const Platform& platform;
     AppState& appState;
     SharedServices services;
-    std::unique_ptr<Popover> popover;
     SectionManager sectionManager;
+    /// Goes before the button that it may hang from.
+    std::unique_ptr<Popover> popover;
     StatusItemPreferenceRepair preferences;
     UpdateCheck checkForUpdates;
 

@@ -79,7 +79,7 @@ Task<> StatusBarController::collapseAfterScan(std::weak_ptr<StatusBarController>
 
     if (shelfMode) {
         self->updateSnapshot(items);
-        const ScannedBarItems& hidden =
+        const ScannedBarItems hidden =
             self->sectionManager.lastExpandedSnapshot[SectionName::hidden];
         self->cachedHiddenItems = barItems(hidden);
         if (hidden.empty())

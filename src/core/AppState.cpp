@@ -124,18 +124,22 @@ std::optional<Bytes> AppState::customIconData() const {
     return data.empty() ? std::nullopt : std::optional(std::move(data));
 }
 
-void AppState::selectMenuBarIcon(const std::string& name) { writeIcon(name, {}); }
-
-void AppState::setCustomIcon(std::optional<Bytes> data) {
-    writeIcon(menuBarIconName(), data.value_or(Bytes{}));
-}
-
-void AppState::resetMenuBarIcon() { writeIcon(defaultMenuBarIconName, {}); }
-
-void AppState::writeIcon(const std::string& name, const Bytes& customIcon) {
+void AppState::selectMenuBarIcon(const std::string& name) {
     store.set(iconNameKey, name);
     store.set(legacyIconNameKey, name);
-    store.set(customIconDataKey, customIcon);
+    store.set(customIconDataKey, Bytes{});
+    iconChanged();
+}
+
+void AppState::setCustomIcon(std::optional<Bytes> data) {
+    store.set(customIconDataKey, data.value_or(Bytes{}));
+    store.set(legacyIconNameKey, menuBarIconName());
+    iconChanged();
+}
+
+void AppState::resetMenuBarIcon() { selectMenuBarIcon(defaultMenuBarIconName); }
+
+void AppState::iconChanged() {
     objectWillChange.send();
     notifications.post(nevoIconChanged);
 }

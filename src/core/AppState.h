@@ -105,7 +105,7 @@ public:
 
 private:
     void migrateIconName();
-    void writeIcon(const std::string& name, const Bytes& customIcon);
+    void iconChanged();
     std::string stringSetting(const char* key, const char* fallback) const;
     double numberSetting(const char* key, double fallback) const;
 

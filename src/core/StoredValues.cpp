@@ -7,6 +7,7 @@ std::optional<double> storedNumber(const DefaultsDomain& domain, const std::stri
     if (!value) return std::nullopt;
     if (auto* number = std::get_if<double>(&*value)) return *number;
     if (auto* number = std::get_if<std::int64_t>(&*value)) return static_cast<double>(*number);
+    if (auto* flag = std::get_if<bool>(&*value)) return *flag ? 1.0 : 0.0;
     return std::nullopt;
 }
 
@@ -23,11 +24,8 @@ std::optional<Bytes> storedBytes(const DefaultsDomain& domain, const std::string
 }
 
 bool storedBool(const DefaultsDomain& domain, const std::string& key, bool fallback) {
-    auto value = domain.object(key);
-    if (!value) return fallback;
-    if (auto* flag = std::get_if<bool>(&*value)) return *flag;
-    if (auto number = storedNumber(domain, key)) return *number != 0;
-    return fallback;
+    auto number = storedNumber(domain, key);
+    return number ? *number != 0 : fallback;
 }
 
 }  // namespace nevo

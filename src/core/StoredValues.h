@@ -8,8 +8,8 @@
 namespace nevo {
 
 /// Typed reads of a domain. A value of another kind reads as absent: whoever else writes the store
-/// can't make the program fail. Integers read as doubles and the other way round, and numbers other
-/// than 0 as true.
+/// can't make the program fail. Integers and truth values read as numbers, and numbers other than 0
+/// as true.
 std::optional<double> storedNumber(const DefaultsDomain& domain, const std::string& key);
 std::optional<std::string> storedString(const DefaultsDomain& domain, const std::string& key);
 std::optional<Bytes> storedBytes(const DefaultsDomain& domain, const std::string& key);

@@ -27,6 +27,6 @@ std::string describe(const Rect& value) {
 
 std::string describe(const std::optional<Rect>& value) { return value ? describe(*value) : "nil"; }
 
-std::string describeWhole(double value) { return fmt::format("{:.0f}", std::trunc(value)); }
+std::string describeWhole(double value) { return fmt::format("{:.0f}", std::trunc(value) + 0.0); }
 
 }  // namespace nevo

@@ -149,7 +149,7 @@ std::optional<Image> MenuBarScanner::fallbackIcon(const PendingItem& item) const
                               ((owner.app && owner.app->localizedName == owner.label) ||
                                owner.label == owner.ownerName || owner.label.empty());
     std::string preferred = preferredIconBundleID(owner.persistedID, owner.bundleID);
-    if (!isSystemBundleID(preferred)) {
+    if (!preferred.empty() && !isSystemBundleID(preferred)) {
         auto app = platform.workspace.runningApplication(preferred);
         if (app && app->icon) {
             debugLog("[MenuBarScanner] fallback using NSRunningApplication.icon for bundleID=" +

@@ -14,8 +14,12 @@ constexpr const char* screenRecordingSettingsUrl =
     "x-apple.systempreferences:com.apple.preference.security?Privacy_ScreenCapture";
 constexpr const char* systemSettingsBundleID = "com.apple.systempreferences";
 
-/// Two pixels a point whatever the screen's scale, and never less than two.
-int pixels(double points) { return std::max(2, static_cast<int>(points * 2)); }
+/// Two pixels a point whatever the screen's scale, never less than two; a frame beyond all sense is
+/// cut.
+int pixels(double points) {
+    constexpr double most = 32768;
+    return points * 2 >= 2 ? static_cast<int>(std::min(points * 2, most)) : 2;
+}
 
 }  // namespace
 

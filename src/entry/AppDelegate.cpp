@@ -51,12 +51,7 @@ void AppDelegate::startFirstServices() {
     displayModeObserver =
         platform.notifications.addObserver(nevoDisplayModeChanged, [weak](const Notification&) {
             auto self = weak.lock();
-            if (!self) return;
-            self->platform.runLoop.post([weak] {
-                auto later = weak.lock();
-                if (later && later->statusBarController)
-                    later->statusBarController->displayModeChanged();
-            });
+            if (self && self->statusBarController) self->statusBarController->displayModeChanged();
         });
 }
 

@@ -98,10 +98,10 @@ ItemMover::Attempt ItemMover::dragOnce(EventSource& source, WindowNumber windowI
 
     auto after = readableFrame(windowID);
     auto origin = [](const std::optional<Rect>& frame) {
-        return frame ? Point{frame->x, frame->y} : Point{};
+        return frame ? describe(Point{frame->x, frame->y}) : "(0, 0)";
     };
     debugLog(fmt::format("[SBC] moveItem attempt={} wid={} before={} after={}", number, windowID,
-                         describe(origin(before)), describe(origin(after))));
+                         origin(before), origin(after)));
     bool moved = before && after && std::abs(after->x - before->x) > successDistance;
     return moved ? Attempt::moved : Attempt::notMoved;
 }
@@ -161,7 +161,8 @@ Task<bool> ItemMover::offscreenSyntheticDrag(BarItem item, Rect frame, Point tar
                     item.windowID, describeWhole(target.x), describeWhole(target.y)));
     for (auto& event : events) {
         platform.events.post(*event);
-        co_await sleep(offscreenStepDelay);
+        // Blocking, so that a cancelled task can't leave the button pressed or hurry the drag.
+        platform.runLoop.blockFor(offscreenStepDelay);
     }
     co_await sleep(completionDelay);
 

@@ -81,7 +81,7 @@ std::vector<StatusItemPreferenceRepair::Mutation> StatusItemPreferenceRepair::re
     if (!domain) return mutations;
     for (const std::string& key : candidateKeys(*domain, persistedID)) {
         double previous = storedNumber(*domain, key).value_or(0.0);
-        if (previous < hiddenPosition) continue;
+        if (!(previous >= hiddenPosition)) continue;
         domain->set(key, visiblePosition);
         mutations.push_back({key, previous, visiblePosition});
     }

@@ -40,7 +40,7 @@ public:
     /// Origin 0, 0.
     virtual Rect bounds() const = 0;
     /// `bounds` converted to the screen: points, origin at the bottom left of the main display;
-    /// nothing without a window.
+    /// nothing without a window. The button fills its window, so this is the window's frame too.
     virtual std::optional<Rect> screenFrame() const = 0;
     /// The frame of the screen that the button's window is on, or nothing.
     virtual std::optional<Rect> windowScreenFrame() const = 0;

@@ -55,32 +55,36 @@ void TaskRegistry::destroyAll() {
 
 TaskHandle spawn(RunLoop& loop, Task<> task) { return loop.tasks().spawn(loop, std::move(task)); }
 
+/// Shared by the timer and the way to wake the task early: the first of them to come takes the
+/// frame.
+struct SleepAwaiter::Sleeper {
+    std::coroutine_handle<> frame;
+    Registration timer;
+};
+
 bool SleepAwaiter::start(const std::shared_ptr<TaskContext>& context,
                          std::coroutine_handle<> waiting) {
     if (context->cancelled) return false;
-    // The timer and a cancellation may both come; whichever is first resumes, the other finds it
-    // done. The registration must outlive this call, so it rides in the shared state.
-    struct Waiting {
-        std::coroutine_handle<> frame;
-        Registration timer;
-    };
-    auto state = std::make_shared<Waiting>();
-    state->frame = waiting;
-    auto resumeOnce = [context, weak = std::weak_ptr(state)] {
-        auto held = weak.lock();
-        if (!held) return;
-        auto frame = std::exchange(held->frame, nullptr);
-        if (!frame) return;
+    sleeper = std::make_shared<Sleeper>();
+    sleeper->frame = waiting;
+    auto resumeOnce = [weakSleeper = std::weak_ptr(sleeper), weakContext = std::weak_ptr(context)] {
+        auto held = weakSleeper.lock();
+        auto chain = weakContext.lock();
+        auto frame = held ? std::exchange(held->frame, nullptr) : nullptr;
+        if (!frame || !chain) return;
         held->timer.reset();
-        context->wake = nullptr;
+        chain->wake = nullptr;
         frame.resume();
     };
-    state->timer = context->loop->timer(seconds, false, resumeOnce);
-    // `wake` owns the state: it lives as long as the chain waits here.
-    context->wake = [state, context = std::weak_ptr(context), resumeOnce] {
-        if (auto held = context.lock()) held->loop->post([state, resumeOnce] { resumeOnce(); });
-    };
+    sleeper->timer = context->loop->timer(seconds, false, resumeOnce);
+    context->wake = [loop = context->loop, resumeOnce] { loop->post(resumeOnce); };
     return true;
+}
+
+SleepAwaiter::~SleepAwaiter() {
+    if (!sleeper) return;
+    sleeper->frame = nullptr;
+    sleeper->timer.reset();
 }
 
 }  // namespace nevo

@@ -166,6 +166,10 @@ TaskHandle spawn(RunLoop& loop, Task<> task);
 class [[nodiscard]] SleepAwaiter {
 public:
     explicit SleepAwaiter(double duration) : seconds(duration) {}
+    SleepAwaiter(const SleepAwaiter&) = delete;
+    SleepAwaiter& operator=(const SleepAwaiter&) = delete;
+    /// A frame that is destroyed while it sleeps takes its timer along.
+    ~SleepAwaiter();
     bool await_ready() const noexcept { return false; }
 
     template <typename Promise>
@@ -175,8 +179,10 @@ public:
     void await_resume() noexcept {}
 
 private:
+    struct Sleeper;
     bool start(const std::shared_ptr<TaskContext>& context, std::coroutine_handle<> waiting);
     double seconds;
+    std::shared_ptr<Sleeper> sleeper;
 };
 
 inline SleepAwaiter sleep(double seconds) { return SleepAwaiter(seconds); }
@@ -206,12 +212,19 @@ template <typename T>
 class [[nodiscard]] OneShot {
 public:
     OneShot() : state(std::make_shared<State>()) {}
+    OneShot(const OneShot&) = delete;
+    OneShot& operator=(const OneShot&) = delete;
+    /// A frame that is destroyed while it waits isn't resumed by a callback that comes late.
+    ~OneShot() { state->waiting = nullptr; }
 
     std::function<void(T)> callback() const {
         return [state = state](T value) {
             if (state->value) return;
             state->value.emplace(std::move(value));
-            if (state->waiting) state->context->loop->post([state] { state->waiting.resume(); });
+            if (!state->waiting) return;
+            state->context->loop->post([state] {
+                if (state->waiting) state->waiting.resume();
+            });
         };
     }
 

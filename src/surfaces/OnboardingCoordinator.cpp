@@ -1,7 +1,5 @@
 #include "surfaces/OnboardingCoordinator.h"
 
-#include <utility>
-
 namespace nevo {
 
 OnboardingCoordinator::OnboardingCoordinator(UserDefaults& store) : defaults(store) {}
@@ -27,7 +25,8 @@ void OnboardingCoordinator::finish() {
     defaults.standard().set(onboardingCompletedKey, true);
     defaults.standard().synchronize();
     step.reset();
-    if (auto complete = std::exchange(onComplete, nullptr)) complete();
+    if (auto complete = onComplete) complete();
+    onComplete = nullptr;
     onReady = nullptr;
     didNotifyReady = false;
 }

@@ -29,7 +29,8 @@ public:
     void showPermissions(std::function<void()> ready, std::function<void()> complete);
     /// Runs `onReady` unless it has run.
     void notifyReady();
-    /// Ends the flow: `notifyReady`, the completion is stored, `onComplete`; then both callbacks are cleared.
+    /// Ends the flow: `notifyReady`, the completion is stored, `onComplete`; then both callbacks
+    /// are cleared.
     void finish();
 
     /// The step the flow is open at; nothing while it is closed.
