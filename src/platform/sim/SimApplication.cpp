@@ -1,0 +1,39 @@
+#include "platform/sim/SimApplication.h"
+
+namespace nevo {
+
+void SimApplication::orderFrontStandardAboutPanel() {
+    aboutPanel = true;
+    trace.note("panel", "about");
+}
+
+void SimApplication::launch() {
+    workspace.ownProgramRuns = true;
+    crashed = false;
+    trace.note("nevo", "starts");
+    if (didFinishLaunching) didFinishLaunching();
+}
+
+void SimApplication::terminate() {
+    if (!isRunning()) return;
+    trace.note("nevo", "is asked to quit");
+    if (willTerminate) willTerminate();
+    end("has quit");
+}
+
+void SimApplication::die() {
+    if (!isRunning()) return;
+    crashed = true;
+    end("dies");
+}
+
+void SimApplication::end(const char* how) {
+    trace.note("nevo", how);
+    workspace.ownProgramRuns = false;
+    aboutPanel = false;
+    didFinishLaunching = nullptr;
+    willTerminate = nullptr;
+    loop.haltProgram();
+}
+
+}  // namespace nevo

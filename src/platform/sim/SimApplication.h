@@ -1,0 +1,42 @@
+#pragma once
+
+#include "platform/Application.h"
+#include "platform/sim/SimWorkspace.h"
+
+namespace nevo {
+
+/// The program's process, seen from the system.
+class SimApplication : public Application {
+public:
+    SimApplication(SimRunLoop& runLoop, SimProgram& self, SimWorkspace& ofSession, SimTrace& to)
+        : loop(runLoop), program(self), workspace(ofSession), trace(to) {}
+
+    std::string bundleIdentifier() const override { return program.bundleIdentifier; }
+    ProcessId processIdentifier() const override { return program.pid; }
+    void setActivationPolicy(ActivationPolicy policy) override { workspace.ownPolicy = policy; }
+    ActivationPolicy activationPolicy() const override { return workspace.ownPolicy; }
+    void activate() override { workspace.activate(program.pid); }
+    void orderFrontStandardAboutPanel() override;
+    void terminate() override;
+
+    /// Tells the program that it has started.
+    void launch();
+    /// The process is gone without a word, as after a crash.
+    void die();
+    bool isRunning() const { return workspace.ownProgramRuns; }
+    /// Whether the last process died instead of quitting.
+    bool hasCrashed() const { return crashed; }
+    bool isAboutPanelShown() const { return aboutPanel; }
+
+private:
+    void end(const char* how);
+
+    SimRunLoop& loop;
+    SimProgram& program;
+    SimWorkspace& workspace;
+    SimTrace& trace;
+    bool aboutPanel = false;
+    bool crashed = false;
+};
+
+}  // namespace nevo

@@ -1,0 +1,182 @@
+#include "platform/sim/SimEvents.h"
+
+#include <fmt/format.h>
+
+namespace nevo {
+
+namespace {
+class SimEventSource : public EventSource {};
+
+bool onAnyDisplay(const SimScreens& screens, Point place) {
+    for (const SimDisplay& display : screens.displays()) {
+        if (display.frame.contains(place)) return true;
+    }
+    return false;
+}
+
+bool isPress(EventType type) {
+    return type == EventType::leftMouseDown || type == EventType::rightMouseDown;
+}
+
+bool isRelease(EventType type) {
+    return type == EventType::leftMouseUp || type == EventType::rightMouseUp;
+}
+}  // namespace
+
+SimEvents::SimEvents(SimRunLoop& runLoop, SimBar& row, SimStatusBar& ownItems,
+                     SimScreens& allScreens, SimFaults& scripted, SimTrace& to)
+    : loop(runLoop),
+      bar(row),
+      statusBar(ownItems),
+      screens(allScreens),
+      faults(scripted),
+      trace(to),
+      monitors(std::make_shared<Monitors>()) {}
+
+Registration SimEvents::addGlobalMonitor(EventMask mask,
+                                         std::function<void(const Event&)> handler) {
+    if (faults.strikes(SimOperation::globalMonitor)) return {};
+    std::size_t id = monitors->nextId++;
+    monitors->global.emplace(id, GlobalMonitor{mask, std::move(handler)});
+    return Registration([weak = std::weak_ptr(monitors), id] {
+        if (auto held = weak.lock()) held->global.erase(id);
+    });
+}
+
+Registration SimEvents::addLocalMonitor(EventMask mask, std::function<bool(const Event&)> handler) {
+    if (faults.strikes(SimOperation::localMonitor)) return {};
+    std::size_t id = monitors->nextId++;
+    monitors->local.emplace(id, LocalMonitor{mask, std::move(handler)});
+    return Registration([weak = std::weak_ptr(monitors), id] {
+        if (auto held = weak.lock()) held->local.erase(id);
+    });
+}
+
+std::unique_ptr<EventSource> SimEvents::createEventSource() {
+    if (faults.strikes(SimOperation::eventSource)) return nullptr;
+    return std::make_unique<SimEventSource>();
+}
+
+std::optional<MouseEvent> SimEvents::createMouseEvent(EventSource&, EventType type,
+                                                      Point location) {
+    if (faults.strikes(SimOperation::mouseEvent)) return std::nullopt;
+    MouseEvent event;
+    event.type = type;
+    event.location = location;
+    return event;
+}
+
+void SimEvents::post(const MouseEvent& event) {
+    auto field = event.fields.find(EventField::windowNumber);
+    auto named =
+        field == event.fields.end() ? WindowNumber{0} : static_cast<WindowNumber>(field->second);
+    // Outside every display there is no place for the pointer: the event goes to the window that it
+    // names, and to nobody else.
+    if (!onAnyDisplay(screens, event.location)) {
+        handleBar(event.type, event.flags, named, event.location);
+        return;
+    }
+    pointer.location = event.location;
+    if (event.type == EventType::leftMouseDown) pointer.leftDown = true;
+    if (event.type == EventType::leftMouseUp) pointer.leftDown = false;
+    handle(event.type, event.flags, named);
+}
+
+void SimEvents::move(Point location) {
+    pointer.location = location;
+    handle(pointer.leftDown ? EventType::leftMouseDragged : EventType::mouseMoved,
+           pointer.modifiers, 0);
+}
+
+void SimEvents::press(bool right) {
+    (right ? pointer.rightDown : pointer.leftDown) = true;
+    handle(right ? EventType::rightMouseDown : EventType::leftMouseDown, pointer.modifiers, 0);
+}
+
+void SimEvents::release(bool right) {
+    (right ? pointer.rightDown : pointer.leftDown) = false;
+    handle(right ? EventType::rightMouseUp : EventType::leftMouseUp, pointer.modifiers, 0);
+}
+
+void SimEvents::handle(EventType type, ModifierFlags flags, WindowNumber named) {
+    bool draggingBefore = bar.isDragging();
+    handleBar(type, flags, named, pointer.location);
+    bool barTookIt = draggingBefore || bar.isDragging();
+
+    const SimBar::Item* under = bar.itemAt(pointer.location);
+    // A drag belongs to the bar, whoever's item it moves.
+    WindowNumber own = under != nullptr && under->own && !barTookIt ? under->window : 0;
+    if (isPress(type)) pressedWindow = own;
+    if (!barTookIt && under != nullptr && !under->own && isPress(type)) noteClick(*under, type);
+    if (isPress(type) && own == 0 && pressedElsewhere) pressedElsewhere();
+
+    Event event;
+    event.type = type;
+    event.location = screens.flipped(pointer.location);
+    event.modifiers = flags;
+    bool follows = isRelease(type) || type == EventType::leftMouseDragged;
+    event.window = follows ? pressedWindow : own;
+    if (isRelease(type)) pressedWindow = 0;
+    deliver(event);
+}
+
+void SimEvents::handleBar(EventType type, ModifierFlags flags, WindowNumber named, Point place) {
+    if (type == EventType::leftMouseDown && (flags & commandModifier) != 0) {
+        const SimBar::Item* item = bar.find(named);
+        if (item == nullptr) item = bar.itemAt(place);
+        if (item == nullptr) return;
+        bool ignored = named != 0 && faults.strikes(SimOperation::drag, item->window);
+        if (!ignored) bar.beginDrag(item->window, place);
+    } else if (type == EventType::leftMouseDragged && bar.isDragging()) {
+        bar.dragTo(place);
+    } else if (type == EventType::leftMouseUp && bar.isDragging()) {
+        bar.endDrag(place);
+    }
+}
+
+void SimEvents::noteClick(const SimBar::Item& item, EventType type) {
+    ++clicks[item.label];
+    trace.note("click", fmt::format("{}{}", item.label,
+                                    type == EventType::rightMouseDown ? " (right)" : ""));
+}
+
+void SimEvents::deliver(const Event& event) {
+    loop.post([this, event] { hear(event); });
+}
+
+void SimEvents::hear(const Event& event) {
+    auto held = monitors;
+    auto call = [&](auto& list, auto&& each) {
+        std::vector<std::size_t> ids;
+        for (const auto& [id, monitor] : list) {
+            if ((monitor.mask & maskOf(event.type)) != 0) ids.push_back(id);
+        }
+        for (std::size_t id : ids) {
+            auto found = list.find(id);
+            if (found == list.end()) continue;
+            auto handler = found->second.handler;
+            if (each(handler)) return true;
+        }
+        return false;
+    };
+    if (event.window == 0) {
+        call(held->global, [&](auto& handler) {
+            handler(event);
+            return false;
+        });
+        return;
+    }
+    bool swallowed = call(held->local, [&](auto& handler) { return handler(event); });
+    if (!swallowed && event.type == EventType::leftMouseUp) statusBar.click(event.window);
+}
+
+int SimEvents::clickCount(const std::string& label) const {
+    auto found = clicks.find(label);
+    return found == clicks.end() ? 0 : found->second;
+}
+
+std::size_t SimEvents::monitorCount() const {
+    return monitors->global.size() + monitors->local.size();
+}
+
+}  // namespace nevo

@@ -1,0 +1,92 @@
+#pragma once
+
+#include "platform/Events.h"
+#include "platform/sim/SimStatusBar.h"
+
+namespace nevo {
+
+/// The pointer and the keys, as the window server knows them.
+struct SimPointer {
+    /// Origin at the top left.
+    Point location{700, 450};
+    ModifierFlags modifiers = 0;
+    bool leftDown = false;
+    bool rightDown = false;
+    /// Above 0 while the cursor is hidden.
+    int hideCount = 0;
+};
+
+/// Mouse events from their source, a hand or the program, to whom they are for.
+///
+/// The window server takes its part at once: pointer, Command-drags in the bar, clicks on other
+/// programs' items. What the program hears (monitors, its items' actions) goes through its queue,
+/// so it comes later while the program blocks.
+class SimEvents : public Events {
+public:
+    SimEvents(SimRunLoop& runLoop, SimBar& row, SimStatusBar& ownItems, SimScreens& allScreens,
+              SimFaults& scripted, SimTrace& to);
+
+    Point mouseLocation() const override { return screens.flipped(pointer.location); }
+    ModifierFlags modifierFlags() const override { return pointer.modifiers; }
+    Registration addGlobalMonitor(EventMask mask,
+                                  std::function<void(const Event&)> handler) override;
+    Registration addLocalMonitor(EventMask mask,
+                                 std::function<bool(const Event&)> handler) override;
+    std::unique_ptr<EventSource> createEventSource() override;
+    std::optional<MouseEvent> createMouseEvent(EventSource& source, EventType type,
+                                               Point location) override;
+    void post(const MouseEvent& event) override;
+    void warpCursor(Point location) override { pointer.location = location; }
+    void hideCursor() override { ++pointer.hideCount; }
+    void showCursor() override { --pointer.hideCount; }
+
+    // The hand of a person. Places have their origin at the top left.
+    /// Moves the pointer, and drags with a button held.
+    void move(Point location);
+    void press(bool right);
+    void release(bool right);
+    void setModifiers(ModifierFlags modifiers) { pointer.modifiers = modifiers; }
+
+    const SimPointer& state() const { return pointer; }
+    /// How often another program's item was clicked, by label; left and right clicks together.
+    int clickCount(const std::string& label) const;
+    std::size_t monitorCount() const;
+
+    /// Told of each press outside the program's own windows.
+    std::function<void()> pressedElsewhere;
+
+private:
+    template <typename Handler>
+    struct Monitor {
+        EventMask mask;
+        Handler handler;
+    };
+    using GlobalMonitor = Monitor<std::function<void(const Event&)>>;
+    using LocalMonitor = Monitor<std::function<bool(const Event&)>>;
+    struct Monitors {
+        std::map<std::size_t, GlobalMonitor> global;
+        std::map<std::size_t, LocalMonitor> local;
+        std::size_t nextId = 1;
+    };
+
+    /// What the window server does with one event; `named` is the window that it was made for.
+    void handle(EventType type, ModifierFlags flags, WindowNumber named);
+    void handleBar(EventType type, ModifierFlags flags, WindowNumber named, Point place);
+    void noteClick(const SimBar::Item& item, EventType type);
+    void deliver(const Event& event);
+    void hear(const Event& event);
+
+    SimRunLoop& loop;
+    SimBar& bar;
+    SimStatusBar& statusBar;
+    SimScreens& screens;
+    SimFaults& faults;
+    SimTrace& trace;
+    SimPointer pointer;
+    std::shared_ptr<Monitors> monitors;
+    std::map<std::string, int> clicks;
+    /// The own window that a button went down on: it gets the release too.
+    WindowNumber pressedWindow = 0;
+};
+
+}  // namespace nevo

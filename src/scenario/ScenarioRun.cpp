@@ -1,0 +1,120 @@
+#include "scenario/ScenarioRun.h"
+
+#include <fmt/format.h>
+
+#include <array>
+
+#include "entry/NevoApp.h"
+
+namespace nevo {
+
+namespace {
+struct OwnItem {
+    const char* shortName;
+    const char* autosaveName;
+};
+constexpr std::array<OwnItem, 3> ownItems{{{"toggle", "Nevo_Toggle"},
+                                           {"divider", "Nevo_Separator"},
+                                           {"always-hidden-divider", "Nevo_AlwaysHiddenDivider"}}};
+
+std::string autosaveName(const std::string& name) {
+    for (const OwnItem& own : ownItems) {
+        if (name == own.shortName) return own.autosaveName;
+    }
+    return name;
+}
+}  // namespace
+
+ScenarioRun::ScenarioRun(const Scenario& of) : scenario(of) {
+    world.menus.whileOpen = [this] { runLines(true); };
+}
+
+ScenarioRun::~ScenarioRun() {
+    world.application.die();
+    world.reap();
+}
+
+Outcome ScenarioRun::run() {
+    runLines(false);
+    return result;
+}
+
+void ScenarioRun::runLines(bool nested) {
+    depth += nested ? 1 : 0;
+    auto goesOn = [&] {
+        bool wanted =
+            !nested || (world.menus.openMenu() != nullptr && world.application.isRunning());
+        return result && wanted && next < scenario.lines.size();
+    };
+    while (goesOn()) {
+        runOne(scenario.lines[next++]);
+        // A program that has ended is still on the stack below an open menu.
+        if (!nested) world.reap();
+    }
+    depth -= nested ? 1 : 0;
+}
+
+void ScenarioRun::runOne(const Scenario::Line& line) {
+    currentLine = line.number;
+    world.trace.note(">", line.text);
+    fail(line.number, line.step(*this));
+    world.loop.runReady();
+}
+
+void ScenarioRun::fail(int line, Outcome outcome) {
+    if (outcome || !result) return;
+    outcome.message = fmt::format("{}:{}: {}", scenario.name, line, outcome.message);
+    result = std::move(outcome);
+}
+
+void ScenarioRun::later(double seconds, Step step) {
+    world.loop.desktopAfter(
+        seconds, [this, step = std::move(step), line = currentLine] { fail(line, step(*this)); });
+}
+
+bool ScenarioRun::startNevo() {
+    if (isNested()) return false;
+    return world.start([this](Platform platform) {
+        auto made = std::make_shared<NevoApp>(platform);
+        app = made;
+        return made;
+    });
+}
+
+bool ScenarioRun::toggle() {
+    auto held = app.lock();
+    bool ready = held && world.application.isRunning() && held->delegate().controller() != nullptr;
+    if (!ready) return false;
+    // Like the hot key's handler: at a later turn, for what is still there then.
+    world.loop.post([weak = app] {
+        if (auto still = weak.lock()) still->delegate().controller()->toggle();
+    });
+    return true;
+}
+
+WindowNumber ScenarioRun::window(const std::string& name, std::string& message) const {
+    if (const SimBar::Item* item = world.bar.findLabel(autosaveName(name))) return item->window;
+    auto plain = plainWindows.find(name);
+    if (plain != plainWindows.end()) return plain->second;
+    std::vector<std::string> known;
+    for (WindowNumber number : world.bar.order()) {
+        known.push_back(shortName(world.bar.find(number)->label));
+    }
+    for (const auto& [handle, number] : plainWindows) known.push_back(handle);
+    message = fmt::format("there is no item or window \"{}\" now; there are: {}", name,
+                          known.empty() ? "none" : listed(known));
+    return 0;
+}
+
+std::string ScenarioRun::shortName(const std::string& label) const {
+    for (const OwnItem& own : ownItems) {
+        if (label == own.autosaveName) return own.shortName;
+    }
+    return label;
+}
+
+SimStatusItem* ScenarioRun::ownItem(const std::string& name) {
+    return world.statusBar.find(autosaveName(name));
+}
+
+}  // namespace nevo

@@ -1,0 +1,134 @@
+#include <fmt/format.h>
+
+#include "scenario/commandSupport.h"
+
+namespace nevo {
+
+namespace {
+
+/// Seconds between the steps of a drag by hand.
+constexpr double dragStep = 0.1;
+constexpr int dragSteps = 4;
+
+/// An item, whose centre is meant, or a place.
+struct Target {
+    std::string item;
+    Point place;
+};
+
+Target readTarget(LineReader& reader) {
+    Target target;
+    if (reader.atNumber()) {
+        target.place = readPlace(reader);
+    } else {
+        target.item = reader.word("ITEM or X Y");
+    }
+    return target;
+}
+
+Step atTarget(const Target& target, std::function<void(ScenarioRun&, Point)> action) {
+    if (target.item.empty()) {
+        return [place = target.place, action = std::move(action)](ScenarioRun& run) {
+            action(run, place);
+            return Outcome{};
+        };
+    }
+    return withWindow(target.item,
+                      [action = std::move(action)](ScenarioRun& run, WindowNumber window) {
+                          action(run, run.desktop().windows.find(window)->frame.center());
+                          return Outcome{};
+                      });
+}
+
+Step readPointer(LineReader& reader) {
+    return atTarget(readTarget(reader),
+                    [](ScenarioRun& run, Point place) { run.desktop().events.move(place); });
+}
+
+Step readClick(LineReader& reader, bool right) {
+    Target target = readTarget(reader);
+    ModifierFlags modifiers = readModifiers(reader);
+    return atTarget(target, [right, modifiers](ScenarioRun& run, Point place) {
+        SimEvents& hand = run.desktop().events;
+        ModifierFlags held = hand.modifierFlags();
+        if (hand.state().location != place) hand.move(place);
+        hand.setModifiers(held | modifiers);
+        hand.press(right);
+        hand.release(right);
+        // The keys are let go of when the program has had its turn with the click.
+        run.desktop().loop.desktopAfter(0, [&hand, held] { hand.setModifiers(held); });
+    });
+}
+
+Step readPress(LineReader& reader, bool down) {
+    bool right = reader.take("right");
+    return [right, down](ScenarioRun& run) {
+        SimEvents& hand = run.desktop().events;
+        down ? hand.press(right) : hand.release(right);
+        return Outcome{};
+    };
+}
+
+Step readHold(LineReader& reader) {
+    ModifierFlags modifiers = readModifiers(reader);
+    return [modifiers](ScenarioRun& run) {
+        run.desktop().events.setModifiers(modifiers);
+        return Outcome{};
+    };
+}
+
+void dragByHand(ScenarioRun& run, Point from, Point to) {
+    SimEvents& hand = run.desktop().events;
+    SimRunLoop& loop = run.desktop().loop;
+    ModifierFlags held = hand.modifierFlags();
+    hand.move(from);
+    hand.setModifiers(held | commandModifier);
+    hand.press(false);
+    for (int step = 1; step <= dragSteps; ++step) {
+        double part = static_cast<double>(step) / dragSteps;
+        Point place{from.x + (to.x - from.x) * part, from.y + (to.y - from.y) * part};
+        loop.desktopAfter(dragStep * step, [&hand, place] { hand.move(place); });
+    }
+    loop.desktopAfter(dragStep * (dragSteps + 1), [&hand, held] {
+        hand.release(false);
+        hand.setModifiers(held);
+    });
+    run.pass(dragStep * (dragSteps + 1));
+}
+
+Step readDrag(LineReader& reader) {
+    Target from = readTarget(reader);
+    if (!reader.take("to")) reader.fail("\"to\" is missing");
+    double x = reader.number("X");
+    std::optional<double> y;
+    if (reader.atNumber()) y = reader.number("Y");
+    return atTarget(from, [x, y](ScenarioRun& run, Point place) {
+        dragByHand(run, place, Point{x, y.value_or(place.y)});
+    });
+}
+
+}  // namespace
+
+std::vector<Command> inputCommands() {
+    return {
+        {"pointer", "ITEM|X Y",
+         "Moves the pointer to an item's centre or a place; drags while the left button is down.",
+         readPointer},
+        {"click", "ITEM|X Y [command] [option] [shift] [control]", "A left click, keys held.",
+         [](LineReader& reader) { return readClick(reader, false); }},
+        {"right-click", "ITEM|X Y [command] [option] [shift] [control]",
+         "A right click, keys held.", [](LineReader& reader) { return readClick(reader, true); }},
+        {"press", "[right]", "Presses a button where the pointer is.",
+         [](LineReader& reader) { return readPress(reader, true); }},
+        {"release", "[right]", "Lets go of a button.",
+         [](LineReader& reader) { return readPress(reader, false); }},
+        {"hold", "[command] [option] [shift] [control]",
+         "Holds these keys from now on; none lets go of all.", readHold},
+        {"drag", "ITEM|X Y to X [Y]",
+         "A drag by hand with Command held, to a place: the button goes down, the pointer moves in "
+         "four steps, the button comes up, 0.1 s each.",
+         readDrag, true},
+    };
+}
+
+}  // namespace nevo
