@@ -1,0 +1,220 @@
+#include "platform/store/DomainFile.h"
+
+#include <fcntl.h>
+#include <fmt/format.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <cerrno>
+#include <cstdlib>
+#include <cstring>
+#include <string_view>
+#include <system_error>
+
+#include "platform/store/DefaultsJson.h"
+#include "platform/store/FileLock.h"
+
+namespace nevo {
+
+namespace {
+
+namespace fs = std::filesystem;
+
+fs::path beside(const fs::path& file, const std::string& ending) {
+    fs::path result = file;
+    result += ending;
+    return result;
+}
+
+/// An open file that closes itself.
+class Descriptor {
+public:
+    explicit Descriptor(int opened) : number(opened) {}
+    ~Descriptor() {
+        if (number >= 0) ::close(number);
+    }
+    Descriptor(const Descriptor&) = delete;
+    Descriptor& operator=(const Descriptor&) = delete;
+    explicit operator bool() const { return number >= 0; }
+    int get() const { return number; }
+    /// False when the file system reports a late failure.
+    bool close() {
+        int closing = std::exchange(number, -1);
+        return ::close(closing) == 0;
+    }
+
+private:
+    int number;
+};
+
+/// Up to `limit` bytes and one more, so that the caller sees a file that is too large.
+bool readAll(int descriptor, std::string& text, std::size_t limit) {
+    char block[65536];
+    while (text.size() <= limit) {
+        ssize_t count = ::read(descriptor, block, sizeof block);
+        if (count < 0 && errno == EINTR) continue;
+        if (count < 0) return false;
+        if (count == 0) return true;
+        text.append(block, static_cast<std::size_t>(count));
+    }
+    return true;
+}
+
+bool writeAll(int descriptor, std::string_view text) {
+    while (!text.empty()) {
+        ssize_t count = ::write(descriptor, text.data(), text.size());
+        if (count < 0 && errno == EINTR) continue;
+        if (count <= 0) return false;
+        text.remove_prefix(static_cast<std::size_t>(count));
+    }
+    return true;
+}
+
+}  // namespace
+
+struct DomainFile::Content {
+    nlohmann::json json = nlohmann::json::object();
+    bool isBroken = false;
+};
+
+std::optional<fs::path> DomainFile::pathFor(const std::string& domain) {
+    if (domain.empty() || domain.front() == '.' || domain.find('/') != std::string::npos ||
+        domain.find('\0') != std::string::npos) {
+        return std::nullopt;
+    }
+    const char* configured = std::getenv("XDG_CONFIG_HOME");
+    const char* home = std::getenv("HOME");
+    fs::path folder = configured && *configured == '/' ? fs::path(configured)
+                                                       : fs::path(home ? home : "/") / ".config";
+    return folder / "nevo" / "defaults" / (domain + ".json");
+}
+
+DomainFile::DomainFile(fs::path path) : file(std::move(path)) { reload(); }
+
+std::optional<DefaultsValue> DomainFile::value(const std::string& key) const {
+    auto found = known.find(key);
+    if (found == known.end()) return std::nullopt;
+    return found->second;
+}
+
+std::vector<std::string> DomainFile::keys() const {
+    std::vector<std::string> result;
+    result.reserve(known.size());
+    for (const auto& [key, value] : known) result.push_back(key);
+    return result;
+}
+
+bool DomainFile::reload() {
+    auto content = read();
+    if (!content) return false;
+    if (content->isBroken) {
+        FileLock lock(beside(file, ".lock"));
+        // Another program may have set it aside and written a new one meanwhile.
+        if (lock.isHeld()) content = read();
+        if (!content) return false;
+        if (content->isBroken) setAside();
+    }
+    adopt(*content);
+    return true;
+}
+
+bool DomainFile::update(const Changes& changes) {
+    std::error_code error;
+    fs::create_directories(file.parent_path(), error);
+    if (error) return fail(fmt::format("can't make its folder: {}", error.message()));
+    FileLock lock(beside(file, ".lock"));
+    if (!lock.isHeld()) return fail("can't lock it");
+
+    auto content = read();
+    if (!content) return false;
+    if (content->isBroken && !setAside()) return false;
+    nlohmann::json merged = content->json;
+    for (const auto& [key, value] : changes) {
+        if (value) {
+            merged[key] = jsonFrom(*value);
+        } else {
+            merged.erase(key);
+        }
+    }
+    if (merged != content->json) {
+        // Text that isn't UTF-8 can't stand in JSON; its bad bytes are replaced.
+        auto text = merged.dump(2, ' ', false, nlohmann::json::error_handler_t::replace) + "\n";
+        if (!replaceFile(text)) return false;
+    }
+    content->json = std::move(merged);
+    adopt(*content);
+    return true;
+}
+
+std::vector<std::string> DomainFile::takeProblems() { return std::exchange(problems, {}); }
+
+std::optional<DomainFile::Content> DomainFile::read() {
+    Descriptor opened(::open(file.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK));
+    if (!opened) {
+        // ENOTDIR: something else stands where a folder should; writing will tell.
+        if (errno == ENOENT || errno == ENOTDIR) return Content{};
+        fail(fmt::format("can't read it: {}", std::strerror(errno)));
+        return std::nullopt;
+    }
+    std::string text;
+    if (!readAll(opened.get(), text, largestFile)) {
+        fail(fmt::format("can't read it: {}", std::strerror(errno)));
+        return std::nullopt;
+    }
+    Content content;
+    // Empty: an editor is about to write it, or a crash left it so. Nothing to be kept.
+    if (text.empty()) return content;
+    auto parsed = text.size() > largestFile ? std::nullopt : parseDefaults(text);
+    content.isBroken = !parsed;
+    if (parsed) content.json = std::move(*parsed);
+    return content;
+}
+
+bool DomainFile::setAside() {
+    for (int number = 1; number < 10000; ++number) {
+        auto name = beside(file, fmt::format(".broken-{}", number));
+        if (::renameat2(AT_FDCWD, file.c_str(), AT_FDCWD, name.c_str(), RENAME_NOREPLACE) == 0) {
+            fail(fmt::format("it can't be understood and was set aside as {}",
+                             name.filename().string()));
+            return true;
+        }
+        if (errno != EEXIST) break;
+    }
+    return fail(fmt::format("it can't be understood, nor set aside: {}", std::strerror(errno)));
+}
+
+void DomainFile::adopt(const Content& content) {
+    known.clear();
+    for (const auto& [key, entry] : content.json.items()) {
+        if (auto value = defaultsValueFrom(entry)) {
+            known.emplace(key, std::move(*value));
+        } else if (reportedKeys.insert(key).second) {
+            fail(fmt::format("the entry \"{}\" has an unknown form and is left alone", key));
+        }
+    }
+}
+
+bool DomainFile::replaceFile(const std::string& text) {
+    if (text.size() > largestFile) return fail("it would grow too large");
+    // Always the same name: what a crash left behind is written over by the next writer.
+    auto temporary = beside(file, ".new");
+    Descriptor out(
+        ::open(temporary.c_str(), O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC | O_NOFOLLOW, 0600));
+    bool written = out && writeAll(out.get(), text) && ::fsync(out.get()) == 0 && out.close() &&
+                   ::rename(temporary.c_str(), file.c_str()) == 0;
+    if (!written) {
+        fail(fmt::format("can't write it: {}", std::strerror(errno)));
+        ::unlink(temporary.c_str());
+        return false;
+    }
+    Descriptor folder(::open(file.parent_path().c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
+    if (folder) ::fsync(folder.get());
+    return true;
+}
+
+bool DomainFile::fail(const std::string& what) {
+    problems.push_back(fmt::format("{}: {}", file.string(), what));
+    return false;
+}
+
+}  // namespace nevo

@@ -1,0 +1,94 @@
+#include "platform/x11/BarLauncher.h"
+
+#include <fcntl.h>
+#include <fmt/format.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <chrono>
+#include <filesystem>
+#include <thread>
+
+#include "platform/menubar/BarProtocol.h"
+#include "platform/xcb/OwnerIdentity.h"
+#include "platform/xcb/Properties.h"
+#include "platform/xcb/WindowOwner.h"
+
+namespace nevo {
+
+namespace {
+
+constexpr const char* barProgram = "nevo-menubar";
+constexpr auto startPatience = std::chrono::seconds(5);
+constexpr auto startPoll = std::chrono::milliseconds(10);
+
+/// Starts a program that goes on when we and our terminal have gone.
+bool startDetached(const std::string& program) {
+    pid_t child = fork();
+    if (child == 0) {
+        setsid();
+        // Its parent ends at once, so that the program becomes init's and no zombie of ours.
+        if (fork() != 0) _exit(0);
+        int nothing = open("/dev/null", O_RDWR);
+        dup2(nothing, STDIN_FILENO);
+        dup2(nothing, STDOUT_FILENO);
+        dup2(nothing, STDERR_FILENO);
+        execl(program.c_str(), program.c_str(), nullptr);
+        _exit(127);
+    }
+    int status = 0;
+    return child > 0 && waitpid(child, &status, 0) == child;
+}
+
+std::string startBar(const XServer& server) {
+    std::error_code error;
+    auto self = std::filesystem::read_symlink("/proc/self/exe", error);
+    auto program = self.parent_path() / barProgram;
+    if (access(program.c_str(), X_OK) != 0) {
+        return fmt::format("No menu bar runs, and {} isn't installed beside nevo.", barProgram);
+    }
+    if (!startDetached(program.string())) return fmt::format("{} can't be started.", barProgram);
+    auto deadline = std::chrono::steady_clock::now() + startPatience;
+    while (server.selectionOwner(server.screenAtom("_NET_SYSTEM_TRAY")) == 0) {
+        if (std::chrono::steady_clock::now() > deadline) {
+            return fmt::format("{} was started, but no menu bar has come up.", barProgram);
+        }
+        std::this_thread::sleep_for(startPoll);
+    }
+    return {};
+}
+
+std::string nameOfOwner(const XServer& server, xcb_window_t owner) {
+    auto pid = xcb::processOfWindow(server.get(), owner, server.atom("_NET_WM_PID"));
+    std::string program = pid ? xcb::programOfProcess(*pid) : std::string();
+    if (program.empty()) program = xcb::classOfWindow(server.get(), owner).instance;
+    if (program.empty()) return "another program";
+    return pid ? fmt::format("{} (process {})", program, *pid) : program;
+}
+
+}  // namespace
+
+std::string ensureBar(const XServer& server) {
+    xcb_atom_t tray = server.screenAtom("_NET_SYSTEM_TRAY");
+    if (server.selectionOwner(tray) == 0) {
+        if (auto failure = startBar(server); !failure.empty()) return failure;
+    }
+    xcb_window_t owner = server.selectionOwner(tray);
+    xcb::PropertyRead version(server.get(), owner, server.atom(barprotocol::version));
+    auto spoken = version.number();
+    if (!spoken) {
+        return fmt::format(
+            "The system tray belongs to {}: take the tray out of that panel, or end it, and start "
+            "nevo again.",
+            nameOfOwner(server, owner));
+    }
+    if (*spoken != barprotocol::currentVersion) {
+        return fmt::format(
+            "The menu bar that runs speaks version {} of its protocol and nevo version {}: start "
+            "the bar that came with this nevo.",
+            *spoken, barprotocol::currentVersion);
+    }
+    return {};
+}
+
+}  // namespace nevo

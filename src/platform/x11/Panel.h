@@ -1,0 +1,13 @@
+#pragma once
+
+#include <QString>
+#include <QWidget>
+
+namespace nevo {
+
+/// The common look of what hangs from the bar: a plain surface in the desktop's colours with a thin
+/// border, rounded where a compositor makes that possible. `selector` is the style sheet's name for
+/// the widget. Call before it is shown.
+void stylePanel(QWidget& panel, const QString& selector);
+
+}  // namespace nevo

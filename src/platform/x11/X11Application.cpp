@@ -1,0 +1,112 @@
+#include "platform/x11/X11Application.h"
+
+#include <fcntl.h>
+#include <unistd.h>
+
+#include <QMessageBox>
+#include <QTimer>
+#include <array>
+#include <cerrno>
+#include <csignal>
+
+#include "platform/x11/ProgramName.h"
+
+namespace nevo {
+
+namespace {
+constexpr std::array endingSignals{SIGTERM, SIGINT, SIGHUP};
+
+/// The signal handler's way into the loop; -1 while there is none.
+volatile std::sig_atomic_t signalSink = -1;
+
+extern "C" void noteSignal(int) {
+    int before = errno;
+    char byte = 0;
+    if (signalSink >= 0) {
+        [[maybe_unused]] auto ignored = write(static_cast<int>(signalSink), &byte, 1);
+    }
+    errno = before;
+}
+}  // namespace
+
+X11Application::X11Application(QApplication& application) : qt(application) {
+    if (pipe2(signalPipe, O_CLOEXEC | O_NONBLOCK) != 0) return;
+    signalSink = signalPipe[1];
+    signalNotifier = std::make_unique<QSocketNotifier>(signalPipe[0], QSocketNotifier::Read);
+    QObject::connect(signalNotifier.get(), &QSocketNotifier::activated, signalNotifier.get(),
+                     [this] {
+                         char bytes[16];
+                         while (read(signalPipe[0], bytes, sizeof bytes) > 0) {
+                         }
+                         terminate();
+                     });
+    for (int number : endingSignals) std::signal(number, noteSignal);
+    // A log pipe whose reader has gone must not end us.
+    std::signal(SIGPIPE, SIG_IGN);
+}
+
+X11Application::~X11Application() {
+    for (int number : endingSignals) std::signal(number, SIG_DFL);
+    signalSink = -1;
+    signalNotifier.reset();
+    for (int end : signalPipe) {
+        if (end >= 0) close(end);
+    }
+}
+
+std::string X11Application::bundleIdentifier() const { return applicationId; }
+
+ProcessId X11Application::processIdentifier() const { return getpid(); }
+
+void X11Application::activate() {
+    for (QWidget* widget : QApplication::topLevelWidgets()) {
+        if (!widget->isVisible()) continue;
+        widget->raise();
+        widget->activateWindow();
+    }
+}
+
+void X11Application::orderFrontStandardAboutPanel() {
+    static constexpr const char* name = "about";
+    for (QWidget* widget : QApplication::topLevelWidgets()) {
+        if (widget->objectName() != name) continue;
+        widget->raise();
+        widget->activateWindow();
+        return;
+    }
+    auto* box = new QMessageBox;
+    box->setObjectName(name);
+    box->setAttribute(Qt::WA_DeleteOnClose);
+    box->setWindowTitle(QObject::tr("About %1").arg(programName));
+    box->setText(QStringLiteral("<b>%1</b>&nbsp;&nbsp;%2").arg(programName, programVersion));
+    box->setInformativeText(QObject::tr("Keeps the status items of your menu bar in order."));
+    box->setStandardButtons(QMessageBox::Close);
+    box->setModal(false);
+    box->show();
+    box->raise();
+    box->activateWindow();
+}
+
+void X11Application::terminate() {
+    if (std::exchange(isTerminating, true)) return;
+    if (willTerminate) willTerminate();
+    // Ends nested loops as well, those of a menu or an alert.
+    QApplication::exit(exitStatus);
+}
+
+void X11Application::displayLost() {
+    exitStatus = 1;
+    terminate();
+}
+
+int X11Application::run() {
+    QTimer::singleShot(0, &qt, [this] {
+        if (didFinishLaunching && !isTerminating) didFinishLaunching();
+    });
+    // A signal may have come before the loop could be left.
+    if (isTerminating) return exitStatus;
+    QApplication::exec();
+    return exitStatus;
+}
+
+}  // namespace nevo

@@ -1,0 +1,39 @@
+#pragma once
+
+#include <QApplication>
+#include <QSocketNotifier>
+#include <memory>
+
+#include "platform/Application.h"
+
+namespace nevo {
+
+/// This program: Qt's application, ended also by the signals that ask for it.
+class X11Application : public Application {
+public:
+    explicit X11Application(QApplication& application);
+    ~X11Application() override;
+
+    std::string bundleIdentifier() const override;
+    ProcessId processIdentifier() const override;
+    void setActivationPolicy(ActivationPolicy newPolicy) override { policy = newPolicy; }
+    ActivationPolicy activationPolicy() const override { return policy; }
+    void activate() override;
+    void orderFrontStandardAboutPanel() override;
+    void terminate() override;
+
+    /// Calls the delegate and runs until the end; the exit status.
+    int run();
+    /// Ends the program because the display has gone.
+    void displayLost();
+
+private:
+    QApplication& qt;
+    ActivationPolicy policy = ActivationPolicy::regular;
+    bool isTerminating = false;
+    int exitStatus = 0;
+    int signalPipe[2] = {-1, -1};
+    std::unique_ptr<QSocketNotifier> signalNotifier;
+};
+
+}  // namespace nevo

@@ -1,0 +1,48 @@
+#pragma once
+
+#include "platform/Events.h"
+#include "platform/Screens.h"
+#include "platform/x11/LocalMonitors.h"
+#include "platform/x11/RawInput.h"
+#include "platform/x11/SyntheticInput.h"
+
+namespace nevo {
+
+class X11Events : public Events {
+public:
+    X11Events(XServer& x, EventPump& pump, BarClient& client, Screens& theScreens,
+              LocalMonitors& monitors);
+    ~X11Events() override;
+
+    Point mouseLocation() const override;
+    ModifierFlags modifierFlags() const override;
+    Registration addGlobalMonitor(EventMask mask,
+                                  std::function<void(const Event&)> handler) override;
+    Registration addLocalMonitor(EventMask mask,
+                                 std::function<bool(const Event&)> handler) override;
+    std::unique_ptr<EventSource> createEventSource() override;
+    std::optional<MouseEvent> createMouseEvent(EventSource& source, EventType type,
+                                               Point location) override;
+    void post(const MouseEvent& event) override;
+    void warpCursor(Point location) override;
+    void hideCursor() override;
+    void showCursor() override;
+
+private:
+    struct Globals;
+    void handleRaw(RawInput::Kind kind, std::uint32_t button);
+    bool isOverOwnWindow(Point root) const;
+    xcb_window_t frameNamedBy(const MouseEvent& event) const;
+
+    XServer& server;
+    BarClient& bar;
+    Screens& screens;
+    LocalMonitors& localMonitors;
+    Keyboard keyboard;
+    SyntheticInput synthetic;
+    RawInput raw;
+    std::shared_ptr<Globals> globals;
+    bool canHideCursor = false;
+};
+
+}  // namespace nevo

@@ -1,0 +1,95 @@
+#include "platform/x11/X11Images.h"
+
+#include <QBuffer>
+#include <QFile>
+#include <QImageReader>
+#include <QPainter>
+#include <QSvgRenderer>
+#include <algorithm>
+#include <cctype>
+#include <cmath>
+
+#include "platform/x11/Pictures.h"
+
+namespace nevo {
+
+namespace {
+
+constexpr int mostMegabytes = 64;
+constexpr int mostPixelsASide = 8192;
+constexpr std::string_view brandPrefix = "Brand";
+
+std::optional<Image> drawing(const QString& path, const std::string& source) {
+    QSvgRenderer renderer;
+    if (!QFile::exists(path) || !renderer.load(path)) return std::nullopt;
+    QImage canvas(renderer.defaultSize(), QImage::Format_ARGB32_Premultiplied);
+    canvas.fill(Qt::transparent);
+    QPainter painter(&canvas);
+    renderer.render(&painter);
+    painter.end();
+    Image image = fromQImage(canvas);
+    image.source = source;
+    return image;
+}
+
+/// "BrandFoldLine" stands in the file "fold-line".
+QString brandFile(std::string_view name) {
+    QString file;
+    for (char c : name.substr(brandPrefix.size())) {
+        bool isUpper = std::isupper(static_cast<unsigned char>(c)) != 0;
+        if (isUpper && !file.isEmpty()) file += '-';
+        file += QLatin1Char(c).toLatin1();
+    }
+    return ":/brand/" + file.toLower() + ".svg";
+}
+
+}  // namespace
+
+X11Images::X11Images() { QImageReader::setAllocationLimit(mostMegabytes); }
+
+std::optional<Image> X11Images::decode(const Bytes& data) const {
+    if (data.empty()) return std::nullopt;
+    auto bytes = QByteArray::fromRawData(reinterpret_cast<const char*>(data.data()),
+                                         static_cast<qsizetype>(data.size()));
+    QBuffer buffer(&bytes);
+    buffer.open(QIODevice::ReadOnly);
+    QImageReader reader(&buffer);
+    reader.setDecideFormatFromContent(true);
+    reader.setAutoTransform(true);
+    // A drawing's size is whatever its author wrote: it is looked at before it takes memory.
+    QSize size = reader.size();
+    if (size.width() > mostPixelsASide || size.height() > mostPixelsASide) return std::nullopt;
+    QImage image = reader.read();
+    if (image.isNull() || image.width() > mostPixelsASide || image.height() > mostPixelsASide) {
+        return std::nullopt;
+    }
+    return fromQImage(image);
+}
+
+std::optional<Image> X11Images::named(const std::string& name) const {
+    bool isPlain =
+        std::all_of(name.begin(), name.end(), [](unsigned char c) { return std::isalnum(c) != 0; });
+    if (!name.starts_with(brandPrefix) || !isPlain) return std::nullopt;
+    return drawing(brandFile(name), "asset:" + name);
+}
+
+std::optional<Image> X11Images::systemSymbol(const std::string& name, const std::string&) const {
+    if (name.empty() || name.find('/') != std::string::npos) return std::nullopt;
+    auto image = drawing(":/symbols/" + QString::fromStdString(name) + ".svg", "symbol:" + name);
+    if (image) image->isTemplate = true;
+    return image;
+}
+
+Image X11Images::redrawn(const Image& image, Size size) const {
+    QSize pixels(static_cast<int>(std::clamp(std::ceil(size.width), 0.0, 8192.0)),
+                 static_cast<int>(std::clamp(std::ceil(size.height), 0.0, 8192.0)));
+    Image plain = image;
+    plain.isTemplate = false;
+    Image result = fromQImage(rendered(plain, pixels, {}));
+    result.size = size;
+    result.isTemplate = image.isTemplate;
+    result.source = image.source;
+    return result;
+}
+
+}  // namespace nevo

@@ -1,0 +1,100 @@
+#include "platform/x11/X11Menus.h"
+
+#include <QGuiApplication>
+#include <QKeyEvent>
+#include <QMenu>
+#include <QScreen>
+#include <algorithm>
+
+#include "platform/x11/Panel.h"
+#include "platform/x11/Pictures.h"
+#include "platform/x11/X11Popover.h"
+
+namespace nevo {
+
+namespace {
+
+constexpr int symbolSize = 16;
+
+/// A menu whose key equivalents work while it is open: no window of ours has the focus that Qt's
+/// shortcuts go by.
+class KeyedMenu : public QMenu {
+protected:
+    void keyPressEvent(QKeyEvent* event) override {
+        QKeySequence pressed(event->keyCombination());
+        for (QAction* action : actions()) {
+            if (action->shortcut().isEmpty() || action->shortcut() != pressed) continue;
+            setActiveAction(action);
+            action->trigger();
+            close();
+            return;
+        }
+        QMenu::keyPressEvent(event);
+    }
+};
+
+/// In the colour of the text, also of the highlighted row's.
+QIcon symbolIcon(const Images& images, const std::string& name, const QPalette& palette) {
+    auto symbol = name.empty() ? std::nullopt : images.systemSymbol(name, {});
+    if (!symbol) return {};
+    auto inColor = [&](QPalette::ColorRole role) {
+        return QPixmap::fromImage(rendered(*symbol, {symbolSize, symbolSize}, palette.color(role)));
+    };
+    QIcon icon(inColor(QPalette::Text));
+    icon.addPixmap(inColor(QPalette::HighlightedText), QIcon::Active);
+    return icon;
+}
+
+}  // namespace
+
+Point hangingPlace(XServer& server, BarClient& bar, const StatusItemButton& button, double width) {
+    Rect barFrame = bar.barFrame();
+    auto frame = button.screenFrame();
+    Rect toggle = frame ? server.coordinates.flipped(*frame)
+                        : Rect{server.coordinates.fromRoot(barFrame).maxX(), 0, 0, 0};
+    Point place = server.coordinates.toRoot(
+        Point{width > 0 ? toggle.midX() - width * 0.5 : toggle.x, toggle.maxY()});
+    place.y = std::max(place.y, barFrame.maxY());
+    return place;
+}
+
+X11Menus::X11Menus(XServer& x, BarClient& client, const Images& pictures)
+    : server(x), bar(client), images(pictures) {}
+
+void X11Menus::popUp(const std::vector<MenuItem>& items, Point, StatusItemButton& button) {
+    KeyedMenu menu;
+    stylePanel(menu, "QMenu");
+    QAction* chosen = nullptr;
+    std::vector<std::pair<QAction*, std::function<void()>>> actions;
+    for (const MenuItem& item : items) {
+        if (item.isSeparator()) {
+            menu.addSeparator();
+            continue;
+        }
+        // An ampersand would underline the next letter.
+        QAction* action = menu.addAction(symbolIcon(images, item.symbol, menu.palette()),
+                                         QString::fromStdString(item.title).replace('&', "&&"));
+        action->setIconVisibleInMenu(true);
+        if (!item.keyEquivalent.empty()) {
+            // What is Command there is Control in the menus of this desktop.
+            action->setShortcut(QKeySequence("Ctrl+" + QString::fromStdString(item.keyEquivalent)));
+            action->setShortcutVisibleInContextMenu(true);
+        }
+        actions.emplace_back(action, item.action);
+    }
+    QObject::connect(&menu, &QMenu::triggered, &menu, [&](QAction* action) { chosen = action; });
+    Point place = hangingPlace(server, bar, button, 0);
+    menu.exec(QPoint(static_cast<int>(place.x), static_cast<int>(place.y)));
+    for (const auto& [action, run] : actions) {
+        if (action == chosen && run) run();
+    }
+}
+
+X11Popovers::X11Popovers(XServer& x, BarClient& client, const Images& pictures)
+    : server(x), bar(client), images(pictures) {}
+
+std::unique_ptr<Popover> X11Popovers::create() {
+    return std::make_unique<X11Popover>(server, bar, images);
+}
+
+}  // namespace nevo

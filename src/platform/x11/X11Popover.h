@@ -1,0 +1,40 @@
+#pragma once
+
+#include <QFrame>
+#include <QPointer>
+
+#include "platform/Images.h"
+#include "platform/Menus.h"
+#include "platform/x11/BarClient.h"
+
+namespace nevo {
+
+/// A panel of text rows that closes at a click elsewhere or Escape.
+class X11Popover : public Popover {
+public:
+    X11Popover(XServer& x, BarClient& client, const Images& pictures);
+    ~X11Popover() override;
+
+    void setContentSize(Size newSize) override { size = newSize; }
+    /// Always transient, and never animated: this desktop's popups are so.
+    void setBehavior(int) override {}
+    void setAnimates(bool) override {}
+    void setContent(std::function<std::vector<PopoverRow>()> newContent) override {
+        content = std::move(newContent);
+    }
+    bool isShown() const override;
+    void performClose() override;
+    void show(Rect rect, StatusItemButton& button, int preferredEdge) override;
+
+private:
+    QFrame* build() const;
+
+    XServer& server;
+    BarClient& bar;
+    const Images& images;
+    Size size{300, 280};
+    std::function<std::vector<PopoverRow>()> content;
+    QPointer<QFrame> panel;
+};
+
+}  // namespace nevo

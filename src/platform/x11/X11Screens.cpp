@@ -1,0 +1,111 @@
+#include "platform/x11/X11Screens.h"
+
+#include <xcb/randr.h>
+
+#include <algorithm>
+
+namespace nevo {
+
+namespace {
+/// A change comes as several events over some time: a mode, an output, the screen's size.
+constexpr int settleMilliseconds = 250;
+constexpr const char* changed = "NSApplicationDidChangeScreenParametersNotification";
+}  // namespace
+
+X11Screens::X11Screens(XServer& x, EventPump& pump, NotificationCenter& center)
+    : server(x), notifications(center) {
+    const auto* extension = xcb_get_extension_data(server.get(), &xcb_randr_id);
+    if (extension != nullptr && extension->present != 0) {
+        xcb::Reply<xcb_randr_query_version_reply_t> version(xcb_randr_query_version_reply(
+            server.get(), xcb_randr_query_version(server.get(), 1, 5), nullptr));
+        hasMonitors = version && (version->major_version > 1 || version->minor_version >= 5);
+        firstRandrEvent = extension->first_event;
+        xcb_randr_select_input(server.get(), server.root(),
+                               XCB_RANDR_NOTIFY_MASK_SCREEN_CHANGE |
+                                   XCB_RANDR_NOTIFY_MASK_CRTC_CHANGE |
+                                   XCB_RANDR_NOTIFY_MASK_OUTPUT_CHANGE);
+    }
+    settled.setSingleShot(true);
+    settled.setInterval(settleMilliseconds);
+    QObject::connect(&settled, &QTimer::timeout, &settled, [this] { reconsider(); });
+    pump.watch([this](const xcb_generic_event_t& event) {
+        auto type = static_cast<std::uint8_t>(event.response_type & 0x7f);
+        bool isRandr =
+            firstRandrEvent != 0 && (type == firstRandrEvent + XCB_RANDR_NOTIFY ||
+                                     type == firstRandrEvent + XCB_RANDR_SCREEN_CHANGE_NOTIFY);
+        // A monitor that a user defines is told by nothing but the root window's event.
+        bool isRoot =
+            type == XCB_CONFIGURE_NOTIFY &&
+            reinterpret_cast<const xcb_configure_notify_event_t&>(event).window == server.root();
+        if (!isRandr && !isRoot) return;
+        read();
+        settled.start();
+    });
+    read();
+    announced = monitors;
+}
+
+std::vector<X11Screens::Monitor> X11Screens::readMonitors() const {
+    std::vector<Monitor> result;
+    if (!hasMonitors) return result;
+    xcb::Reply<xcb_randr_get_monitors_reply_t> reply(xcb_randr_get_monitors_reply(
+        server.get(), xcb_randr_get_monitors(server.get(), server.root(), 1), nullptr));
+    if (!reply) return result;
+    bool foundPrimary = false;
+    for (auto it = xcb_randr_get_monitors_monitors_iterator(reply.get()); it.rem > 0;
+         xcb_randr_monitor_info_next(&it)) {
+        Monitor monitor{
+            it.data->name,
+            {static_cast<double>(it.data->x), static_cast<double>(it.data->y),
+             static_cast<double>(it.data->width), static_cast<double>(it.data->height)}};
+        bool isPrimary = it.data->primary != 0 && !foundPrimary;
+        foundPrimary = foundPrimary || isPrimary;
+        result.insert(isPrimary ? result.begin() : result.end(), monitor);
+    }
+    std::erase_if(result, [](const Monitor& monitor) { return monitor.frame.isEmpty(); });
+    return result;
+}
+
+void X11Screens::read() {
+    monitors = readMonitors();
+    if (monitors.empty()) {
+        xcb::Reply<xcb_get_geometry_reply_t> root(xcb_get_geometry_reply(
+            server.get(), xcb_get_geometry(server.get(), server.root()), nullptr));
+        if (!root) return;
+        monitors.push_back(
+            {1, {0, 0, static_cast<double>(root->width), static_cast<double>(root->height)}});
+    }
+    const Rect& primary = monitors.front().frame;
+    server.coordinates = {static_cast<int>(primary.x), static_cast<int>(primary.y),
+                          static_cast<int>(primary.height)};
+}
+
+void X11Screens::reconsider() {
+    read();
+    if (monitors == announced) return;
+    announced = monitors;
+    notifications.post(changed);
+}
+
+std::vector<Screen> X11Screens::screens() const {
+    Rect barFrame = bar ? bar->barFrame() : Rect{};
+    std::vector<Screen> result;
+    for (const Monitor& monitor : monitors) {
+        const auto& coordinates = server.coordinates;
+        Screen screen;
+        screen.id = monitor.id;
+        screen.frame = coordinates.flipped(coordinates.fromRoot(monitor.frame));
+        screen.visibleFrame = screen.frame;
+        if (monitor.frame.intersects(barFrame)) screen.visibleFrame.height -= barFrame.height;
+        result.push_back(screen);
+    }
+    return result;
+}
+
+std::optional<Screen> X11Screens::mainScreen() const {
+    auto all = screens();
+    if (all.empty()) return std::nullopt;
+    return all.front();
+}
+
+}  // namespace nevo

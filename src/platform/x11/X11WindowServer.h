@@ -1,0 +1,45 @@
+#pragma once
+
+#include "platform/Screens.h"
+#include "platform/WindowServer.h"
+#include "platform/x11/BarClient.h"
+#include "platform/x11/ClientWindows.h"
+
+namespace nevo {
+
+/// All programs' windows: the bar's items by what the bar tells, ordinary ones by what the window
+/// manager does.
+class X11WindowServer : public WindowServer {
+public:
+    X11WindowServer(XServer& x, BarClient& bar, ClientWindows& clientWindows, Screens& theScreens,
+                    WindowNumbers& windowNumbers);
+
+    std::optional<int> windowCount() const override;
+    std::optional<std::vector<WindowNumber>> menuBarWindowList(int capacity) const override;
+    std::optional<int> windowLevel(WindowNumber window) const override;
+    std::optional<Rect> windowFrame(WindowNumber window) const override;
+    std::optional<std::vector<WindowDescription>> windowList(
+        WindowListOption option) const override;
+    std::optional<WindowDescription> windowDescription(WindowNumber window) const override;
+    bool setWindowAlpha(WindowNumber window, float alpha) override;
+    std::optional<float> windowAlpha(WindowNumber window) const override;
+    bool moveWindow(WindowNumber window, Point origin) override;
+    std::optional<Image> windowImage(WindowNumber window) const override;
+    std::optional<Image> compositeImage(const std::vector<WindowNumber>& windows) const override;
+    /// Any client may move the cursor here.
+    void setSetsCursorInBackground(bool) override {}
+
+private:
+    bool isBar(WindowNumber window) const;
+    WindowDescription describe(const BarItemInfo& item) const;
+    WindowDescription describe(const ClientWindowInfo& window) const;
+    WindowDescription describeBar() const;
+
+    XServer& server;
+    BarClient& barClient;
+    ClientWindows& clients;
+    Screens& screens;
+    WindowNumbers& numbers;
+};
+
+}  // namespace nevo

@@ -1,0 +1,70 @@
+#include "platform/xcb/OwnerIdentity.h"
+
+#include <algorithm>
+#include <filesystem>
+#include <fstream>
+#include <system_error>
+#include <vector>
+
+#include "platform/xcb/CommandLine.h"
+
+namespace nevo::xcb {
+
+namespace fs = std::filesystem;
+
+namespace {
+constexpr std::size_t maximumCommandLineBytes = 16 * 1024;
+
+std::vector<std::string> commandLine(ProcessId pid) {
+    std::ifstream stream("/proc/" + std::to_string(pid) + "/cmdline", std::ios::binary);
+    std::string bytes(maximumCommandLineBytes, '\0');
+    stream.read(bytes.data(), static_cast<std::streamsize>(bytes.size()));
+    bytes.resize(static_cast<std::size_t>(stream.gcount()));
+    std::vector<std::string> arguments;
+    for (std::size_t begin = 0; begin < bytes.size();) {
+        std::size_t end = std::min(bytes.find('\0', begin), bytes.size());
+        arguments.push_back(bytes.substr(begin, end - begin));
+        begin = end + 1;
+    }
+    return arguments;
+}
+
+/// Readable for processes of the same user only.
+std::string executableName(ProcessId pid) {
+    std::error_code error;
+    std::string path = fs::read_symlink("/proc/" + std::to_string(pid) + "/exe", error).string();
+    // The kernel's mark of a program that was replaced while it ran, as each update does.
+    constexpr std::string_view deleted = " (deleted)";
+    if (path.ends_with(deleted)) path.resize(path.size() - deleted.size());
+    return error ? std::string() : fs::path(path).filename().string();
+}
+
+std::string firstNonEmpty(std::initializer_list<std::string> candidates) {
+    for (const std::string& candidate : candidates) {
+        if (!candidate.empty()) return candidate;
+    }
+    return {};
+}
+}  // namespace
+
+std::string programOfProcess(ProcessId pid) {
+    std::string executable = executableName(pid);
+    if (!executable.empty() && !isInterpreter(executable)) return executable;
+    auto arguments = commandLine(pid);
+    // A script started by its own "#!" line: the kernel puts the interpreter first by itself, but a
+    // program may also have renamed itself; the executable is the better witness.
+    if (!executable.empty() && !arguments.empty()) arguments.front() = executable;
+    return programOfCommandLine(arguments);
+}
+
+OwnerIdentity OwnerIdentities::identify(std::optional<ProcessId> pid,
+                                        const WindowClass& windowClass) {
+    std::string program = pid ? programOfProcess(*pid) : std::string();
+    const DesktopEntry* entry = entries.find(program, windowClass.instance, windowClass.name);
+    if (entry != nullptr) return {entry->id, entry->name, entry->icon};
+    std::string id =
+        firstNonEmpty({program, windowClass.name, windowClass.instance, std::string("unknown")});
+    return {id, id, {}};
+}
+
+}  // namespace nevo::xcb
