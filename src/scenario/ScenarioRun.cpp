@@ -92,6 +92,12 @@ bool ScenarioRun::toggle() {
     return true;
 }
 
+OnboardingCoordinator* ScenarioRun::firstRun() {
+    auto held = app.lock();
+    bool runs = held && world.application.isRunning();
+    return runs ? &held->delegate().onboardingCoordinator() : nullptr;
+}
+
 WindowNumber ScenarioRun::window(const std::string& name, std::string& message) const {
     if (const SimBar::Item* item = world.bar.findLabel(autosaveName(name))) return item->window;
     auto plain = plainWindows.find(name);

@@ -2,6 +2,7 @@
 
 #include "platform/sim/SimDesktop.h"
 #include "scenario/Scenario.h"
+#include "surfaces/OnboardingCoordinator.h"
 
 namespace nevo {
 
@@ -33,6 +34,8 @@ public:
     bool startNevo();
     /// What the hot key does. False when the program doesn't run or has no controller yet.
     bool toggle();
+    /// The program's first-run flow; nullptr when the program doesn't run.
+    OnboardingCoordinator* firstRun();
     /// Whether the lines are being run from inside an open menu.
     bool isNested() const { return depth > 0; }
 

@@ -33,6 +33,17 @@ Step readToggle(LineReader&) {
     return [](ScenarioRun& run) { return run.toggle() ? Outcome{} : notRunning(); };
 }
 
+Step readFirstRun(LineReader& reader) {
+    bool finish = reader.choice("what is done in it", {"ready", "finish"}) == "finish";
+    return [finish](ScenarioRun& run) {
+        OnboardingCoordinator* flow = run.firstRun();
+        if (flow == nullptr) return notRunning();
+        if (!flow->openStep()) return Outcome::unreadable("the first-run flow isn't open");
+        finish ? flow->finish() : flow->notifyReady();
+        return Outcome{};
+    };
+}
+
 Step readBundle(LineReader& reader) {
     std::string identifier = reader.word("BUNDLE-ID");
     return [identifier](ScenarioRun& run) {
@@ -100,6 +111,9 @@ std::vector<Command> nevoCommands() {
         {"quit", "", "Asks Nevo to quit, as its menu does.", readQuit},
         {"crash", "", "Ends Nevo's process without its quit sequence.", readCrash},
         {"toggle", "", "Does what the hot key does.", readToggle},
+        {"first-run", "ready|finish",
+         "Asks for a permission in the open first-run flow (ready), or ends the flow.",
+         readFirstRun},
         {"nevo-bundle", "BUNDLE-ID",
          "Nevo's own bundle identifier, \"\" for none, at its next start; com.nevoapp.Nevo if not "
          "given. Its stored values are in the domain of that name.",

@@ -197,6 +197,19 @@ Step readCount(LineReader& reader) {
     };
 }
 
+Step readFirstRunStep(LineReader& reader) {
+    const std::vector<std::string> steps{"welcome", "features", "modeSelect", "permissions"};
+    std::vector<std::string> choices = steps;
+    choices.emplace_back("closed");
+    std::string expected = reader.choice("the step", choices);
+    return [=](ScenarioRun& run) {
+        OnboardingCoordinator* flow = run.firstRun();
+        auto open = flow != nullptr ? flow->openStep() : std::nullopt;
+        std::string actual = open ? steps[static_cast<std::size_t>(*open)] : "closed";
+        return Outcome::compare("the first-run flow", expected, actual);
+    };
+}
+
 }  // namespace
 
 std::vector<Command> nevoExpectations() {
@@ -221,6 +234,8 @@ std::vector<Command> nevoExpectations() {
         {"expect popover", "shown|closed [KEY]",
          "Whether the popover is shown, and the key of its status line.", readPopover},
         {"expect about", "shown|closed", "Whether the about panel is shown.", readPanel},
+        {"expect first-run", "welcome|features|modeSelect|permissions|closed",
+         "The step that the first-run flow is open at.", readFirstRunStep},
         {"expect url", "URL|none", "The URL that Nevo opened last.", readUrl},
         {"expect count", "tasks|timers|monitors|observers|own-items|recording-prompts COUNT",
          "How many of these Nevo has.", readCount},

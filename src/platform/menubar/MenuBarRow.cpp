@@ -15,7 +15,7 @@ const MenuBarRow::Item* MenuBarRow::find(Key key) const {
 
 void MenuBarRow::insert(Item item) {
     std::size_t index =
-        item.storedPosition ? indexForPosition(*item.storedPosition, item.domain) : 0;
+        item.storedPosition ? indexForPosition(*item.storedPosition, item) : 0;
     row.insert(row.begin() + static_cast<std::ptrdiff_t>(index), std::move(item));
 }
 
@@ -49,12 +49,12 @@ void MenuBarRow::placeByPosition(Key key, double position) {
 }
 
 void MenuBarRow::drop(Key key, double centerX, double systemAreaLeft) {
-    auto item = take(key);
-    if (!item) return;
     std::size_t index = 0;
     for (const Slot& slot : slots(systemAreaLeft)) {
-        if (slot.midX() < centerX) ++index;
+        if (slot.key != key && slot.midX() < centerX) ++index;
     }
+    auto item = take(key);
+    if (!item) return;
     row.insert(row.begin() + static_cast<std::ptrdiff_t>(index), std::move(*item));
 }
 
@@ -94,16 +94,18 @@ std::optional<double> MenuBarRow::distance(Key key) const {
     return sum;
 }
 
-std::size_t MenuBarRow::indexForPosition(double position, const std::string& domain) const {
+std::size_t MenuBarRow::indexForPosition(double position, const Item& newcomer) const {
     for (std::size_t i = 0; i < row.size(); ++i) {
-        if (row[i].domain == domain && row[i].storedPosition == position) return i;
+        if (row[i].domain == newcomer.domain && row[i].storedPosition == position) return i;
     }
-    // From the right end: the first item that is further away than `position` has the newcomer to
-    // its right.
+    // A position counts the item's own width, those of the others are without it: an item that was
+    // taken out goes back to where it was. From the right end, the first item that is further away
+    // has the newcomer to its right.
+    double rightEdge = position - uncollapsed(newcomer.length);
     double sum = 0;
     for (std::size_t i = row.size(); i-- > 0;) {
         sum += uncollapsed(row[i].length);
-        if (sum > position) return i + 1;
+        if (sum > rightEdge) return i + 1;
     }
     return 0;
 }

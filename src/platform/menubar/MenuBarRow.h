@@ -59,11 +59,12 @@ public:
     /// Changes the length in place.
     void setLength(Key key, double length);
     /// Takes the item out and puts it where `position` belongs: directly left of an item of the
-    /// same domain whose stored position is the same, else left of all items whose position is
-    /// smaller or the same.
+    /// same domain whose stored position is the same, else left of all items that end nearer to the
+    /// system area than it would begin.
     void placeByPosition(Key key, double position);
-    /// Takes the item out and drops it with its centre at `centerX`: right of the others whose
-    /// centre, without it, is further left.
+    /// Drops the item with its centre at `centerX`: right of the others whose centre is further
+    /// left, as they stand while its own slot is still kept open. So dropping it where it stands
+    /// changes nothing, whatever its width.
     void drop(Key key, double centerX, double systemAreaLeft);
     /// Notes what its domain holds now.
     void setStoredPosition(Key key, std::optional<double> position);
@@ -78,7 +79,7 @@ public:
     std::optional<double> distance(Key key) const;
 
 private:
-    std::size_t indexForPosition(double position, const std::string& domain) const;
+    std::size_t indexForPosition(double position, const Item& newcomer) const;
     std::optional<std::size_t> indexOf(Key key) const;
     std::optional<Item> take(Key key);
 

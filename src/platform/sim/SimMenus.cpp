@@ -25,7 +25,7 @@ void SimMenus::popUp(const std::vector<MenuItem>& items, Point, StatusItemButton
 bool SimMenus::choose(const std::string& key) {
     auto found =
         std::find_if(rows.begin(), rows.end(), [&](const MenuItem& m) { return m.key == key; });
-    if (!isOpen || key.empty() || found == rows.end()) return false;
+    if (!isOpen || key.empty() || found == rows.end() || !found->isEnabled) return false;
     chosen = key;
     isOpen = false;
     return true;

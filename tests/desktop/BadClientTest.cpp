@@ -1,0 +1,117 @@
+// Programs that behave badly: whatever they do, a well-behaved one beside them is laid out and gets
+// its clicks, and nothing of theirs is left when they end.
+
+#include <algorithm>
+#include <csignal>
+
+#include "desktop/DesktopSession.h"
+#include "desktop/TestClients.h"
+
+namespace nevo::desktoptest {
+namespace {
+
+class BadClients : public DesktopSession {
+protected:
+    void SetUp() override {
+        DesktopSession::SetUp();
+        startBar();
+        probe = std::make_unique<Probe>();
+        waitForItems(1);
+    }
+
+    Item probeItem() const {
+        for (const Item& item : items()) {
+            if (item.client == probe->window()) return item;
+        }
+        throw Failed("the probe has lost its item");
+    }
+
+    void expectProbeAnswers() {
+        for (int i = 0; i < 3; ++i) {
+            int before = probe->clicks();
+            // Neighbours that change all the time push it about, so a click may miss.
+            waitFor("the probe gets a click", [&] {
+                click(probeItem());
+                return probe->clicks() > before;
+            });
+        }
+    }
+
+    Process& startBad(const std::string& kind) {
+        Process& bad = startProgram(std::string(NEVO_BAD_CLIENT) + " " + kind);
+        waitFor("the bad client has docked",
+                [&] { return bad.output().find("docked") != std::string::npos; });
+        return bad;
+    }
+
+    void expectGoneWith(Process& bad) {
+        kill(bad, SIGKILL);
+        waitFor("only the probe is left", [&] { return items().size() == 1; });
+        EXPECT_TRUE(isDense());
+        expectProbeAnswers();
+    }
+
+    bool allFit() const {
+        auto all = items();
+        return std::all_of(all.begin(), all.end(), [this](const Item& item) {
+            return item.place.height == barView->frame().height &&
+                   item.slot.width < barView->frame().width / 2;
+        });
+    }
+
+    std::unique_ptr<Probe> probe;
+};
+
+TEST_F(BadClients, oneThatNeverMapsTakesNoRoom) {
+    Process& bad = startBad("unmapped");
+    expectProbeAnswers();
+    waitFor("the other one takes no room", [&] {
+        auto all = items();
+        return std::all_of(all.begin(), all.end(), [&](const Item& item) {
+            return item.client == probe->window() || item.slot.width == 0;
+        });
+    });
+    EXPECT_TRUE(isDense());
+    expectGoneWith(bad);
+}
+
+TEST_F(BadClients, oneThatAsksForTheWholeScreenGetsASlot) {
+    Process& bad = startBad("giant");
+    waitFor("both have a slot that fits", [&] { return items().size() == 2 && allFit(); });
+    expectProbeAnswers();
+    EXPECT_TRUE(allFit() && isDense()) << log();
+    expectGoneWith(bad);
+}
+
+TEST_F(BadClients, oneThatResizesWithoutEndHoldsNobodyUp) {
+    Process& bad = startBad("resizer 7");
+    waitFor("both have a slot", [&] { return items().size() == 2; });
+    expectProbeAnswers();
+    expectGoneWith(bad);
+}
+
+TEST_F(BadClients, oneThatHangsHoldsNobodyUp) {
+    Process& bad = startBad("plain");
+    waitForItems(2);
+    bad.signal(SIGSTOP);
+    expectProbeAnswers();
+    setMonitor("1000/300x600/200+0+0");
+    waitFor("the bar is laid out anew",
+            [&] { return barView->frame().width == 1000 && namesOnScreen().size() == 2; });
+    EXPECT_TRUE(isDense());
+    expectProbeAnswers();
+    expectGoneWith(bad);
+}
+
+TEST_F(BadClients, aCrowdThatComesAndGoesLeavesNoGhosts) {
+    for (const char* seed : {"1", "2", "3"}) {
+        Process& bad = startBad(std::string("crowd ") + seed);
+        expectProbeAnswers();
+        waitFor("the crowd has come to rest", [&] { return namesOnScreen().size() == 13; });
+        EXPECT_TRUE(isDense());
+        expectGoneWith(bad);
+    }
+}
+
+}  // namespace
+}  // namespace nevo::desktoptest

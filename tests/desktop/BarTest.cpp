@@ -1,0 +1,111 @@
+// The menu bar by itself, with tray programs of the distribution.
+
+#include <csignal>
+#include <fstream>
+
+#include "desktop/DesktopSession.h"
+#include "desktop/TestClients.h"
+
+namespace nevo::desktoptest {
+namespace {
+
+class MenuBar : public DesktopSession {
+protected:
+    /// What can be seen now can be seen again, as it was, once each; nobody has died.
+    void expectAllBack(const Names& before) {
+        waitForOnScreen(before);
+        EXPECT_EQ(names(), before);
+        EXPECT_TRUE(isDense());
+    }
+};
+
+TEST_F(MenuBar, tellsWhoseItemsStandInIt) {
+    startDesktop();
+    struct Expected {
+        const char *program, *appId, *ownerName;
+    };
+    for (const Expected& expected :
+         {Expected{"volumeicon", "volumeicon", "volumeicon"},
+          Expected{"parcellite", "parcellite", "Parcellite"},
+          Expected{"xfce4-clipman", "xfce4-clipman", "Clipboard Manager"},
+          Expected{"qlipper", "qlipper", "Qlipper"},
+          Expected{"qasmixer", "qasmixer", "QasMixer"}}) {
+        Item found = item(expected.program);
+        EXPECT_EQ(found.pid, program(expected.program).pid());
+        EXPECT_EQ(found.appId, expected.appId);
+        EXPECT_EQ(found.ownerName, expected.ownerName);
+        EXPECT_FALSE(found.name.empty());
+        EXPECT_EQ(found.opacity, 1);
+        EXPECT_EQ(found.place, found.slot);
+    }
+    EXPECT_TRUE(isDense());
+}
+
+TEST_F(MenuBar, givesTheRowBackAfterAnyEndOfItsOwn) {
+    startDesktop();
+    // An order of somebody's own, not the one in which the programs came.
+    superDrag(items().front(), items().back().place.maxX() - 2);
+    Names before;
+    Names unlike = names();
+    waitFor("the drag has changed the order", [&] {
+        before = names();
+        return before.size() == 5 && before != unlike;
+    });
+    for (int end : {SIGTERM, SIGKILL, SIGTERM}) {
+        kill(bar(), end);
+        startBar();
+        expectAllBack(before);
+    }
+}
+
+TEST_F(MenuBar, endsWhatAProgramAskedForWhenThatProgramEnds) {
+    startDesktop();
+    auto before = items();
+    auto holder = std::make_unique<LeaseHolder>();
+    holder->bar().setOpacity(before[0], 0, holder->window());
+    holder->bar().setOpacity(before[1], 0.5, holder->window());
+    holder->bar().move(before[4], static_cast<int>(before[4].place.x) - 500, 0, holder->window());
+    waitFor("the requests are in force", [&] {
+        auto now = items();
+        return now[0].opacity == 0 && now[1].opacity < 0.6 && now[4].floating &&
+               now[4].place.x == before[4].place.x - 500;
+    });
+    holder.reset();
+    waitFor("all is as before", [&] {
+        auto now = items();
+        for (std::size_t i = 0; i < before.size(); ++i) {
+            if (now[i].opacity < 1 || now[i].place != before[i].place) return false;
+        }
+        return true;
+    });
+}
+
+TEST_F(MenuBar, movesToTheNewRightEndWhenTheMonitorChanges) {
+    startDesktop();
+    Names before = names();
+    double right = barView->frame().maxX();
+    double gap = right - items().back().place.maxX();
+    for (int width : {1000, 1600, 640}) {
+        setMonitor(std::to_string(width) + "/400x600/200+0+0");
+        waitFor("the bar is as wide as the monitor",
+                [&] { return barView->frame().width == width; });
+        waitForOnScreen(before);
+        EXPECT_EQ(items().back().place.maxX(), width - gap);
+        EXPECT_TRUE(isDense());
+    }
+}
+
+TEST_F(MenuBar, refusesInPlainWordsWhatItCannotDo) {
+    startDesktop();
+    Names before = names();
+    EXPECT_TRUE(refuses(NEVO_BAR_PROGRAM));
+    EXPECT_TRUE(refuses(NEVO_BAR_PROGRAM, {{"DISPLAY", ""}}));
+    EXPECT_TRUE(refuses(NEVO_BAR_PROGRAM, {{"DISPLAY", ":9999"}}));
+    EXPECT_EQ(names(), before);
+    kill(bar(), SIGTERM);
+    ForeignTray foreign;
+    EXPECT_TRUE(refuses(NEVO_BAR_PROGRAM));
+}
+
+}  // namespace
+}  // namespace nevo::desktoptest

@@ -1,0 +1,199 @@
+// What Nevo is for, as a person at a real display sees it.
+
+#include <algorithm>
+#include <csignal>
+#include <fstream>
+
+#include "desktop/NevoSession.h"
+#include "desktop/TestClients.h"
+
+namespace nevo::desktoptest {
+namespace {
+
+class EndToEnd : public NevoSession {
+protected:
+    void quitFromMenu() {
+        rightClick(toggleItem());
+        waitFor("the menu is open", [this] { return !windowsBelowBar().empty(); });
+        Rect menu = windowsBelowBar().back();
+        hand->click({menu.midX(), menu.maxY() - lastRow});
+    }
+
+    /// From the menu's lower edge to the middle of its last row.
+    static constexpr double lastRow = 12;
+};
+
+TEST_F(EndToEnd, aClickHidesWhatIsLeftOfTheToggleAndAnotherBringsItBack) {
+    startAll();
+    keepVisible(2);
+    Names all = names();
+    Names kept = namesRightOfToggle();
+    auto before = programItems();
+    Picture pictureBefore = screenshot();
+    double left = before.front().place.x;
+    Item toggleBefore = toggleItem();
+
+    toggle(kept);
+    EXPECT_EQ(names(), all);
+    EXPECT_EQ(toggleItem().place, toggleBefore.place);
+    auto during = programItems();
+    for (std::size_t i = before.size() - kept.size(); i < before.size(); ++i) {
+        EXPECT_EQ(during[i].place, before[i].place) << nameOf(before[i]);
+    }
+    waitFor("the picture shows the kept items alone", [&] {
+        Picture now = screenshot();
+        bool same = std::all_of(before.end() - 2, before.end(), [&](const Item& item) {
+            return now.pixels(item.place) == pictureBefore.pixels(item.place);
+        });
+        return same && now.isEmptyBar({left, 0, toggleBefore.place.x - left, 24});
+    });
+
+    toggle(all);
+    waitForPlaces(before);
+    Rect row{left, 0, barView->systemAreaLeft() - left, 24};
+    waitFor("the picture is as before",
+            [&] { return screenshot().pixels(row) == pictureBefore.pixels(row); });
+    EXPECT_FALSE(screenshot().isEmptyBar(before[0].place));
+}
+
+TEST_F(EndToEnd, quittingFromTheMenuLeavesNothingHidden) {
+    startAll();
+    keepVisible(2);
+    auto before = programItems();
+    Item toggleBefore = toggleItem();
+    toggle(namesRightOfToggle());
+    quitFromMenu();
+    EXPECT_EQ(nevo().waitForEnd(), 0);
+    waitFor("Nevo's own items have gone", [&] { return items().size() == before.size(); });
+    waitForItems(before.size());
+    EXPECT_TRUE(isDense());
+
+    startNevo();
+    waitFor("the items left of the toggle are hidden again",
+            [&] { return namesOnScreen() == namesRightOfToggle(); });
+    EXPECT_EQ(namesRightOfToggle().size(), 2U);
+    EXPECT_EQ(toggleItem().place, toggleBefore.place);
+}
+
+TEST_F(EndToEnd, aKilledManagerLeavesNothingHidden) {
+    startAll();
+    keepVisible(2);
+    auto before = programItems();
+    toggle(namesRightOfToggle());
+    // Transparency and floating as Nevo asks for them, held by a process that dies with it.
+    auto holder = std::make_unique<LeaseHolder>();
+    Item floated = programItems()[0];
+    Item faded = programItems().back();
+    holder->bar().setOpacity(faded, 0, holder->window());
+    holder->bar().move(floated, 300, 0, holder->window());
+    waitFor("one item floats and another is transparent", [&] {
+        auto now = programItems();
+        return now[0].floating && now[0].onScreen && now.back().opacity == 0;
+    });
+
+    holder.reset();
+    kill(nevo(), SIGKILL);
+    waitFor("Nevo's own items have gone", [&] { return items().size() == before.size(); });
+    waitForItems(before.size());
+    auto now = programItems();
+    for (std::size_t i = 0; i < before.size(); ++i) {
+        EXPECT_EQ(nameOf(now[i]), nameOf(before[i]));
+        EXPECT_EQ(now[i].opacity, 1);
+    }
+    EXPECT_TRUE(isDense());
+}
+
+TEST_F(EndToEnd, aKilledBarCostsNoProgramItsItem) {
+    startAll();
+    keepVisible(2);
+    Names all = names();
+    Names kept = namesRightOfToggle();
+    toggle(kept);
+    kill(bar(), SIGKILL);
+    startBar();
+    waitForOnScreen(kept);
+    EXPECT_EQ(names(), all);
+    toggle(all);
+    EXPECT_EQ(namesRightOfToggle(), kept);
+    toggle(kept);
+    EXPECT_EQ(names(), all);
+}
+
+TEST_F(EndToEnd, aProgramThatDiesWhileHiddenLeavesNoGhost) {
+    startAll();
+    keepVisible(2);
+    Names all = names();
+    toggle(namesRightOfToggle());
+    kill(program(all[1]), SIGKILL);
+    all.erase(all.begin() + 1);
+    waitFor("its item has gone", [&] { return names() == all; });
+    toggle(all);
+    EXPECT_TRUE(isDense());
+}
+
+TEST_F(EndToEnd, theRowFollowsTheMonitorAndGoesOnWorking) {
+    startAll();
+    keepVisible(2);
+    Names all = names();
+    Names kept = namesRightOfToggle();
+    double gap = barView->frame().maxX() - programItems().back().place.maxX();
+    setMonitor("1000/300x600/200+0+0");
+    waitFor("the items stand at the new right end", [&] {
+        return barView->frame().width == 1000 && programItems().back().place.maxX() == 1000 - gap &&
+               namesOnScreen() == all;
+    });
+    toggle(kept);
+    setMonitor("1600/400x600/200+0+0");
+    waitFor("what is hidden stays hidden", [&] {
+        return barView->frame().width == 1600 && programItems().back().place.maxX() == 1600 - gap &&
+               namesOnScreen() == kept;
+    });
+    toggle(all);
+}
+
+TEST_F(EndToEnd, refusesInPlainWordsWhatItCannotDo) {
+    startAll();
+    Names all = names();
+    EXPECT_TRUE(refuses(NEVO_PROGRAM));
+    EXPECT_TRUE(refuses(NEVO_PROGRAM, {{"DISPLAY", ""}}));
+    EXPECT_TRUE(refuses(NEVO_PROGRAM, {{"DISPLAY", ":9999"}}));
+    EXPECT_EQ(names(), all);
+    toggle(all);
+    kill(nevo(), SIGTERM);
+    kill(bar(), SIGTERM);
+    ForeignTray foreign;
+    EXPECT_TRUE(refuses(NEVO_PROGRAM));
+}
+
+TEST_F(EndToEnd, aBarThatNevoHadToStartOutlivesIt) {
+    startNevo();
+    startProgram("parcellite");
+    waitForItems(1);
+    auto barPid = barView->pid();
+    kill(nevo(), SIGKILL);
+    waitFor("Nevo's own items have gone", [this] { return items().size() == 1; });
+    waitForItems(1);
+    EXPECT_EQ(barView->pid(), barPid);
+    startNevo();
+    EXPECT_EQ(barView->pid(), barPid);
+    ::kill(barPid, SIGTERM);
+    waitFor("the bar has ended", [this] { return barView->control() == 0; });
+}
+
+TEST_F(EndToEnd, unreadableSettingsAreSetAsideAndTold) {
+    startBar();
+    auto file = defaultsFile("com.nevoapp.Nevo");
+    std::filesystem::create_directories(file.parent_path());
+    const std::string broken = R"({"nevo_onboarding_completed": tr)";
+    std::ofstream(file) << broken;
+    startNevo();
+    bool kept = false;
+    for (const auto& entry : std::filesystem::directory_iterator(file.parent_path())) {
+        kept = kept || (entry.path() != file && readFile(entry.path()) == broken);
+    }
+    EXPECT_TRUE(kept);
+    EXPECT_NE(nevo().output().find(file.filename()), std::string::npos) << nevo().output();
+}
+
+}  // namespace
+}  // namespace nevo::desktoptest
