@@ -114,8 +114,8 @@ protected:
 TEST_F(SimBarTest, ADividerOpensDirectlyLeftOfTheToggleAndPushesTheOthersOff) {
     auto toggle = desktop.statusBar.statusItem(-1);
     auto divider = desktop.statusBar.statusItem(0);
-    setOwn("T", 60);
-    setOwn("D", 60);
+    setOwn("T", 80);
+    setOwn("D", 80);
     toggle->setAutosaveName("T");
     divider->setAutosaveName("D");
     EXPECT_EQ(order(), "a b D T c ");

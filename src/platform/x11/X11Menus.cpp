@@ -23,7 +23,8 @@ protected:
     void keyPressEvent(QKeyEvent* event) override {
         QKeySequence pressed(event->keyCombination());
         for (QAction* action : actions()) {
-            if (action->shortcut().isEmpty() || action->shortcut() != pressed) continue;
+            if (!action->isEnabled() || action->shortcut().isEmpty()) continue;
+            if (action->shortcut() != pressed) continue;
             setActiveAction(action);
             action->trigger();
             close();
@@ -42,6 +43,9 @@ QIcon symbolIcon(const Images& images, const std::string& name, const QPalette& 
     };
     QIcon icon(inColor(QPalette::Text));
     icon.addPixmap(inColor(QPalette::HighlightedText), QIcon::Active);
+    icon.addPixmap(QPixmap::fromImage(rendered(*symbol, {symbolSize, symbolSize},
+                                               palette.color(QPalette::Disabled, QPalette::Text))),
+                   QIcon::Disabled);
     return icon;
 }
 
@@ -75,6 +79,7 @@ void X11Menus::popUp(const std::vector<MenuItem>& items, Point, StatusItemButton
         QAction* action = menu.addAction(symbolIcon(images, item.symbol, menu.palette()),
                                          QString::fromStdString(item.title).replace('&', "&&"));
         action->setIconVisibleInMenu(true);
+        action->setEnabled(item.isEnabled);
         if (!item.keyEquivalent.empty()) {
             // What is Command there is Control in the menus of this desktop.
             action->setShortcut(QKeySequence("Ctrl+" + QString::fromStdString(item.keyEquivalent)));
