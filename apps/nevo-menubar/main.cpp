@@ -1,1 +1,25 @@
-int main() { return 0; }
+#include <clocale>
+#include <cstdio>
+#include <string>
+#include <vector>
+
+#include "menubar/Bar.h"
+#include "menubar/Log.h"
+
+int main(int argc, char** argv) {
+    using namespace nevo::menubar;
+    std::setlocale(LC_ALL, "");
+    std::string failure;
+    auto options = parseOptions(std::vector<std::string>(argv + 1, argv + argc), failure);
+    if (options && options->help) {
+        std::fputs(helpText, stdout);
+        return 0;
+    }
+    auto display = options ? Display::open(failure) : nullptr;
+    auto host = display ? TrayHost::claim(*display, failure) : nullptr;
+    if (!host) {
+        logLine(failure);
+        return options ? 1 : 2;
+    }
+    return Bar(*display, *options, std::move(host)).run();
+}

@@ -168,7 +168,7 @@ TEST_F(EndToEnd, refusesInPlainWordsWhatItCannotDo) {
 TEST_F(EndToEnd, aBarThatNevoHadToStartOutlivesIt) {
     startNevo();
     startProgram("parcellite");
-    waitForItems(1);
+    waitFor("a program has docked", [this] { return names() == Names{"parcellite"}; });
     auto barPid = barView->pid();
     kill(nevo(), SIGKILL);
     waitFor("Nevo's own items have gone", [this] { return items().size() == 1; });

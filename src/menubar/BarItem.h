@@ -1,0 +1,75 @@
+#pragma once
+
+#include <memory>
+#include <optional>
+#include <string>
+
+#include "menubar/ItemFrame.h"
+#include "menubar/XembedClient.h"
+#include "platform/Geometry.h"
+#include "platform/menubar/MenuBarRow.h"
+#include "platform/xcb/WindowOwner.h"
+
+namespace nevo::menubar {
+
+/// What stands behind a frame; the number is that of the protocol.
+enum class ItemKind : std::uint32_t { xembed = 0, statusNotifier = 1 };
+
+inline constexpr std::uint32_t fullOpacity = 0xFFFFFFFF;
+
+/// A request of the client's own for its slot (`_NEVO_STATUS_ITEM_LENGTH`).
+inline constexpr double lengthOfContent = -1.0;
+
+/// A status item in the bar, shown or withdrawn by its program.
+struct BarItem {
+    MenuBarRow::Key key = 0;
+    ItemKind kind = ItemKind::xembed;
+    std::unique_ptr<ItemFrame> frame;
+    xcb_window_t client = 0;
+
+    std::optional<ProcessId> pid;
+    xcb::WindowClass windowClass;
+    std::string windowName;
+    std::string applicationId;
+    std::string ownerName;
+    /// The name that its place is kept by.
+    std::string name;
+    /// The key of its place in the order of the row.
+    std::string identity;
+    /// Named by its client, as native status items are; else `name` was chosen for it.
+    bool hasOwnName = false;
+
+    XembedInfo xembed;
+    bool isInRow = false;
+    /// Taken in from the root window, not docked by its program.
+    bool isAdopted = false;
+    /// Something of the client that we read has changed.
+    bool isStale = false;
+
+    /// What the client asks for, pixels.
+    int requestedWidth = 0;
+    /// Set by a program that plays a native status item.
+    std::optional<double> statusLength;
+
+    std::uint32_t opacity = fullOpacity;
+    xcb_window_t opacityLease = 0;
+    /// Left edge in root coordinates while it floats above the row.
+    std::optional<int> floatX;
+    xcb_window_t floatLease = 0;
+
+    /// As last published, root coordinates.
+    PixelRect slot;
+    bool slotFloats = false;
+    /// Its client asked for a size and waits to hear of one.
+    bool awaitsPlace = true;
+    bool hasDamage = true;
+
+    bool isStatusItem() const { return statusLength.has_value(); }
+    /// The width of its slot.
+    double length() const {
+        if (statusLength && *statusLength != lengthOfContent) return *statusLength;
+        return requestedWidth;
+    }
+};
+
+}  // namespace nevo::menubar

@@ -1,0 +1,83 @@
+#include <cstdlib>
+
+#include "menubar/Bar.h"
+#include "platform/menubar/BarProtocol.h"
+#include "platform/xcb/Properties.h"
+
+namespace nevo::menubar {
+
+namespace {
+constexpr std::uint32_t dockOpcode = 0;
+/// An item that is put this near to its slot is put back into it.
+constexpr int slotReach = 50;
+
+int signedOf(std::uint32_t value) { return static_cast<std::int32_t>(value); }
+}  // namespace
+
+void Bar::onClientMessage(const xcb_client_message_event_t& message) {
+    if (message.format != 32) return;
+    const std::uint32_t* data = message.data.data32;
+    if (message.type == display.atom("_NET_SYSTEM_TRAY_OPCODE")) {
+        // Balloon messages are another matter: a notification service shows them.
+        if (data[1] == dockOpcode) requestDock(data[2], false);
+        return;
+    }
+    if (message.window != host->controlWindow()) return;
+    BarItem* item = items.withFrame(data[0]);
+    if (item == nullptr || !item->isInRow) return;
+    if (message.type == display.atom(barprotocol::setOpacity)) {
+        if (acceptLease(data[2])) setOpacity(*item, data[1], data[2]);
+    } else if (message.type == display.atom(barprotocol::moveItem)) {
+        if (acceptLease(data[3])) moveItem(*item, signedOf(data[1]), signedOf(data[2]), data[3]);
+    } else if (message.type == display.atom(barprotocol::drag)) {
+        if (acceptLease(data[4])) onDragMessage(data[0], data[1], signedOf(data[2]), data[4]);
+    }
+}
+
+bool Bar::acceptLease(xcb_window_t lease) {
+    return leases.accept(lease, items.withClient(lease) != nullptr);
+}
+
+void Bar::setOpacity(BarItem& item, std::uint32_t opacity, xcb_window_t lease) {
+    item.opacityLease = opacity == fullOpacity ? 0 : lease;
+    if (opacity == item.opacity) return;
+    item.opacity = opacity;
+    item.frame->setTakesInput(opacity > 0 && item.slot.width > 0);
+    xcb::writeNumber(display.get(), item.frame->window(), display.atom(barprotocol::itemOpacity),
+                     opacity);
+    needsPaint = true;
+}
+
+/// A native status item has its place in the row alone; another program's may float above it.
+void Bar::moveItem(BarItem& item, int x, int y, xcb_window_t lease) {
+    if (item.isStatusItem()) return;
+    const PixelRect monitorBar = windows.front()->rect();
+    bool isOutside = x < monitorBar.x || x >= monitorBar.x + monitorBar.width || y < monitorBar.y ||
+                     y >= monitorBar.y + monitorHeight;
+    if (isOutside || std::abs(x - item.slot.x) <= slotReach) return endFloat(item);
+    item.floatX = x;
+    item.floatLease = lease;
+    item.frame->raise();
+    needsLayout = true;
+    needsPaint = true;
+}
+
+void Bar::endFloat(BarItem& item) {
+    if (!item.floatX) return;
+    item.floatX.reset();
+    item.floatLease = XCB_WINDOW_NONE;
+    needsLayout = true;
+    needsPaint = true;
+}
+
+/// The program behind the lease has gone: all that it asked for goes too.
+void Bar::endLease(xcb_window_t lease) {
+    for (BarItem* item : items.all()) {
+        if (item->opacityLease == lease) setOpacity(*item, fullOpacity, XCB_WINDOW_NONE);
+        if (item->floatX && item->floatLease == lease) endFloat(*item);
+    }
+    if (announcement && announcement->lease == lease) announcement.reset();
+    if (drag && drag->lease == lease) cancelDrag();
+}
+
+}  // namespace nevo::menubar

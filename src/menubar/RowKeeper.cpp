@@ -1,0 +1,68 @@
+#include "menubar/RowKeeper.h"
+
+namespace nevo::menubar {
+
+void RowKeeper::add(const Arrival& arrival) {
+    domains[arrival.key] = {arrival.domain, arrival.name};
+    auto stored = store.position(arrival.domain, arrival.name);
+    MenuBarRow::Item item{arrival.key, arrival.domain, arrival.identity, arrival.length, stored};
+    bool foreign = stored && store.isForeign(arrival.domain, arrival.name, *stored);
+    if (foreign || !current.insertByOrder(item, store.order())) current.insert(item);
+    if (stored) store.acknowledge(arrival.domain, arrival.name, *stored);
+}
+
+void RowKeeper::leave(MenuBarRow::Key key) {
+    auto position = current.position(key);
+    auto distance = current.distance(key);
+    if (!position || !distance) return;
+    // One that is pushed off leaves with a position that says so. A divider's own length doesn't
+    // count for itself.
+    bool isDivider = current.find(key)->length >= MenuBarRow::collapsedLength;
+    bool isPushedOff = !isDivider && *distance >= MenuBarRow::collapsedLength;
+    writePosition(key, isPushedOff ? *distance : *position);
+    take(key);
+}
+
+void RowKeeper::take(MenuBarRow::Key key) {
+    current.remove(key);
+    domains.erase(key);
+}
+
+void RowKeeper::setLength(MenuBarRow::Key key, double length) {
+    const MenuBarRow::Item* item = current.find(key);
+    if (item == nullptr || item->length == length) return;
+    bool appears = item->length <= 0 && length > 0;
+    current.setLength(key, length);
+    if (!appears) return;
+    const Domain& domain = domains[key];
+    auto stored = store.position(domain.domain, domain.name);
+    if (!stored) return;
+    store.acknowledge(domain.domain, domain.name, *stored);
+    current.placeByPosition(key, *stored);
+}
+
+void RowKeeper::drop(MenuBarRow::Key key, double centerX, double systemAreaLeft) {
+    std::map<MenuBarRow::Key, double> before;
+    for (const auto& item : current.items()) before[item.key] = *current.position(item.key);
+    current.drop(key, centerX, systemAreaLeft);
+    for (const auto& [each, position] : before) {
+        double now = *current.position(each);
+        if (each == key || now != position) writePosition(each, now);
+    }
+}
+
+void RowKeeper::writePosition(MenuBarRow::Key key, double position) {
+    const Domain& domain = domains[key];
+    store.writePosition(domain.domain, domain.name, position);
+    current.setStoredPosition(key, position);
+}
+
+void RowKeeper::save() {
+    std::vector<std::string> identities;
+    identities.reserve(current.items().size());
+    for (const auto& item : current.items()) identities.push_back(item.identity);
+    store.setPresent(identities);
+    store.save();
+}
+
+}  // namespace nevo::menubar

@@ -1,0 +1,81 @@
+#include "desktop/ContractSessions.h"
+
+#include <csignal>
+#include <cstdlib>
+
+namespace nevo::desktoptest {
+
+namespace {
+/// Seconds from one look to the next.
+constexpr double turn = 0.01;
+constexpr int virtualTurns = 500;
+}  // namespace
+
+ProcessId SimSession::showItem(const std::string& label) {
+    if (desktop.applications.find(label) == nullptr) {
+        SimOtherProgram program;
+        program.handle = label;
+        program.application.bundleIdentifier = "org.example." + label;
+        desktop.applications.add(program);
+        desktop.applications.launch(label);
+        SimItemPlan plan;
+        plan.label = label;
+        desktop.applications.addItem(label, plan);
+    } else {
+        desktop.applications.launch(label);
+    }
+    return desktop.applications.find(label)->application.pid;
+}
+
+void SimSession::drag(Point from, Point to) {
+    desktop.events.move(from);
+    desktop.events.setModifiers(commandModifier);
+    desktop.events.press(false);
+    desktop.events.move(to);
+    desktop.events.release(false);
+    desktop.events.setModifiers(0);
+}
+
+bool SimSession::soon(const std::function<bool()>& condition) {
+    for (int i = 0; i < virtualTurns && !condition(); ++i) desktop.loop.runFor(turn);
+    return condition();
+}
+
+void X11Session::SetUp() {
+    DesktopSession::SetUp();
+    startBar();
+    for (const char* name : {"HOME", "XDG_CONFIG_HOME", "XDG_RUNTIME_DIR", "NO_AT_BRIDGE"}) {
+        ::setenv(name, environment().at(name).c_str(), 1);
+    }
+    std::string failure;
+    auto connection = xcb::Connection::open(failure);
+    if (!connection) throw Failed(failure);
+    xServer = std::make_unique<XServer>(std::move(connection));
+    desktop = std::make_unique<X11Desktop>(*xServer, argc, argv.data());
+}
+
+void X11Session::TearDown() {
+    desktop.reset();
+    xServer.reset();
+    DesktopSession::TearDown();
+}
+
+ProcessId X11Session::showItem(const std::string& label) {
+    Process& process = startProgram(std::string(NEVO_BAD_CLIENT) + " plain");
+    shown[label] = &process;
+    return process.pid();
+}
+
+void X11Session::endProgram(const std::string& label) {
+    kill(*shown.at(label), SIGKILL);
+    shown.erase(label);
+}
+
+bool X11Session::soon(const std::function<bool()>& condition) {
+    return holdsSoon([&] {
+        desktop->platform().runLoop.turnFor(turn);
+        return condition();
+    });
+}
+
+}  // namespace nevo::desktoptest

@@ -1,0 +1,45 @@
+#pragma once
+
+#include "desktop/DesktopSession.h"
+#include "platform/sim/SimDesktop.h"
+#include "platform/x11/X11Desktop.h"
+#include "platform/x11/XServer.h"
+
+namespace nevo::desktoptest {
+
+/// The simulated desktop, with the verbs of the contract.
+class SimSession : public testing::Test {
+protected:
+    Platform platform() { return desktop.platform(); }
+    /// Another program shows an item; gives its process.
+    ProcessId showItem(const std::string& label);
+    void endProgram(const std::string& label) { desktop.applications.kill(label); }
+    /// A hand holds Super and drags. Origin at the top left.
+    void drag(Point from, Point to);
+    bool soon(const std::function<bool()>& condition);
+
+private:
+    SimDesktop desktop;
+};
+
+/// The real one, with the same verbs: the platform as the manager has it, inside the test.
+class X11Session : public DesktopSession {
+protected:
+    void SetUp() override;
+    void TearDown() override;
+    Platform platform() { return desktop->platform(); }
+    ProcessId showItem(const std::string& label);
+    void endProgram(const std::string& label);
+    void drag(Point from, Point to) { hand->superDrag(from, to); }
+    bool soon(const std::function<bool()>& condition);
+
+private:
+    std::map<std::string, Process*> shown;
+    std::string programName = "contract";
+    int argc = 1;
+    std::array<char*, 2> argv{programName.data(), nullptr};
+    std::unique_ptr<XServer> xServer;
+    std::unique_ptr<X11Desktop> desktop;
+};
+
+}  // namespace nevo::desktoptest

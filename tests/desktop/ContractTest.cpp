@@ -1,0 +1,199 @@
+// What both desktops must do alike, so that the simulated one can't drift from the real one.
+
+#include <algorithm>
+
+#include "desktop/ContractSessions.h"
+#include "platform/menubar/BarProtocol.h"
+
+namespace nevo::desktoptest {
+namespace {
+
+/// Three items from left to right: another program's, one of our own that is 20 wide, and again
+/// another program's.
+template <class Session>
+class Contract : public Session {
+protected:
+    void SetUp() override {
+        Session::SetUp();
+        show("right");
+        own = this->platform().statusBar.statusItem(ownWidth);
+        own->setAutosaveName("Contract_Item");
+        ASSERT_TRUE(this->soon([this] { return row() == Names{"own", "right"}; })) << rowText();
+        show("left");
+        ASSERT_EQ(row(), (Names{"left", "own", "right"}));
+        left = frame("left");
+        right = frame("right");
+    }
+
+    void TearDown() override {
+        own.reset();
+        Session::TearDown();
+    }
+
+    WindowServer& windows() { return this->platform().windows; }
+
+    void show(const std::string& label) {
+        pids[label] = this->showItem(label);
+        ASSERT_TRUE(this->soon([&] { return frame(label).width > 0; })) << label;
+    }
+
+    WindowNumber number(const std::string& label) {
+        if (label == "own") return own->button()->windowNumber().value_or(0);
+        for (WindowNumber window : listed()) {
+            auto description = windows().windowDescription(window);
+            if (description && description->ownerPid == pids[label]) return window;
+        }
+        return 0;
+    }
+
+    std::vector<WindowNumber> listed() {
+        return windows().menuBarWindowList(100).value_or(std::vector<WindowNumber>());
+    }
+
+    Rect frame(const std::string& label) {
+        return windows().windowFrame(number(label)).value_or(Rect());
+    }
+
+    /// By their places, left to right.
+    Names row() {
+        Names names;
+        for (const char* label : {"left", "own", "right"}) {
+            if (number(label) != 0) names.push_back(label);
+        }
+        std::sort(names.begin(), names.end(), [this](const auto& a, const auto& b) {
+            return frame(a).midX() < frame(b).midX();
+        });
+        return names;
+    }
+
+    std::string rowText() { return testing::PrintToString(row()); }
+
+    /// A drag by the program of a window that it names, from a place where that window may not be.
+    void dragNamed(const std::string& label, Point from, Point to) {
+        Platform desktop = this->platform();
+        auto source = desktop.events.createEventSource();
+        ASSERT_TRUE(source);
+        Point middle{(from.x + to.x) / 2, to.y};
+        for (auto [type, place] : {std::pair{EventType::leftMouseDown, from},
+                                   {EventType::leftMouseDragged, middle},
+                                   {EventType::leftMouseDragged, to},
+                                   {EventType::leftMouseUp, to}}) {
+            auto event = desktop.events.createMouseEvent(*source, type, place);
+            ASSERT_TRUE(event);
+            event->flags = commandModifier;
+            event->fields[EventField::windowNumber] = number(label);
+            desktop.events.post(*event);
+            desktop.runLoop.blockFor(0.02);
+        }
+    }
+
+    static constexpr double ownWidth = 20;
+    std::unique_ptr<StatusItem> own;
+    std::map<std::string, ProcessId> pids;
+    Rect left;
+    Rect right;
+};
+
+using Desktops = testing::Types<SimSession, X11Session>;
+TYPED_TEST_SUITE(Contract, Desktops);
+
+TYPED_TEST(Contract, aLongItemPushesWhatIsLeftOfItOffTheScreen) {
+    this->own->setLength(10000);
+    EXPECT_TRUE(this->soon([&] { return this->frame("left").maxX() < 0; }));
+    EXPECT_EQ(this->frame("right"), this->right);
+    EXPECT_EQ(this->frame("own").width, 10000);
+    this->own->setLength(0);
+    EXPECT_TRUE(this->soon([&] { return this->frame("left").maxX() == this->right.x; }));
+    this->own->setLength(this->ownWidth);
+    EXPECT_TRUE(this->soon([&] { return this->frame("left") == this->left; }));
+    EXPECT_EQ(this->frame("right"), this->right);
+}
+
+TYPED_TEST(Contract, anItemThatGrowsFromNothingStandsAtItsSavedPosition) {
+    this->own->setLength(0);
+    auto& store = this->platform().defaults.standard();
+    store.set(std::string(barprotocol::preferredPositionPrefix) + "Contract_Item", 0.0);
+    store.synchronize();
+    this->own->setLength(this->ownWidth);
+    EXPECT_TRUE(this->soon([&] {
+        return this->row() == Names{"left", "right", "own"};
+    })) << this->rowText();
+}
+
+TYPED_TEST(Contract, aTransparentItemKeepsItsPlace) {
+    WindowNumber window = this->number("left");
+    for (float alpha : {0.0F, 0.5F, 1.0F}) {
+        EXPECT_TRUE(this->windows().setWindowAlpha(window, alpha));
+        EXPECT_NEAR(this->windows().windowAlpha(window).value_or(-1), alpha, 0.01);
+        EXPECT_EQ(this->frame("left"), this->left);
+        EXPECT_EQ(this->row(), (Names{"left", "own", "right"}));
+    }
+    EXPECT_FALSE(this->windows().setWindowAlpha(987654, 0));
+}
+
+TYPED_TEST(Contract, aMoveFloatsAnotherProgramsItemUntilItComesNearItsSlot) {
+    WindowNumber window = this->number("left");
+    auto before = this->listed();
+    Point away{this->left.x - 300, this->left.y};
+    auto isAway = [&] { return this->frame("left").x == away.x; };
+    auto isBack = [&] { return this->frame("left") == this->left; };
+    EXPECT_TRUE(this->windows().moveWindow(window, away));
+    EXPECT_TRUE(this->soon(isAway));
+    EXPECT_EQ(this->frame("right"), this->right);
+    EXPECT_EQ(this->listed(), before);
+    EXPECT_TRUE(this->windows().moveWindow(window, {this->left.x - 30, this->left.y}));
+    EXPECT_TRUE(this->soon(isBack));
+
+    // What floats beside a closed divider goes back when it opens.
+    this->own->setLength(10000);
+    EXPECT_TRUE(this->soon([&] { return this->frame("left").maxX() < 0; }));
+    EXPECT_TRUE(this->windows().moveWindow(window, away));
+    EXPECT_TRUE(this->soon(isAway));
+    this->own->setLength(this->ownWidth);
+    EXPECT_TRUE(this->soon(isBack));
+
+    Rect ownFrame = this->frame("own");
+    EXPECT_FALSE(this->windows().moveWindow(this->number("own"), away));
+    EXPECT_EQ(this->frame("own"), ownFrame);
+}
+
+TYPED_TEST(Contract, aHandReordersByDragging) {
+    this->drag(this->left.center(), this->right.center());
+    EXPECT_TRUE(this->soon([&] {
+        return this->row() == Names{"own", "left", "right"};
+    })) << this->rowText();
+    Rect middle = this->frame("left");
+    this->drag(middle.center(), {middle.midX() + 3, middle.midY()});
+    this->drag(this->frame("own").center(), {this->right.maxX() - 1, this->right.midY()});
+    EXPECT_TRUE(this->soon([&] {
+        return this->row() == Names{"left", "right", "own"};
+    })) << this->rowText();
+}
+
+TYPED_TEST(Contract, aProgramDragsTheWindowThatItNames) {
+    // From a place where another item lies, and from one outside of every screen.
+    this->dragNamed("left", this->right.center(), {this->right.maxX() - 1, this->right.midY()});
+    EXPECT_TRUE(this->soon([&] {
+        return this->row() == Names{"own", "right", "left"};
+    })) << this->rowText();
+    this->dragNamed("left", {20000, 20000}, {this->left.x - 40, this->left.midY()});
+    EXPECT_TRUE(this->soon([&] {
+        return this->row() == Names{"left", "own", "right"};
+    })) << this->rowText();
+    EXPECT_EQ(this->frame("left"), this->left);
+}
+
+TYPED_TEST(Contract, anEndedProgramsItemGoesAndItsNumberIsNeverUsedAgain) {
+    WindowNumber window = this->number("left");
+    this->endProgram("left");
+    EXPECT_TRUE(this->soon([&] { return this->row() == Names{"own", "right"}; }));
+    EXPECT_FALSE(this->windows().windowFrame(window));
+    EXPECT_FALSE(this->windows().windowAlpha(window));
+    EXPECT_FALSE(this->windows().setWindowAlpha(window, 0));
+    this->show("left");
+    EXPECT_TRUE(this->soon([&] { return this->frame("left") == this->left; }));
+    EXPECT_NE(this->number("left"), window);
+}
+
+}  // namespace
+}  // namespace nevo::desktoptest
