@@ -6,6 +6,7 @@ namespace nevo {
 
 void StatusBarController::displayModeChanged() {
     debugLog("[Nevo] Display mode changed to shelfMode=" + describe(isShelfMode()));
+    itemMonitorTimer.reset();
     for (WindowNumber window : sectionManager.alphaHiddenWindows)
         platform.windows.setWindowAlpha(window, 1.0F);
     sectionManager.alphaHiddenWindows.clear();
@@ -13,6 +14,7 @@ void StatusBarController::displayModeChanged() {
     refreshToggleButton();
     sectionManager.expand(true);
     appState.setIsExpanded(true);
+    startItemMonitor();
     services.scanner.invalidateScanCache();
     lastStableX = -1.0;
     startFirstCollapse();

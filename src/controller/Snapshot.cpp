@@ -1,7 +1,11 @@
+#include <fmt/format.h>
+
 #include <algorithm>
 #include <set>
 
 #include "controller/StatusBarController.h"
+#include "core/debugLog.h"
+#include "core/describe.h"
 
 namespace nevo {
 
@@ -25,7 +29,8 @@ std::string withoutLastComponent(const std::string& bundleID) {
 
 }  // namespace
 
-void StatusBarController::updateSnapshot(const ScannedBarItems& items) {
+void StatusBarController::updateSnapshot(const ScannedBarItems& items, bool skipReconcile) {
+    if (!skipReconcile) reconcileReport(items);
     SectionSnapshot& snapshot = sectionManager.lastExpandedSnapshot;
     snapshot = sectionManager.classify(items);
     std::set<std::string> hiddenBundles;
@@ -33,6 +38,27 @@ void StatusBarController::updateSnapshot(const ScannedBarItems& items) {
         hiddenBundles.insert(item.bundleID);
     appState.setHiddenBundleIDs(std::move(hiddenBundles));
     appState.setSnapshotItems(snapshotItemsOf(items));
+}
+
+/// Tells which rules the items' places don't fit; positions never change a rule here.
+void StatusBarController::reconcileReport(const ScannedBarItems& items) const {
+    auto toggle = SectionManager::frame(*sectionManager.toggleItem);
+    if (!toggle) return;
+    IconRules rules = appState.rules.loadIconRules();
+    for (const ScannedBarItem& item : items) {
+        if (item.persistedID.empty() || sectionManager.alphaHiddenWindows.contains(item.windowID))
+            continue;
+        auto match = matchIconRule(item, rules, items);
+        if (!match || match->first != item.persistedID) continue;
+        bool isLeft = item.centerX < toggle->x;
+        bool hides = match->second == IconRule::alwaysHide;
+        if (match->second == IconRule::automatic || hides == isLeft) continue;
+        debugLog(
+            fmt::format("[Reconcile] Keeping {} for {} despite {}-zone position x={}; rule replay "
+                        "will repair placement",
+                        rawValue(match->second), item.persistedID, hides ? "visible" : "hidden",
+                        describe(item.centerX)));
+    }
 }
 
 std::vector<AppState::SnapshotItem> StatusBarController::snapshotItemsOf(

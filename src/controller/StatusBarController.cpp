@@ -9,6 +9,8 @@ namespace {
 constexpr Size popoverSize{300, 280};
 constexpr int transientBehavior = 1;
 constexpr int lowerEdge = 1;
+/// The first collapse should have come by then.
+constexpr double replayDelay = 3.0;
 }  // namespace
 
 std::shared_ptr<StatusBarController> StatusBarController::create(const Platform& platform,
@@ -50,6 +52,13 @@ void StatusBarController::install() {
         return self ? popoverContent(self->appState) : std::vector<PopoverRow>{};
     });
     observeNotifications();
+    startItemMonitor();
+    spawn(platform.runLoop, replayAfterStart(weak));
+}
+
+Task<> StatusBarController::replayAfterStart(std::weak_ptr<StatusBarController> owner) {
+    co_await sleep(replayDelay);
+    co_await replayAllRulesOnStartup(owner);
 }
 
 void StatusBarController::observeNotifications() {
@@ -61,6 +70,7 @@ void StatusBarController::observeNotifications() {
                     self->laterOnMain(&StatusBarController::iconOrSpacingChanged);
             }));
     }
+    observeRules();
 }
 
 void StatusBarController::laterOnMain(void (StatusBarController::*action)()) {

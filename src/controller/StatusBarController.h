@@ -1,8 +1,11 @@
 #pragma once
 
 #include <functional>
+#include <initializer_list>
+#include <map>
 #include <memory>
 #include <optional>
+#include <set>
 #include <string>
 #include <vector>
 
@@ -56,8 +59,23 @@ public:
     void refreshToggleButton();
     void expandAndClickItem(const BarItem& item);
 
-    /// Takes a scan into the section snapshot and the published state.
-    void updateSnapshot(const ScannedBarItems& items);
+    /// Takes a scan into the section snapshot and the published state. Unless told to skip it, logs
+    /// which rules the items' places don't fit.
+    void updateSnapshot(const ScannedBarItems& items, bool skipReconcile);
+
+    // Rule engine: each task is given the controller weakly and ends when it is gone.
+    /// Applies one changed rule to its item.
+    static Task<> handleRuleChange(std::weak_ptr<StatusBarController> owner,
+                                   std::string persistedID, IconRule rule);
+    /// Applies all stored rules once the first snapshot is there; waits for it without end.
+    static Task<> replayAllRulesOnStartup(std::weak_ptr<StatusBarController> owner);
+    /// Drags items that are to be shown into the room right of the toggle, as many as fit.
+    static Task<> moveAlwaysShowItems(std::weak_ptr<StatusBarController> owner);
+    void updateAlwaysHiddenDivider();
+
+    // Item monitor.
+    void enforceAlwaysHide(const std::set<WindowNumber>& ownIDs);
+    void reassertAlpha(const std::set<WindowNumber>& ownIDs);
 
     /// Polls until the toggle has stopped moving, then makes the first collapse.
     void waitForStableToggle(int attempt);
@@ -100,6 +118,51 @@ private:
     std::optional<WindowNumber> toggleWindowID() const;
     bool isShelfMode() const { return nevo::isShelfMode(platform.screens, appState); }
 
+    // Rule engine.
+    struct ReplayPreparation {
+        bool snapshotEmpty = false;
+        bool hasAlwaysShow = false;
+        bool preparedShow = false;
+    };
+    struct SafeZone {
+        double baseX = 0;
+        int capacity = 0;
+    };
+    struct AlwaysShowPlan {
+        ScannedBarItems items;
+        double baseX = 0;
+    };
+    void observeRules();
+    static Task<> replayAfterStart(std::weak_ptr<StatusBarController> owner);
+    static Task<> filterRuleChange(std::weak_ptr<StatusBarController> owner, UserInfo info);
+    static Task<> applyAlwaysShow(std::weak_ptr<StatusBarController> owner, WindowNumber window);
+    static Task<> applyAlwaysHide(std::weak_ptr<StatusBarController> owner, WindowNumber window);
+    static Task<> moveBehindDivider(std::weak_ptr<StatusBarController> owner, WindowNumber window,
+                                    double y);
+    static Task<> refreshSnapshot(std::weak_ptr<StatusBarController> owner, double maxAge);
+    static Task<> repairDrift(std::weak_ptr<StatusBarController> owner);
+    void applyAutomatic(WindowNumber window);
+    std::optional<Point> alwaysShowTarget(WindowNumber window);
+    std::optional<ScannedBarItem> findItem(const std::string& persistedID) const;
+    std::optional<WindowNumber> findWindowByProcess(const std::string& persistedID) const;
+    ScannedBarItems snapshotItems(std::initializer_list<SectionName> sections) const;
+    std::vector<WindowNumber> otherMenuBarWindows() const;
+    /// Nothing when there are no rules.
+    std::optional<ReplayPreparation> prepareReplay();
+    AlwaysShowPlan planAlwaysShowPlacement();
+    SafeZone alwaysShowSafeZone(const ScannedBarItems& all) const;
+    bool hideByAlpha(WindowNumber window);
+    void showByAlpha(WindowNumber window);
+
+    // Item monitor.
+    void startItemMonitor();
+    void monitorPass();
+    bool isBarInMotion() const;
+    void enforceAlwaysShow(const std::set<WindowNumber>& ownIDs);
+    bool enforceAlwaysShow(const ScannedBarItem& item, double nevoX);
+    void alphaHideStrays(const std::set<WindowNumber>& ownIDs);
+    void reconcileReport(const ScannedBarItems& items) const;
+
     // Context menu.
     bool handleRightClick(const Event& event);
     void showContextMenu();
@@ -129,7 +192,17 @@ private:
     /// The x seen at the last poll of a stability wait; negative for none.
     double lastStableX = -1.0;
 
+    bool isDraggingMenuBarItem = false;
+    bool isDisplayTransitioning = false;
+    /// A repair of drifted items is under way; only one runs at a time.
+    bool isEnforcingAlwaysShow = false;
+    /// Windows that alpha hiding must leave alone.
+    std::set<WindowNumber> alwaysShowProtectedWIDs;
+    /// When a rule was last accepted, by id and rule.
+    std::map<std::string, double> lastRuleChangeTime;
+
     Registration autoHideTimer;
+    Registration itemMonitorTimer;
     Registration rightClickMonitor;
     std::vector<Registration> notificationObservers;
 };

@@ -78,7 +78,7 @@ Task<> StatusBarController::collapseAfterScan(std::weak_ptr<StatusBarController>
     if (!self) co_return;
 
     if (shelfMode) {
-        self->updateSnapshot(items);
+        self->updateSnapshot(items, false);
         const ScannedBarItems hidden =
             self->sectionManager.lastExpandedSnapshot[SectionName::hidden];
         self->cachedHiddenItems = barItems(hidden);

@@ -31,7 +31,8 @@ constexpr const char* statusItemPaddingKey = "NSStatusItemSelectionPadding";
 }  // namespace
 
 AppState::AppState(const Platform& platform)
-    : store(platform.defaults.standard()),
+    : rules(platform.defaults.standard(), platform.notifications, objectWillChange),
+      store(platform.defaults.standard()),
       notifications(platform.notifications),
       images(platform.images) {
     migrateIconName();

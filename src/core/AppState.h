@@ -5,6 +5,7 @@
 #include <string>
 #include <vector>
 
+#include "core/RuleStore.h"
 #include "core/ShelfAppearance.h"
 #include "core/Signal.h"
 #include "platform/Platform.h"
@@ -19,9 +20,8 @@ namespace nevo {
 /// live for the process only; each change of one sends `objectWillChange`. Main thread only.
 class AppState {
 public:
-    /// How one item is pinned, stored by raw value. `automatic` ("auto") follows the divider and is
-    /// never stored.
-    enum class IconRule { automatic, alwaysShow, alwaysHide };
+    using IconRule = nevo::IconRule;
+    using AppRule = nevo::AppRule;
 
     /// A scanned item as the user interface sees it, identified by `id`.
     struct SnapshotItem {
@@ -37,6 +37,7 @@ public:
     explicit AppState(const Platform& platform);
 
     Signal objectWillChange;
+    RuleStore rules;
 
     // Published, not stored.
     bool isExpanded() const { return expanded; }

@@ -4,10 +4,9 @@
 #include <string>
 #include <string_view>
 
-namespace nevo {
+#include "core/ItemId.h"
 
-/// Between an item's stable name and its owner's bundle identifier in a `persistedID`.
-inline constexpr std::string_view persistedIDSeparator = " >>> ";
+namespace nevo {
 
 inline constexpr const char* controlCenterBundleID = "com.apple.controlcenter";
 
@@ -23,6 +22,9 @@ std::string stableName(std::string_view persistedID);
 /// The last part of an id with the separator; otherwise the whole id if it contains a ".";
 /// otherwise nothing.
 std::optional<std::string> bundleIDFromPersistedID(std::string_view persistedID);
+
+/// The text after the last separator; all of it without one.
+std::string lastPartOfID(std::string_view persistedID);
 
 /// True for a window of the control centre process that nothing identified: its name is only that
 /// process's own. Never acted on.

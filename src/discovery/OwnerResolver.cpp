@@ -17,11 +17,7 @@ constexpr double positionTolerance = 1.0;
 
 std::string stableNameOf(const std::string& windowName, const std::string& bundleID,
                          const std::string& label) {
-    // OneDrive has one unnamed item in two editions; "Item-0" tells them apart from its other
-    // windows.
-    bool keepsUnnamed =
-        bundleID == "com.microsoft.OneDrive" || bundleID == "com.microsoft.OneDrive-mac";
-    if (windowName.empty() || (windowName == "Item-0" && !keepsUnnamed)) return label;
+    if (windowName.empty() || (windowName == "Item-0" && !isOneDrive(bundleID))) return label;
     return windowName;
 }
 

@@ -38,6 +38,8 @@ public:
     void beginProgrammaticMove();
     void endProgrammaticMove();
 
+    /// The window's frame; nothing when it can't be read or is empty.
+    std::optional<Rect> readableFrame(WindowNumber windowID) const;
     /// Makes a window transparent or opaque, whoever owns it.
     bool setWindowAlpha(WindowNumber windowID, double alpha);
 
@@ -48,7 +50,6 @@ private:
     bool moveByFallback(WindowNumber windowID, Point target);
     std::optional<MouseEvent> moveEvent(EventSource& source, EventType type, Point at,
                                         WindowNumber windowID);
-    std::optional<Rect> readableFrame(WindowNumber windowID) const;
     Point cursorAtTopLeftOrigin() const;
     void restoreCursor(Point place);
 

@@ -92,6 +92,12 @@ bool ScenarioRun::toggle() {
     return true;
 }
 
+RuleStore* ScenarioRun::rules() {
+    auto held = app.lock();
+    bool runs = held && world.application.isRunning();
+    return runs ? &held->delegate().state().rules : nullptr;
+}
+
 OnboardingCoordinator* ScenarioRun::firstRun() {
     auto held = app.lock();
     bool runs = held && world.application.isRunning();

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "core/RuleStore.h"
 #include "platform/sim/SimDesktop.h"
 #include "scenario/Scenario.h"
 #include "surfaces/OnboardingCoordinator.h"
@@ -34,6 +35,8 @@ public:
     bool startNevo();
     /// What the hot key does. False when the program doesn't run or has no controller yet.
     bool toggle();
+    /// The program's rules, as its settings change them; nullptr when the program doesn't run.
+    RuleStore* rules();
     /// The program's first-run flow; nullptr when the program doesn't run.
     OnboardingCoordinator* firstRun();
     /// Whether the lines are being run from inside an open menu.

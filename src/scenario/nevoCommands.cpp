@@ -44,6 +44,17 @@ Step readFirstRun(LineReader& reader) {
     };
 }
 
+Step readRule(LineReader& reader) {
+    std::string id = reader.word("ID");
+    std::string raw = reader.choice("the rule", {"auto", "alwaysShow", "alwaysHide"});
+    return [=](ScenarioRun& run) {
+        RuleStore* rules = run.rules();
+        if (rules == nullptr) return notRunning();
+        rules->setIconRule(*iconRuleFrom(raw), id);
+        return Outcome{};
+    };
+}
+
 Step readBundle(LineReader& reader) {
     std::string identifier = reader.word("BUNDLE-ID");
     return [identifier](ScenarioRun& run) {
@@ -114,6 +125,10 @@ std::vector<Command> nevoCommands() {
         {"first-run", "ready|finish",
          "Asks for a permission in the open first-run flow (ready), or ends the flow.",
          readFirstRun},
+        {"rule", "ID auto|alwaysShow|alwaysHide",
+         "Pins an item, as the settings do. ID is its name, \" >>> \" and its program's bundle "
+         "identifier.",
+         readRule},
         {"nevo-bundle", "BUNDLE-ID",
          "Nevo's own bundle identifier, \"\" for none, at its next start; com.nevoapp.Nevo if not "
          "given. Its stored values are in the domain of that name.",

@@ -18,9 +18,9 @@ protected:
         show("right");
         own = this->platform().statusBar.statusItem(ownWidth);
         own->setAutosaveName("Contract_Item");
-        ASSERT_TRUE(this->soon([this] { return row() == Names{"own", "right"}; })) << rowText();
+        ASSERT_TRUE(this->comesToStand({"own", "right"}));
         show("left");
-        ASSERT_EQ(row(), (Names{"left", "own", "right"}));
+        ASSERT_TRUE(comesToStand({"left", "own", "right"}));
         left = frame("left");
         right = frame("right");
     }
@@ -66,24 +66,35 @@ protected:
         return names;
     }
 
-    std::string rowText() { return testing::PrintToString(row()); }
+    /// Whether these items soon stand in that order, side by side and nobody else with them.
+    testing::AssertionResult comesToStand(const Names& expected) {
+        bool stands = this->soon([&] {
+            bool sideBySide = true;
+            for (std::size_t i = 1; i < expected.size(); ++i) {
+                sideBySide = sideBySide && frame(expected[i - 1]).maxX() == frame(expected[i]).x;
+            }
+            return sideBySide && row() == expected;
+        });
+        if (stands) return testing::AssertionSuccess();
+        return testing::AssertionFailure() << "stands as " << testing::PrintToString(row());
+    }
 
     /// A drag by the program of a window that it names, from a place where that window may not be.
     void dragNamed(const std::string& label, Point from, Point to) {
-        Platform desktop = this->platform();
-        auto source = desktop.events.createEventSource();
+        Platform on = this->platform();
+        auto source = on.events.createEventSource();
         ASSERT_TRUE(source);
         Point middle{(from.x + to.x) / 2, to.y};
         for (auto [type, place] : {std::pair{EventType::leftMouseDown, from},
                                    {EventType::leftMouseDragged, middle},
                                    {EventType::leftMouseDragged, to},
                                    {EventType::leftMouseUp, to}}) {
-            auto event = desktop.events.createMouseEvent(*source, type, place);
+            auto event = on.events.createMouseEvent(*source, type, place);
             ASSERT_TRUE(event);
             event->flags = commandModifier;
             event->fields[EventField::windowNumber] = number(label);
-            desktop.events.post(*event);
-            desktop.runLoop.blockFor(0.02);
+            on.events.post(*event);
+            on.runLoop.blockFor(0.02);
         }
     }
 
@@ -115,9 +126,7 @@ TYPED_TEST(Contract, anItemThatGrowsFromNothingStandsAtItsSavedPosition) {
     store.set(std::string(barprotocol::preferredPositionPrefix) + "Contract_Item", 0.0);
     store.synchronize();
     this->own->setLength(this->ownWidth);
-    EXPECT_TRUE(this->soon([&] {
-        return this->row() == Names{"left", "right", "own"};
-    })) << this->rowText();
+    EXPECT_TRUE(this->comesToStand({"left", "right", "own"}));
 }
 
 TYPED_TEST(Contract, aTransparentItemKeepsItsPlace) {
@@ -159,34 +168,26 @@ TYPED_TEST(Contract, aMoveFloatsAnotherProgramsItemUntilItComesNearItsSlot) {
 
 TYPED_TEST(Contract, aHandReordersByDragging) {
     this->drag(this->left.center(), this->right.center());
-    EXPECT_TRUE(this->soon([&] {
-        return this->row() == Names{"own", "left", "right"};
-    })) << this->rowText();
+    EXPECT_TRUE(this->comesToStand({"own", "left", "right"}));
     Rect middle = this->frame("left");
     this->drag(middle.center(), {middle.midX() + 3, middle.midY()});
     this->drag(this->frame("own").center(), {this->right.maxX() - 1, this->right.midY()});
-    EXPECT_TRUE(this->soon([&] {
-        return this->row() == Names{"left", "right", "own"};
-    })) << this->rowText();
+    EXPECT_TRUE(this->comesToStand({"left", "right", "own"}));
 }
 
 TYPED_TEST(Contract, aProgramDragsTheWindowThatItNames) {
     // From a place where another item lies, and from one outside of every screen.
     this->dragNamed("left", this->right.center(), {this->right.maxX() - 1, this->right.midY()});
-    EXPECT_TRUE(this->soon([&] {
-        return this->row() == Names{"own", "right", "left"};
-    })) << this->rowText();
+    EXPECT_TRUE(this->comesToStand({"own", "right", "left"}));
     this->dragNamed("left", {20000, 20000}, {this->left.x - 40, this->left.midY()});
-    EXPECT_TRUE(this->soon([&] {
-        return this->row() == Names{"left", "own", "right"};
-    })) << this->rowText();
+    EXPECT_TRUE(this->comesToStand({"left", "own", "right"}));
     EXPECT_EQ(this->frame("left"), this->left);
 }
 
 TYPED_TEST(Contract, anEndedProgramsItemGoesAndItsNumberIsNeverUsedAgain) {
     WindowNumber window = this->number("left");
     this->endProgram("left");
-    EXPECT_TRUE(this->soon([&] { return this->row() == Names{"own", "right"}; }));
+    EXPECT_TRUE(this->comesToStand({"own", "right"}));
     EXPECT_FALSE(this->windows().windowFrame(window));
     EXPECT_FALSE(this->windows().windowAlpha(window));
     EXPECT_FALSE(this->windows().setWindowAlpha(window, 0));

@@ -55,7 +55,6 @@ protected:
     Names names() const;
     /// Of those the ones that a person can see.
     Names namesOnScreen() const;
-    bool isOnScreen(const std::string& name) const;
     Item toggleItem() const { return item("Nevo_Toggle"); }
     /// Whether the items stand side by side up to the bar's right part, with nothing between them.
     bool isDense() const;
@@ -67,8 +66,12 @@ protected:
     void click(const Item& item) { hand->click(item.place.center()); }
     void rightClick(const Item& item) { hand->click(item.place.center(), 3); }
     void superDrag(const Item& item, double toX);
-    /// Gives the display another single monitor, no larger than the screen.
-    void setMonitor(const std::string& geometry);
+    /// Gives the display another main monitor, "WIDTH/mmxHEIGHT/mm+X+Y" within the screen.
+    void setMonitor(const std::string& geometry) {
+        addMonitor("*main-" + geometry, geometry, "screen");
+    }
+    /// A monitor beside the main one.
+    void addSecondMonitor(const std::string& geometry) { addMonitor("second", geometry, "none"); }
     Picture screenshot() const { return Picture::ofScreen(*server); }
 
     /// Waits until `condition` holds; ends the test when it doesn't.
@@ -87,6 +90,8 @@ protected:
     std::filesystem::path folder;
 
 private:
+    void addMonitor(const std::string& name, const std::string& geometry,
+                    const std::string& output);
     std::unique_ptr<Process> start(const std::string& command, const std::string& logName);
     void expectAlive(Process& process);
     void expectGoodEnd(std::unique_ptr<Process>& process);

@@ -151,6 +151,22 @@ TEST_F(EndToEnd, theRowFollowsTheMonitorAndGoesOnWorking) {
     toggle(all);
 }
 
+TEST_F(EndToEnd, worksBesideAMonitorThatIsLeftOfAndAboveTheMainOne) {
+    setMonitor("1000/250x400/100+600+200");
+    addSecondMonitor("600/150x300/75+0+0");
+    startAll();
+    EXPECT_EQ(barView->frame(), (Rect{600, 200, 1000, 24}));
+    keepVisible(2);
+    Names all = names();
+    auto before = programItems();
+    toggle(namesRightOfToggle());
+    for (const Item& item : programItems()) EXPECT_TRUE(item.onScreen || item.place.maxX() < 0);
+    toggle(all);
+    waitForPlaces(before);
+    quitFromMenu();
+    EXPECT_EQ(nevo().waitForEnd(), 0);
+}
+
 TEST_F(EndToEnd, refusesInPlainWordsWhatItCannotDo) {
     startAll();
     Names all = names();

@@ -32,7 +32,7 @@ protected:
     }
     std::string labelOf(const std::string& bundleID, const std::string& label) {
         app->delegate().controller()->updateSnapshot(
-            {item("Any >>> " + bundleID, bundleID, label, 10)});
+            {item("Any >>> " + bundleID, bundleID, label, 10)}, false);
         return app->delegate().state().snapshotItems().front().label;
     }
 
@@ -44,7 +44,8 @@ TEST_F(SnapshotTest, OneEntryAnIdHiddenFirst) {
         {item("Seen >>> org.seen", "org.seen", "Seen", 1400),
          item("Twin >>> org.twin", "org.twin", "Twin", 10),
          item("Twin >>> org.twin", "org.twin", "Twin", 1400),
-         item("", "org.nameless", "Nameless", 20)});
+         item("", "org.nameless", "Nameless", 20)},
+        false);
     const auto& items = app->delegate().state().snapshotItems();
     ASSERT_EQ(items.size(), 2U);
     EXPECT_EQ(items[0].id, "Twin >>> org.twin");

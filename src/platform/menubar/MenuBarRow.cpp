@@ -14,8 +14,7 @@ const MenuBarRow::Item* MenuBarRow::find(Key key) const {
 }
 
 void MenuBarRow::insert(Item item) {
-    std::size_t index =
-        item.storedPosition ? indexForPosition(*item.storedPosition, item) : 0;
+    std::size_t index = item.storedPosition ? indexForPosition(*item.storedPosition, item) : 0;
     row.insert(row.begin() + static_cast<std::ptrdiff_t>(index), std::move(item));
 }
 

@@ -1,0 +1,176 @@
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "platform/menubar/MenuBarRow.h"
+#include "platform/menubar/RowOrder.h"
+
+namespace nevo {
+namespace {
+
+/// Items are named by one letter, which is their identity; their keys count up from 1.
+class Row {
+public:
+    void insert(char name, double length, std::optional<double> position = std::nullopt,
+                const std::string& domain = "other") {
+        row.insert(item(name, length, position, domain));
+    }
+    bool insertByOrder(char name, double length, const std::vector<std::string>& order) {
+        return row.insertByOrder(item(name, length, std::nullopt, "other"), order);
+    }
+    static MenuBarRow::Key key(char name) { return static_cast<MenuBarRow::Key>(name); }
+
+    /// Left to right.
+    std::string order() const {
+        std::string names;
+        for (const auto& each : row.items()) names += each.identity;
+        return names;
+    }
+
+    MenuBarRow row;
+
+private:
+    static MenuBarRow::Item item(char name, double length, std::optional<double> position,
+                                 const std::string& domain) {
+        return {key(name), domain, std::string(1, name), length, position};
+    }
+};
+
+constexpr double areaLeft = 1000;
+
+TEST(MenuBarRow, InsertsByPositionCountedFromTheRight) {
+    struct Case {
+        std::optional<double> position;
+        std::string expected;
+    };
+    // From the right c ends at 20, b at 50, a at 90; the newcomer's own 10 count in its position.
+    for (const Case& c :
+         {Case{0, "abcx"}, Case{29, "abcx"}, Case{30, "abxc"}, Case{59, "abxc"}, Case{60, "axbc"},
+          Case{100, "xabc"}, Case{5000, "xabc"}, Case{std::nullopt, "xabc"}}) {
+        Row bar;
+        bar.insert('c', 20);
+        bar.insert('b', 30);
+        bar.insert('a', 40);
+        bar.insert('x', 10, c.position);
+        EXPECT_EQ(bar.order(), c.expected) << c.position.value_or(-1);
+    }
+}
+
+TEST(MenuBarRow, EqualPositionsOfOneDomainStandSideBySideNewcomerLeft) {
+    Row bar;
+    bar.insert('c', 20);
+    bar.insert('t', 24, 30, "nevo");
+    bar.insert('b', 30);
+    bar.insert('o', 30, 30, "other");
+    bar.insert('d', 0, 30, "nevo");
+    ASSERT_EQ(bar.order().find("dt"), bar.order().find('d')) << bar.order();
+    // Again when the divider gets a length, wherever it stood meanwhile.
+    bar.row.drop(Row::key('d'), areaLeft, areaLeft);
+    bar.row.placeByPosition(Row::key('d'), 30);
+    EXPECT_EQ(bar.order().find("dt"), bar.order().find('d')) << bar.order();
+}
+
+TEST(MenuBarRow, ACollapsedItemPushesButCountsForNothingInPositions) {
+    Row bar;
+    bar.insert('t', 24);
+    bar.insert('d', 10000);
+    bar.insert('a', 30);
+    EXPECT_EQ(bar.row.slot(Row::key('a'), areaLeft)->x, areaLeft - 10054);
+    EXPECT_EQ(bar.row.distance(Row::key('a')), 10054);
+    EXPECT_EQ(bar.row.position(Row::key('a')), 54);
+    EXPECT_EQ(bar.row.position(Row::key('d')), 24);
+    bar.row.setLength(Row::key('d'), 9998);
+    EXPECT_EQ(bar.row.position(Row::key('a')), 10052);
+}
+
+TEST(MenuBarRow, DropsByCentreAndInPlaceChangesNothing) {
+    auto filled = [] {
+        Row bar;
+        bar.insert('c', 24);
+        bar.insert('b', 60);
+        bar.insert('a', 24);
+        return bar;
+    };
+    // a from 892, b from 916, c from 976; centres 904, 946, 988.
+    struct Case {
+        char item;
+        double center;
+        std::string expected;
+    };
+    for (const Case& c : {Case{'a', 904, "abc"}, Case{'b', 946, "abc"}, Case{'c', 988, "abc"},
+                          Case{'b', 905, "abc"}, Case{'b', 903, "bac"}, Case{'b', 989, "acb"},
+                          Case{'a', 947, "bac"}, Case{'a', 1100, "bca"}, Case{'c', -9000, "cab"},
+                          Case{'c', 945, "acb"}}) {
+        Row bar = filled();
+        bar.row.drop(Row::key(c.item), c.center, areaLeft);
+        EXPECT_EQ(bar.order(), c.expected) << c.item << " at " << c.center;
+    }
+}
+
+TEST(MenuBarRow, AnItemPlacedByItsOwnPositionStaysWhereItWas) {
+    for (double dividerLength : {0.0, 10.0, 10000.0}) {
+        Row bar;
+        bar.insert('c', 24);
+        bar.insert('d', dividerLength);
+        bar.insert('b', 60);
+        bar.insert('a', 17);
+        for (char name : {'a', 'b'}) {
+            bar.row.placeByPosition(Row::key(name), *bar.row.position(Row::key(name)));
+            EXPECT_EQ(bar.order(), "abdc") << name << " with " << dividerLength;
+        }
+    }
+}
+
+TEST(MenuBarRow, AnUnknownItemChangesNothing) {
+    Row bar;
+    bar.insert('a', 24);
+    bar.row.drop(99, 0, areaLeft);
+    bar.row.remove(99);
+    bar.row.setLength(99, 5);
+    bar.row.placeByPosition(99, 5);
+    EXPECT_EQ(bar.order(), "a");
+    EXPECT_FALSE(bar.row.slot(99, areaLeft));
+    EXPECT_FALSE(bar.row.position(99));
+}
+
+std::vector<std::string> letters(const std::string& names) {
+    std::vector<std::string> result;
+    for (char name : names) result.emplace_back(1, name);
+    return result;
+}
+
+TEST(RowOrder, ItemsComeBackInTheOldOrderWhicheverDocksFirst) {
+    std::string docking = "abcde";
+    do {
+        Row bar;
+        auto remembered = letters("abcde");
+        for (char name : docking) {
+            ASSERT_TRUE(bar.insertByOrder(name, 24, remembered));
+            // As the bar does at each change: what is written meanwhile must not lose the order.
+            std::vector<std::string> present = letters(bar.order());
+            remembered = mergedRowOrder(remembered, present);
+        }
+        ASSERT_EQ(bar.order(), "abcde") << docking;
+    } while (std::next_permutation(docking.begin(), docking.end()));
+    Row bar;
+    EXPECT_FALSE(bar.insertByOrder('x', 24, letters("abc")));
+    EXPECT_EQ(bar.order(), "");
+}
+
+TEST(RowOrder, AbsentItemsKeepTheirLeftNeighbour) {
+    struct Case {
+        std::string remembered, present, expected;
+    };
+    for (const Case& c : {Case{"abc", "abc", "abc"}, Case{"abc", "cab", "cab"},
+                          Case{"axyb", "ba", "baxy"}, Case{"xab", "ab", "xab"},
+                          Case{"ab", "nab", "nab"}, Case{"", "ab", "ab"}, Case{"ab", "", "ab"}}) {
+        EXPECT_EQ(mergedRowOrder(letters(c.remembered), letters(c.present)), letters(c.expected))
+            << c.remembered << " " << c.present;
+    }
+}
+
+}  // namespace
+}  // namespace nevo
