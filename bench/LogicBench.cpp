@@ -40,7 +40,8 @@ void scan(benchmark::State& state) {
         spawn(desktop.loop, scanOnce(&scanner, {}, &items));
         desktop.loop.runReady();
     }
-    if (items.size() != static_cast<std::size_t>(state.range(0))) state.SkipWithError("not all items were found");
+    if (items.size() != static_cast<std::size_t>(state.range(0)))
+        state.SkipWithError("not all items were found");
     state.SetComplexityN(state.range(0));
 }
 

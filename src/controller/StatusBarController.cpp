@@ -32,6 +32,8 @@ StatusBarController::StatusBarController(const Platform& desktop, AppState& stat
       popover(desktop.popovers.create()),
       preferences(desktop.defaults),
       checkForUpdates(std::move(updateCheck)) {
+    lastScreenCount = platform.screens.screens().size();
+    if (auto screen = platform.screens.mainScreen()) lastMainScreenFrame = screen->frame;
     popover->setContentSize(popoverSize);
     popover->setBehavior(transientBehavior);
     popover->setAnimates(true);
@@ -71,6 +73,8 @@ void StatusBarController::observeNotifications() {
             }));
     }
     observeRules();
+    observeWake();
+    observeScreens();
 }
 
 void StatusBarController::laterOnMain(void (StatusBarController::*action)()) {
@@ -123,6 +127,8 @@ void StatusBarController::buttonClicked() {
 void StatusBarController::tearDown() {
     autoHideTimer.reset();
     notificationObservers.clear();
+    screenChangeObserver.reset();
+    isDisplayTransitioning = false;
     refreshToggleButton();
     sectionManager.expand(true);
     rightClickMonitor.reset();

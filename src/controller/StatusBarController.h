@@ -163,6 +163,17 @@ private:
     void alphaHideStrays(const std::set<WindowNumber>& ownIDs);
     void reconcileReport(const ScannedBarItems& items) const;
 
+    // Display change and wake.
+    void observeWake();
+    void observeScreens();
+    void screenChanged();
+    void waitForStableAfterScreenChange(int attempt, bool reapplyHide);
+    void pollAfterScreenChange(int attempt, bool reapplyHide);
+    void finishScreenChange(bool reapplyHide);
+    void recompensatePositionAfterWake(const std::string& reason);
+    void repairAfterWake();
+    void postWakeRepair();
+
     // Context menu.
     bool handleRightClick(const Event& event);
     void showContextMenu();
@@ -201,10 +212,15 @@ private:
     /// When a rule was last accepted, by id and rule.
     std::map<std::string, double> lastRuleChangeTime;
 
+    /// The displays at the last notification.
+    std::size_t lastScreenCount = 0;
+    Rect lastMainScreenFrame;
+
     Registration autoHideTimer;
     Registration itemMonitorTimer;
     Registration rightClickMonitor;
     std::vector<Registration> notificationObservers;
+    Registration screenChangeObserver;
 };
 
 }  // namespace nevo

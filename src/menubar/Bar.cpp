@@ -22,12 +22,19 @@ using namespace std::chrono_literals;
 namespace {
 /// Sixty times a second is as often as anyone can see.
 constexpr auto workInterval = 16ms;
+/// What was left undone in quiet times may be done at once: a program that docks takes several
+/// passes, one for each of its steps.
+constexpr auto workCredit = 8 * workInterval;
 /// Programs that dock again by themselves after a bar's end have done so by then; what is still on
 /// the root window has nobody else.
 constexpr auto adoptionDelay = 500ms;
+/// Finding a font takes milliseconds, and items are waited for more than the clock is.
+constexpr auto firstClockDelay = 100ms;
 constexpr auto raiseInterval = 250ms;
 constexpr int smallestSystemArea = 120;
 constexpr int clockMargin = 12;
+/// About what the clock and its margins take, so that items needn't make room when it comes.
+constexpr int clockWidthOfHeight = 6;
 constexpr std::size_t docksPerPass = 16;
 
 bool hasMonitorAbove(const PixelRect& monitor, const std::vector<PixelRect>& all) {
@@ -51,7 +58,8 @@ Bar::Bar(const Display& x, const Options& chosen, std::unique_ptr<TrayHost> tray
     selectMonitorEvents(display);
     if (options.clock) {
         minuteDescriptor = openMinuteTimer();
-        clockFace.update();
+        clockDue = Clock::now() + firstClockDelay;
+        systemAreaWidth = options.height * clockWidthOfHeight;
     }
     updateMonitors();
     grabDragButton();
@@ -63,6 +71,8 @@ Bar::Bar(const Display& x, const Options& chosen, std::unique_ptr<TrayHost> tray
 Bar::~Bar() {
     if (!display.server().isBroken()) {
         for (BarItem* item : items.all()) removeItem(*item, true);
+    }
+    while (keeper.save()) {
     }
     if (signalDescriptor >= 0) ::close(signalDescriptor);
     if (minuteDescriptor >= 0) ::close(minuteDescriptor);
@@ -130,11 +140,16 @@ Bar::Deadline Bar::nextDeadline() const {
     auto consider = [&](Clock::time_point time) {
         if (!next || time < *next) next = time;
     };
-    if (needsLayout || needsPaint || hasStaleItems || !dockRequests.empty()) consider(nextWork);
+    if (hasWork()) consider(nextWork - workCredit);
     if (isCovered) consider(nextRaise);
     if (monitorsDue) consider(*monitorsDue);
+    if (clockDue) consider(*clockDue);
     if (adoptionDue) consider(*adoptionDue);
     return next;
+}
+
+bool Bar::hasWork() const {
+    return needsLayout || needsPaint || needsSave || hasStaleItems || !dockRequests.empty();
 }
 
 void Bar::work() {
@@ -142,6 +157,10 @@ void Bar::work() {
     if (monitorsDue && now >= *monitorsDue) {
         monitorsDue.reset();
         updateMonitors();
+    }
+    if (clockDue && now >= *clockDue) {
+        clockDue.reset();
+        tick();
     }
     if (adoptionDue && now >= *adoptionDue) {
         adoptionDue.reset();
@@ -152,8 +171,8 @@ void Bar::work() {
         nextRaise = now + raiseInterval;
         raiseAbovePrograms(display, windows.front()->window());
     }
-    if (now < nextWork) return;
-    bool worked = needsLayout || needsPaint || hasStaleItems || !dockRequests.empty();
+    if (now < nextWork - workCredit) return;
+    bool worked = hasWork();
     for (std::size_t i = 0; i < docksPerPass && !dockRequests.empty(); ++i) {
         auto request = dockRequests.front();
         dockRequests.pop_front();
@@ -166,10 +185,11 @@ void Bar::work() {
     }
     if (std::exchange(needsLayout, false)) {
         layout();
-        keeper.save();
+        needsSave = true;
     }
+    if (needsSave) needsSave = keeper.save();
     if (std::exchange(needsPaint, false)) paint();
-    if (worked) nextWork = now + workInterval;
+    if (worked) nextWork = std::max(now, nextWork) + workInterval;
 }
 
 /// One bar for each monitor; the items' bar moves along with the primary one.

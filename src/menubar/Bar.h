@@ -62,6 +62,7 @@ private:
     void openSignals();
     bool waitForSomething();
     Deadline nextDeadline() const;
+    bool hasWork() const;
     void work();
     void updateMonitors();
     void tick();
@@ -146,6 +147,7 @@ private:
 
     bool needsLayout = true;
     bool needsPaint = true;
+    bool needsSave = false;
     bool hasStaleItems = false;
     bool isCovered = false;
     bool limitLogged = false;
@@ -154,6 +156,7 @@ private:
     Clock::time_point nextWork;
     Clock::time_point nextRaise;
     Deadline monitorsDue;
+    Deadline clockDue;
     Deadline adoptionDue;
     xcb::Reply<xcb_generic_event_t> heldEvent;
     int signalDescriptor = -1;

@@ -57,12 +57,12 @@ void RowKeeper::writePosition(MenuBarRow::Key key, double position) {
     current.setStoredPosition(key, position);
 }
 
-void RowKeeper::save() {
+bool RowKeeper::save() {
     std::vector<std::string> identities;
     identities.reserve(current.items().size());
     for (const auto& item : current.items()) identities.push_back(item.identity);
     store.setPresent(identities);
-    store.save();
+    return store.save();
 }
 
 }  // namespace nevo::menubar

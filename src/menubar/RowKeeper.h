@@ -39,8 +39,8 @@ public:
     /// The end of a drag: the item stands where its centre was dropped, and each changed position
     /// is written.
     void drop(MenuBarRow::Key key, double centerX, double systemAreaLeft);
-    /// Brings the order to the disk if it changed.
-    void save();
+    /// Brings order and positions to the disk, some at a time. True when there is more to be saved.
+    bool save();
 
 private:
     void writePosition(MenuBarRow::Key key, double position);

@@ -15,6 +15,7 @@ constexpr const char* orderKey = "order";
 /// the file grow without end.
 constexpr std::size_t mostRemembered = 1000;
 constexpr std::size_t mostProblems = 100;
+constexpr int domainsPerSave = 4;
 
 std::string lastPositionKey(const std::string& domain, const std::string& name) {
     return "position " + domain + "|" + name;
@@ -57,6 +58,10 @@ void RowStore::setPresent(const std::vector<std::string>& identities) {
 }
 
 std::optional<double> RowStore::position(const std::string& domain, const std::string& name) {
+    if (auto unsaved = unsavedPositions.find(domain); unsaved != unsavedPositions.end()) {
+        auto entry = unsaved->second.find(name);
+        if (entry != unsaved->second.end()) return entry->second;
+    }
     auto path = DomainFile::pathFor(domain);
     if (!path) return std::nullopt;
     DomainFile file(*path);
@@ -66,6 +71,8 @@ std::optional<double> RowStore::position(const std::string& domain, const std::s
 
 bool RowStore::isForeign(const std::string& domain, const std::string& name,
                          double position) const {
+    auto waiting = unsavedPositions.find(domain);
+    if (waiting != unsavedPositions.end() && waiting->second.contains(name)) return false;
     auto key = lastPositionKey(domain, name);
     auto unsaved = pending.find(key);
     auto last = numberIn(unsaved == pending.end() ? row.value(key) : unsaved->second);
@@ -77,12 +84,18 @@ void RowStore::acknowledge(const std::string& domain, const std::string& name, d
 }
 
 void RowStore::writePosition(const std::string& domain, const std::string& name, double position) {
-    auto path = DomainFile::pathFor(domain);
-    if (!path) return;
-    DomainFile file(*path);
-    bool written = file.update({{domainKey(name), position}});
+    if (DomainFile::pathFor(domain)) unsavedPositions[domain][name] = position;
+}
+
+void RowStore::saveDomain(const std::string& domain,
+                          const std::map<std::string, double>& positions) {
+    DomainFile file(*DomainFile::pathFor(domain));
+    DomainFile::Changes changes;
+    for (const auto& [name, position] : positions) changes[domainKey(name)] = position;
+    bool written = file.update(changes);
     logProblems(file);
-    if (written) acknowledge(domain, name, position);
+    if (!written) return;
+    for (const auto& [name, position] : positions) acknowledge(domain, name, position);
 }
 
 void RowStore::note(const std::string& key, DefaultsValue value) {
@@ -90,11 +103,17 @@ void RowStore::note(const std::string& key, DefaultsValue value) {
     changed = true;
 }
 
-void RowStore::save() {
-    if (!std::exchange(changed, false)) return;
-    forgetOldPositions();
-    if (row.update(pending)) pending.clear();
-    logProblems(row);
+bool RowStore::save() {
+    for (int i = 0; i < domainsPerSave && !unsavedPositions.empty(); ++i) {
+        auto first = unsavedPositions.extract(unsavedPositions.begin());
+        saveDomain(first.key(), first.mapped());
+    }
+    if (std::exchange(changed, false)) {
+        forgetOldPositions();
+        if (row.update(pending)) pending.clear();
+        logProblems(row);
+    }
+    return !unsavedPositions.empty();
 }
 
 void RowStore::forgetOldPositions() {

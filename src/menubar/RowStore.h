@@ -1,6 +1,7 @@
 #pragma once
 
 #include <filesystem>
+#include <map>
 #include <optional>
 #include <set>
 #include <string>
@@ -30,21 +31,26 @@ public:
     bool isForeign(const std::string& domain, const std::string& name, double position) const;
     /// Notes that `position` has been obeyed.
     void acknowledge(const std::string& domain, const std::string& name, double position);
+    /// Counts from now on, and goes to the disk with `save`.
     void writePosition(const std::string& domain, const std::string& name, double position);
 
-    /// Brings the row file to the disk, if anything changed since this was last asked. A failure is
-    /// logged once; the next change tries again.
-    void save();
+    /// Brings to the disk what changed since this was last asked: the row file, and the positions
+    /// of a few domains, since each costs a real write. True when there is more to be saved. A
+    /// failure is logged once; the order is tried again with its next change.
+    bool save();
 
 private:
     void note(const std::string& key, DefaultsValue value);
     void forgetOldPositions();
+    void saveDomain(const std::string& domain, const std::map<std::string, double>& positions);
     void logProblems(DomainFile& file);
 
     DomainFile row;
     std::vector<std::string> known;
     DomainFile::Changes pending;
     bool changed = false;
+    /// By domain and name.
+    std::map<std::string, std::map<std::string, double>> unsavedPositions;
     std::set<std::string> loggedProblems;
 };
 
