@@ -6,7 +6,10 @@
 
 namespace nevo {
 
-void SimApplications::add(SimOtherProgram program) { programs.push_back(std::move(program)); }
+void SimApplications::add(SimOtherProgram program) {
+    byBundle[program.application.bundleIdentifier].push_back(programs.size());
+    programs.push_back(std::move(program));
+}
 
 bool SimApplications::launch(const std::string& handle) {
     SimOtherProgram* program = find(handle);
@@ -15,6 +18,7 @@ bool SimApplications::launch(const std::string& handle) {
     program->hangs = false;
     program->application.isTerminated = false;
     program->application.pid = nextPid++;
+    byPid[program->application.pid] = static_cast<std::size_t>(program - programs.data());
     trace.note("program", fmt::format("{} starts, pid {}", handle, program->application.pid));
     for (SimItemPlan& plan : program->items) show(*program, plan);
     return true;
@@ -64,9 +68,18 @@ SimOtherProgram* SimApplications::find(const std::string& handle) {
     return nullptr;
 }
 
-SimOtherProgram* SimApplications::findPid(ProcessId pid) {
-    for (SimOtherProgram& program : programs) {
-        if (program.running && program.application.pid == pid) return &program;
+const SimOtherProgram* SimApplications::runningWithPid(ProcessId pid) const {
+    auto found = byPid.find(pid);
+    if (found == byPid.end()) return nullptr;
+    const SimOtherProgram& program = programs[found->second];
+    return program.running && program.application.pid == pid ? &program : nullptr;
+}
+
+const SimOtherProgram* SimApplications::runningWithBundle(const std::string& bundle) const {
+    auto found = byBundle.find(bundle);
+    if (found == byBundle.end()) return nullptr;
+    for (std::size_t index : found->second) {
+        if (programs[index].running) return &programs[index];
     }
     return nullptr;
 }

@@ -1,5 +1,7 @@
 #pragma once
 
+#include <map>
+
 #include "platform/Accessibility.h"
 #include "platform/Workspace.h"
 #include "platform/sim/SimBar.h"
@@ -57,7 +59,9 @@ public:
 
     /// nullptr when unknown.
     SimOtherProgram* find(const std::string& handle);
-    SimOtherProgram* findPid(ProcessId pid);
+    const SimOtherProgram* runningWithPid(ProcessId pid) const;
+    /// The first made known of those that run.
+    const SimOtherProgram* runningWithBundle(const std::string& bundle) const;
     SimItemPlan* findItem(const std::string& label);
     /// In the order in which they were made known.
     const std::vector<SimOtherProgram>& all() const { return programs; }
@@ -70,6 +74,9 @@ private:
     SimWindows& windows;
     SimTrace& trace;
     std::vector<SimOtherProgram> programs;
+    /// Where they stand in `programs`. A scan asks for the owner of each window.
+    std::map<ProcessId, std::size_t> byPid;
+    std::map<std::string, std::vector<std::size_t>> byBundle;
     ProcessId nextPid = 200;
 };
 

@@ -236,13 +236,13 @@ void SimBar::layOut() {
     // Without a display the windows stay where they were.
     if (screens.displays().empty()) return;
     std::string text;
-    for (const MenuBarRow::Item& slot : row.items()) {
+    for (const MenuBarRow::Slot& slot : row.slots(systemAreaLeft())) {
         auto number = static_cast<WindowNumber>(slot.key);
         SimWindow* held = windows.find(number);
         const Item& item = items.at(number);
         if (held == nullptr) continue;
         if (number != dragged) {
-            held->frame = slotFrame(number);
+            held->frame = {slot.x, 0, slot.width, screens.barHeight()};
             held->frame.x += item.jitter;
             if (item.floating) held->frame.x = item.floating->x;
             if (item.floating) held->frame.y = item.floating->y;

@@ -23,18 +23,16 @@ std::vector<RunningApplication> SimWorkspace::runningApplications() const {
 }
 
 std::optional<RunningApplication> SimWorkspace::runningApplication(ProcessId pid) const {
-    for (const RunningApplication& running : runningApplications()) {
-        if (running.pid == pid) return running;
-    }
-    return std::nullopt;
+    if (ownProgramRuns && pid == program.pid) return self();
+    const SimOtherProgram* other = applications.runningWithPid(pid);
+    return other != nullptr ? std::optional(other->application) : std::nullopt;
 }
 
 std::optional<RunningApplication> SimWorkspace::runningApplication(
     const std::string& bundleIdentifier) const {
-    for (const RunningApplication& running : runningApplications()) {
-        if (running.bundleIdentifier == bundleIdentifier) return running;
-    }
-    return std::nullopt;
+    if (ownProgramRuns && bundleIdentifier == program.bundleIdentifier) return self();
+    const SimOtherProgram* other = applications.runningWithBundle(bundleIdentifier);
+    return other != nullptr ? std::optional(other->application) : std::nullopt;
 }
 
 bool SimWorkspace::activate(ProcessId pid) {
@@ -88,7 +86,7 @@ void SimWorkspace::tell(const std::string& notification, const RunningApplicatio
 
 std::optional<std::vector<AccessibilityElement>> SimAccessibility::extrasMenuBarChildren(
     ProcessId pid) const {
-    const SimOtherProgram* other = applications.findPid(pid);
+    const SimOtherProgram* other = applications.runningWithPid(pid);
     bool answers = permissions.accessibility && other != nullptr && !other->hangs &&
                    !faults.strikes(SimOperation::extrasMenuBar);
     if (!answers || (other->items.empty() && other->extraChildren.empty())) return std::nullopt;
