@@ -49,6 +49,7 @@ void StatusBarController::install() {
             auto self = weak.lock();
             return self && self->handleRightClick(event);
         });
+    installTriggerMonitors();
     popover->setContent([weak] {
         auto self = weak.lock();
         return self ? popoverContent(self->appState) : std::vector<PopoverRow>{};
@@ -126,6 +127,10 @@ void StatusBarController::buttonClicked() {
 
 void StatusBarController::tearDown() {
     autoHideTimer.reset();
+    blankHoverTimer.reset();
+    hoverMonitor.reset();
+    localHoverMonitor.reset();
+    blankClickMonitor.reset();
     notificationObservers.clear();
     screenChangeObserver.reset();
     isDisplayTransitioning = false;

@@ -163,6 +163,18 @@ private:
     void alphaHideStrays(const std::set<WindowNumber>& ownIDs);
     void reconcileReport(const ScannedBarItems& items) const;
 
+    // Hover and blank area.
+    void installTriggerMonitors();
+    void mouseMoved();
+    void checkHover(const Rect& area);
+    void blankClicked();
+    void startBlankDwell();
+    void blankDwellEnded();
+    bool isBlankTriggerEligible() const;
+    /// Whether the point (origin at the bottom left) is on the part of the menu bar that holds
+    /// neither items nor menus.
+    bool isBlankMenuBarPoint(Point point) const;
+
     // Display change and wake.
     void observeWake();
     void observeScreens();
@@ -216,6 +228,10 @@ private:
     std::size_t lastScreenCount = 0;
     Rect lastMainScreenFrame;
 
+    Registration hoverMonitor;
+    Registration localHoverMonitor;
+    Registration blankClickMonitor;
+    Registration blankHoverTimer;
     Registration autoHideTimer;
     Registration itemMonitorTimer;
     Registration rightClickMonitor;

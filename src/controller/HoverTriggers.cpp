@@ -1,0 +1,114 @@
+#include <fmt/format.h>
+
+#include <limits>
+
+#include "controller/StatusBarController.h"
+#include "core/debugLog.h"
+#include "core/describe.h"
+
+namespace nevo {
+
+namespace {
+constexpr double blankDwell = 0.5;
+constexpr double hoverMargin = 2.0;
+/// A narrower window in the status layer is no item that one could see.
+constexpr double smallestItemWidth = 5.0;
+/// The blank area begins this far left of the leftmost item; what is left of it belongs to the
+/// front application's menus.
+constexpr double blankLead = 20.0;
+}  // namespace
+
+void StatusBarController::installTriggerMonitors() {
+    auto weak = weak_from_this();
+    auto later = [weak](void (StatusBarController::*action)()) {
+        if (auto self = weak.lock()) self->laterOnMain(action);
+    };
+    EventMask moved = maskOf(EventType::mouseMoved);
+    hoverMonitor = platform.events.addGlobalMonitor(
+        moved, [later](const Event&) { later(&StatusBarController::mouseMoved); });
+    localHoverMonitor = platform.events.addLocalMonitor(moved, [later](const Event&) {
+        later(&StatusBarController::mouseMoved);
+        return false;
+    });
+    blankClickMonitor = platform.events.addGlobalMonitor(
+        maskOf(EventType::leftMouseDown),
+        [later](const Event&) { later(&StatusBarController::blankClicked); });
+}
+
+/// A trigger in the blank area only opens: the hidden section is closed and nothing shows.
+bool StatusBarController::isBlankTriggerEligible() const {
+    return isShelfMode() ? sectionManager.isHiddenDividerCollapsed() : !appState.isExpanded();
+}
+
+bool StatusBarController::isBlankMenuBarPoint(Point point) const {
+    auto screen = platform.screens.mainScreen();
+    if (!screen) return false;
+    double top = screen->frame.maxY();
+    if (point.y < top - platform.statusBar.thickness()) return false;
+    auto windows = platform.windows.windowList(WindowListOption::onScreenOnly);
+    if (!windows) return false;
+    auto own = sectionManager.ownWindowIDs();
+    double leftmost = std::numeric_limits<double>::infinity();
+    for (const WindowDescription& window : *windows) {
+        bool isItem = window.layer == statusItemWindowLevel && window.bounds && window.number &&
+                      window.bounds->width > smallestItemWidth && !own.contains(*window.number);
+        if (!isItem) continue;
+        leftmost = std::min(leftmost, window.bounds->x);
+        if (window.bounds->contains({point.x, top - point.y})) return false;
+    }
+    return leftmost - blankLead <= point.x;
+}
+
+void StatusBarController::blankClicked() {
+    if (appState.triggerMode() != "clickBlank" || !isBlankTriggerEligible()) return;
+    if (isBlankMenuBarPoint(platform.events.mouseLocation())) toggle();
+}
+
+void StatusBarController::mouseMoved() {
+    if (isContextMenuShowing) return;
+    Point mouse = platform.events.mouseLocation();
+    if (appState.triggerMode() == "hoverBlank") {
+        if (isBlankTriggerEligible() && isBlankMenuBarPoint(mouse)) {
+            startBlankDwell();
+            return;
+        }
+        blankHoverTimer.reset();
+    }
+    if (!appState.showOnHover() || appState.isExpanded()) return;
+    auto window = SectionManager::frame(*sectionManager.toggleItem);
+    if (!window) return;
+    Rect area = window->grownBy(hoverMargin);
+    if (!area.contains(mouse)) return;
+    double delay = appState.hoverDelay();
+    debugLog(fmt::format("[Hover] mouse in button area, scheduling delay={}s frame={} mouse={}",
+                         describe(delay), describe(area), describe(mouse)));
+    platform.runLoop.postAfter(delay, [weak = weak_from_this(), area] {
+        if (auto self = weak.lock()) self->checkHover(area);
+    });
+}
+
+void StatusBarController::startBlankDwell() {
+    if (blankHoverTimer) return;
+    blankHoverTimer = platform.runLoop.timer(blankDwell, false, [weak = weak_from_this()] {
+        if (auto self = weak.lock()) self->laterOnMain(&StatusBarController::blankDwellEnded);
+    });
+}
+
+void StatusBarController::blankDwellEnded() {
+    if (isBlankMenuBarPoint(platform.events.mouseLocation())) toggle();
+    blankHoverTimer.reset();
+}
+
+void StatusBarController::checkHover(const Rect& area) {
+    if (!appState.showOnHover() || appState.isExpanded()) {
+        debugLog(fmt::format("[Hover] delayed guard failed: showOnHover={} isExpanded={}",
+                             describe(appState.showOnHover()), describe(appState.isExpanded())));
+    } else if (area.contains(platform.events.mouseLocation())) {
+        debugLog("[Hover] triggering toggle()");
+        toggle();
+    } else {
+        debugLog("[Hover] mouse left button area before delay completed");
+    }
+}
+
+}  // namespace nevo
