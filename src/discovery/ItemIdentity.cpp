@@ -112,7 +112,9 @@ std::optional<std::string> bundleIDFromPersistedID(std::string_view persistedID)
     return std::nullopt;
 }
 
-std::string lastPartOfID(std::string_view persistedID) { return std::string(lastPart(persistedID)); }
+std::string lastPartOfID(std::string_view persistedID) {
+    return std::string(lastPart(persistedID));
+}
 
 bool isPhantomID(std::string_view persistedID) {
     return persistedID.starts_with("Control Center >>>") || persistedID.starts_with("控制中心 >>>");

@@ -33,8 +33,9 @@ constexpr auto firstClockDelay = 100ms;
 constexpr auto raiseInterval = 250ms;
 constexpr int smallestSystemArea = 120;
 constexpr int clockMargin = 12;
-/// About what the clock and its margins take, so that items needn't make room when it comes.
-constexpr int clockWidthOfHeight = 6;
+/// More than the widest date with its margins takes, so that items needn't make room for the clock
+/// when it comes, or at midnight.
+constexpr int clockWidthOfHeight = 7;
 constexpr std::size_t docksPerPass = 16;
 
 bool hasMonitorAbove(const PixelRect& monitor, const std::vector<PixelRect>& all) {
