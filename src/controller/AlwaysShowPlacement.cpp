@@ -37,11 +37,10 @@ Task<> StatusBarController::moveAlwaysShowItems(std::weak_ptr<StatusBarControlle
     AlwaysShowPlan plan = self->planAlwaysShowPlacement();
     ItemMover& mover = self->services.mover;
     self.reset();
-    double x = plan.baseX;
-    for (const ScannedBarItem& item : plan.items) {
-        Point target{x, 0};
+    for (std::size_t i = 0; i < plan.items.size(); ++i) {
+        ScannedBarItem item = plan.items[i];
         // One whose frame doesn't read keeps its place free.
-        x += itemPitch;
+        Point target{plan.baseX + static_cast<double>(i) * itemPitch, 0};
         auto frame = mover.readableFrame(item.windowID);
         if (!frame) continue;
         target.y = frame->midY();

@@ -71,8 +71,7 @@ void StatusBarController::screenChanged() {
     }
     isDisplayTransitioning = true;
     bool wasExpanded = appState.isExpanded();
-    // Their windows are left as they are: the collapse that follows decides anew.
-    sectionManager.alphaHiddenWindows.clear();
+    sectionManager.disownAlphaHiddenWindows();
     if (sectionManager.isHiddenDividerCollapsed()) {
         refreshToggleButton();
         sectionManager.setDividerLength(*sectionManager.hiddenDivider, false);
@@ -113,6 +112,8 @@ void StatusBarController::pollAfterScreenChange(int attempt, bool reapplyHide) {
             return;
         }
         lastStableX = usable ? frame->x : -1.0;
+    } else {
+        lastStableX = -1.0;
     }
     waitForStableAfterScreenChange(attempt + 1, reapplyHide);
 }

@@ -151,7 +151,9 @@ ScannedBarItems StatusBarController::snapshotItems(
 
 void StatusBarController::applyAutomatic(WindowNumber window) {
     alwaysShowProtectedWIDs.erase(window);
-    bool wasHidden = sectionManager.alphaHiddenWindows.erase(window) > 0;
+    bool wasHidden = sectionManager.alphaHiddenWindows.erase(window) +
+                         sectionManager.passinglyTransparentWindows.erase(window) >
+                     0;
     if (sectionManager.isHiddenDividerCollapsed()) {
         hideByAlpha(window);
         debugLog(fmt::format("[Rules] auto (collapsed): keep hidden wid={}", window));
@@ -170,6 +172,7 @@ bool StatusBarController::hideByAlpha(WindowNumber window) {
 
 void StatusBarController::showByAlpha(WindowNumber window) {
     sectionManager.alphaHiddenWindows.erase(window);
+    sectionManager.passinglyTransparentWindows.erase(window);
     services.mover.setWindowAlpha(window, 1.0);
 }
 
@@ -260,16 +263,22 @@ Task<> StatusBarController::moveBehindDivider(std::weak_ptr<StatusBarController>
     self->platform.windows.setSetsCursorInBackground(true);
     // The whole bar goes blank while the divider is open, so that nothing is seen to jump about.
     std::vector<WindowNumber> others = self->otherMenuBarWindows();
-    for (WindowNumber other : others) mover.setWindowAlpha(other, 0.0);
+    for (WindowNumber other : others) {
+        mover.setWindowAlpha(other, 0.0);
+        self->sectionManager.passinglyTransparentWindows.insert(other);
+    }
     self->refreshToggleButton();
     self->sectionManager.setDividerLength(*self->sectionManager.hiddenDivider, false);
     if (StatusItemButton* button = self->sectionManager.toggleItem->button()) button->setAlpha(1.0);
     self.reset();
     co_await sleep(dividerOpenSettle);
+    // The tear-down makes the bar opaque again.
+    if (owner.expired()) co_return;
     Point target{hiddenTargetX, y};
     bool moved = co_await mover.moveItem(window, target);
     if (!moved) {
         co_await sleep(dividerOpenSettle);
+        if (owner.expired()) co_return;
         moved = co_await mover.moveItem(window, target);
     }
     debugLog(fmt::format("[Rules] alwaysHide moveItem wid={} moved={}", window, describe(moved)));
@@ -281,6 +290,7 @@ Task<> StatusBarController::moveBehindDivider(std::weak_ptr<StatusBarController>
     self = owner.lock();
     if (!self) co_return;
     for (WindowNumber other : others) {
+        self->sectionManager.passinglyTransparentWindows.erase(other);
         if (!self->sectionManager.alphaHiddenWindows.contains(other))
             mover.setWindowAlpha(other, 1.0);
     }

@@ -37,7 +37,7 @@ Task<> StatusBarController::replayAllRulesOnStartup(std::weak_ptr<StatusBarContr
     }
     co_await sleep(replaySettle);
     co_await refreshSnapshot(owner, 3.0);
-    debugLog("[Rules] replayAllRulesOnStartup: done");
+    if (!owner.expired()) debugLog("[Rules] replayAllRulesOnStartup: done");
 }
 
 /// A fresh or recent scan becomes the snapshot, without a report on the rules.

@@ -136,6 +136,7 @@ void StatusBarController::tearDown() {
     isDisplayTransitioning = false;
     refreshToggleButton();
     sectionManager.expand(true);
+    sectionManager.restorePassinglyTransparentWindows();
     rightClickMonitor.reset();
 }
 

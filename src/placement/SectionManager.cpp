@@ -81,6 +81,18 @@ void SectionManager::expand(bool restoreAlpha) {
     alphaHiddenWindows.clear();
 }
 
+void SectionManager::disownAlphaHiddenWindows() {
+    passinglyTransparentWindows.merge(alphaHiddenWindows);
+    alphaHiddenWindows.clear();
+}
+
+void SectionManager::restorePassinglyTransparentWindows() {
+    for (WindowNumber window : passinglyTransparentWindows) {
+        platform.windows.setWindowAlpha(window, 1.0F);
+    }
+    passinglyTransparentWindows.clear();
+}
+
 void SectionManager::recreateAlwaysHiddenDivider(const std::vector<std::string>& ruleIDs,
                                                  const ScannedBarItems& items) {
     for (const std::string& id : ruleIDs) {
@@ -121,7 +133,8 @@ void SectionManager::reapplyDividerVisibilityAfterWake() {
 std::set<WindowNumber> SectionManager::ownWindowIDs() const {
     std::set<WindowNumber> numbers;
     for (StatusItem* item : {toggleItem.get(), hiddenDivider.get(), alwaysHiddenDivider.get()}) {
-        StatusItemButton* button = item->button();
+        // The always-hidden divider is gone for a moment while it is replaced.
+        StatusItemButton* button = item != nullptr ? item->button() : nullptr;
         auto number = button ? button->windowNumber() : std::nullopt;
         if (number && *number >= 1) numbers.insert(*number);
     }

@@ -36,6 +36,11 @@ public:
     /// `alphaHiddenWindows` opaque again.
     void expand(bool restoreAlpha);
 
+    /// Keeps no window transparent any longer, and leaves them as they are.
+    void disownAlphaHiddenWindows();
+    /// For the program's end: no window stays transparent.
+    void restorePassinglyTransparentWindows();
+
     /// Replaces the always-hidden divider, since the bar places an item only when it is made. Items
     /// of `ruleIDs` will come back behind it.
     void recreateAlwaysHiddenDivider(const std::vector<std::string>& ruleIDs,
@@ -63,6 +68,9 @@ public:
     SectionSnapshot lastExpandedSnapshot;
     /// Windows of other applications that this program has made transparent.
     std::set<WindowNumber> alphaHiddenWindows;
+    /// Windows that are transparent without being kept so: for a moment, while an item is moved in
+    /// a blanked bar, or from before a change of displays. At the end they are opaque again too.
+    std::set<WindowNumber> passinglyTransparentWindows;
 
 private:
     struct Split {
