@@ -104,6 +104,7 @@ void Bar::grabDragButton() const {
 int Bar::run() {
     while (!isEnding) {
         drainEvents();
+        if (isEnding) break;
         work();
         if (!waitForSomething()) break;
     }

@@ -169,6 +169,8 @@ void Bar::setInRow(BarItem& item, bool inRow) {
     } else {
         if (drag && drag->item == item.key) cancelDrag();
         endFloat(item);
+        // Whoever made it transparent loses sight of it now, and couldn't make it opaque again.
+        setOpacity(item, fullOpacity, XCB_WINDOW_NONE);
         keeper.leave(item.key);
         item.frame->setMapped(false);
         if (item.xembed.present) xcb_unmap_window(display.get(), item.client);

@@ -19,7 +19,11 @@ void RowKeeper::leave(MenuBarRow::Key key) {
     // count for itself.
     bool isDivider = current.find(key)->length >= MenuBarRow::collapsedLength;
     bool isPushedOff = !isDivider && *distance >= MenuBarRow::collapsedLength;
-    writePosition(key, isPushedOff ? *distance : *position);
+    // Who changed the saved place while the item stood here meant it for its return.
+    const Domain& domain = domains[key];
+    auto stored = store.position(domain.domain, domain.name);
+    bool foreign = stored && store.isForeign(domain.domain, domain.name, *stored);
+    if (!foreign) writePosition(key, isPushedOff ? *distance : *position);
     take(key);
 }
 

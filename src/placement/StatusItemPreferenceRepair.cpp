@@ -52,6 +52,8 @@ void StatusItemPreferenceRepair::seedSeparatorPosition() {
 
 void StatusItemPreferenceRepair::syncSeparatorPosition() {
     DefaultsDomain& own = defaults.standard();
+    // The bar writes the toggle's place when a drag ends, perhaps a moment ago.
+    own.synchronize();
     if (auto position = storedNumber(own, toggleKey)) own.set(separatorKey, *position);
 }
 

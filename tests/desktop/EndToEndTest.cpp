@@ -196,6 +196,14 @@ TEST_F(EndToEnd, aBarThatNevoHadToStartOutlivesIt) {
     waitFor("the bar has ended", [this] { return barView->control() == 0; });
 }
 
+TEST_F(EndToEnd, restingOnTheToggleShowsWhatIsHidden) {
+    startAll(R"(, "showOnHover": true, "hoverDelay": 0.2)");
+    Names all = names();
+    hand->moveTo({10, 300});
+    hand->moveTo(toggleItem().place.center());
+    waitFor("all items are shown", [&] { return namesOnScreen() == all; });
+}
+
 TEST_F(EndToEnd, unreadableSettingsAreSetAsideAndTold) {
     startBar();
     auto file = defaultsFile("com.nevoapp.Nevo");

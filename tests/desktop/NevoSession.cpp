@@ -5,11 +5,11 @@
 
 namespace nevo::desktoptest {
 
-void NevoSession::startAll() {
+void NevoSession::startAll(const std::string& moreValues) {
     startDesktop();
     auto file = defaultsFile("com.nevoapp.Nevo");
     std::filesystem::create_directories(file.parent_path());
-    std::ofstream(file) << R"({"nevo_onboarding_completed": true})";
+    std::ofstream(file) << R"({"nevo_onboarding_completed": true)" << moreValues << "}";
     startNevo();
     waitForOnScreen({});
 }

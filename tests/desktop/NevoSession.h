@@ -8,8 +8,9 @@ namespace nevo::desktoptest {
 class NevoSession : public DesktopSession {
 protected:
     /// Starts the bar, five tray programs and Nevo, as for somebody who has used it before, and
-    /// waits for the first collapse, which hides all five.
-    void startAll();
+    /// waits for the first collapse, which hides all five. `moreValues`: more stored values, JSON
+    /// members after a comma.
+    void startAll(const std::string& moreValues = {});
     /// Clicks the toggle and waits until exactly these programs' items can be seen.
     void toggle(const Names& expectedOnScreen);
     /// Shows all items, and Super-drags the toggle so that `count` items stand right of it.

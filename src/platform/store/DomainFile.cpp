@@ -110,7 +110,8 @@ bool DomainFile::reload() {
     if (content->isBroken) {
         FileLock lock(beside(file, ".lock"));
         // Another program may have set it aside and written a new one meanwhile.
-        if (lock.isHeld()) content = read();
+        if (!lock.isHeld()) return fail("can't lock it");
+        content = read();
         if (!content) return false;
         if (content->isBroken) setAside();
     }

@@ -52,7 +52,7 @@ void TrayWindow::create() {
     const std::uint32_t values[] = {0, 0,
                                     XCB_EVENT_MASK_STRUCTURE_NOTIFY | XCB_EVENT_MASK_BUTTON_PRESS |
                                         XCB_EVENT_MASK_BUTTON_RELEASE |
-                                        XCB_EVENT_MASK_BUTTON_1_MOTION,
+                                        XCB_EVENT_MASK_POINTER_MOTION,
                                     colormap};
     xcb_create_window(
         c, 32, window, server.root(), -100, -100, 1, 1, 0, XCB_WINDOW_CLASS_INPUT_OUTPUT, visual,

@@ -10,6 +10,10 @@
 
 namespace nevo {
 
+namespace {
+constexpr int motionMilliseconds = 8;
+}
+
 /// The global monitors; a registration finds them gone when the desktop is.
 struct X11Events::Globals {
     struct Entry {
@@ -35,9 +39,13 @@ X11Events::X11Events(XServer& x, EventPump& pump, BarClient& client, Screens& th
       localMonitors(monitors),
       keyboard(x, pump),
       synthetic(x, client, keyboard),
-      raw(x, pump, [this](RawInput::Kind kind, std::uint32_t button) { handleRaw(kind, button); }),
+      raw(x, pump, [this](RawInput::Kind kind, std::uint32_t button) { noteRaw(kind, button); }),
       globals(std::make_shared<Globals>()) {
     globals->raw = &raw;
+    motionTimer.setSingleShot(true);
+    motionTimer.setInterval(motionMilliseconds);
+    QObject::connect(&motionTimer, &QTimer::timeout, &motionTimer,
+                     [this] { handleRaw(RawInput::Kind::motion, 0); });
     releaseSyntheticDevices(server);
     const auto* fixes = xcb_get_extension_data(server.get(), &xcb_xfixes_id);
     if (fixes == nullptr || fixes->present == 0) return;
@@ -73,6 +81,15 @@ Registration X11Events::addGlobalMonitor(EventMask mask,
 
 Registration X11Events::addLocalMonitor(EventMask mask, std::function<bool(const Event&)> handler) {
     return localMonitors.add(mask, std::move(handler));
+}
+
+/// A mouse tells of each move up to a thousand times a second; where it stands now is enough.
+void X11Events::noteRaw(RawInput::Kind kind, std::uint32_t button) {
+    if (kind != RawInput::Kind::motion) {
+        handleRaw(kind, button);
+    } else if (!motionTimer.isActive()) {
+        motionTimer.start();
+    }
 }
 
 void X11Events::handleRaw(RawInput::Kind kind, std::uint32_t button) {
@@ -111,14 +128,19 @@ void X11Events::handleRaw(RawInput::Kind kind, std::uint32_t button) {
 bool X11Events::isOverOwnWindow(Point root) const {
     const auto& items = bar.items();
     bool isOwnItem = std::any_of(items.begin(), items.end(), [&](const BarItemInfo* item) {
-        return item->pid == getpid() && item->place().contains(root);
+        // Not its slot: a divider's may take up the whole bar, with nothing of it to be seen.
+        return item->pid == getpid() && item->geometry.contains(root);
     });
     QPoint place(static_cast<int>(root.x), static_cast<int>(root.y));
     return isOwnItem || QGuiApplication::topLevelAt(place) != nullptr;
 }
 
 std::unique_ptr<EventSource> X11Events::createEventSource() {
-    return synthetic.isAvailable() ? std::make_unique<EventSource>() : nullptr;
+    // While a hand holds the button, the server takes no other press: a drag would only move the
+    // hand's own along.
+    auto state = queryPointer(server);
+    bool isHeld = state && (state->mask & XCB_BUTTON_MASK_1) != 0;
+    return synthetic.isAvailable() && !isHeld ? std::make_unique<EventSource>() : nullptr;
 }
 
 std::optional<MouseEvent> X11Events::createMouseEvent(EventSource&, EventType type,

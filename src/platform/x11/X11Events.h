@@ -1,5 +1,7 @@
 #pragma once
 
+#include <QTimer>
+
 #include "platform/Events.h"
 #include "platform/Screens.h"
 #include "platform/x11/LocalMonitors.h"
@@ -30,6 +32,7 @@ public:
 
 private:
     struct Globals;
+    void noteRaw(RawInput::Kind kind, std::uint32_t button);
     void handleRaw(RawInput::Kind kind, std::uint32_t button);
     bool isOverOwnWindow(Point root) const;
     xcb_window_t frameNamedBy(const MouseEvent& event) const;
@@ -41,6 +44,7 @@ private:
     Keyboard keyboard;
     SyntheticInput synthetic;
     RawInput raw;
+    QTimer motionTimer;
     std::shared_ptr<Globals> globals;
     bool canHideCursor = false;
 };

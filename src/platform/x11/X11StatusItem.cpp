@@ -202,7 +202,8 @@ bool X11StatusItem::handle(const xcb_generic_event_t& event) {
         const auto& button = reinterpret_cast<const xcb_button_press_event_t&>(event);
         if (button.event != window.id()) return false;
         if (type == XCB_MOTION_NOTIFY) {
-            isSwallowed(EventType::leftMouseDragged, button);
+            bool isDrag = (button.state & XCB_BUTTON_MASK_1) != 0;
+            isSwallowed(isDrag ? EventType::leftMouseDragged : EventType::mouseMoved, button);
         } else {
             handleButton(button, type == XCB_BUTTON_PRESS);
         }

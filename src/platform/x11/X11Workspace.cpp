@@ -36,52 +36,60 @@ X11Workspace::X11Workspace(BarClient& client, ClientWindows& clientWindows,
                            xcb::DesktopEntries& installed)
     : bar(client), clients(clientWindows), entries(installed) {}
 
+// The bar's items are good until the next question to the server, so the windows are asked for
+// first, and describing an item asks nothing.
+
 std::vector<RunningApplication> X11Workspace::runningApplications() const {
+    const auto& windows = clients.windows();
     std::vector<RunningApplication> result;
     auto isKnown = [&](ProcessId pid) {
         return std::any_of(result.begin(), result.end(),
                            [&](const RunningApplication& app) { return app.pid == pid; });
     };
     for (const BarItemInfo* item : bar.items()) {
-        if (item->pid > 0 && !isKnown(item->pid)) result.push_back(describe(*item));
+        if (item->pid > 0 && !isKnown(item->pid)) result.push_back(describe(*item, windows));
     }
-    for (const ClientWindowInfo& window : clients.windows()) {
+    for (const ClientWindowInfo& window : windows) {
         if (window.pid > 0 && !isKnown(window.pid)) result.push_back(describe(window));
     }
     return result;
 }
 
-std::optional<RunningApplication> X11Workspace::runningApplication(ProcessId pid) const {
-    if (pid <= 0) return std::nullopt;
+template <typename ItemTest, typename WindowTest>
+std::optional<RunningApplication> X11Workspace::first(ItemTest isItem, WindowTest isWindow) const {
+    const auto& windows = clients.windows();
     for (const BarItemInfo* item : bar.items()) {
-        if (item->pid == pid) return describe(*item);
+        if (isItem(*item)) return describe(*item, windows);
     }
-    for (const ClientWindowInfo& window : clients.windows()) {
-        if (window.pid == pid) return describe(window);
+    for (const ClientWindowInfo& window : windows) {
+        if (isWindow(window)) return describe(window);
     }
     return std::nullopt;
+}
+
+std::optional<RunningApplication> X11Workspace::runningApplication(ProcessId pid) const {
+    if (pid <= 0) return std::nullopt;
+    return first([&](const BarItemInfo& item) { return item.pid == pid; },
+                 [&](const ClientWindowInfo& window) { return window.pid == pid; });
 }
 
 std::optional<RunningApplication> X11Workspace::runningApplication(
     const std::string& bundleIdentifier) const {
     if (bundleIdentifier.empty()) return std::nullopt;
-    for (const BarItemInfo* item : bar.items()) {
-        if (item->appId == bundleIdentifier) return describe(*item);
-    }
-    for (const ClientWindowInfo& window : clients.windows()) {
-        if (window.owner.applicationId == bundleIdentifier) return describe(window);
-    }
-    return std::nullopt;
+    return first([&](const BarItemInfo& item) { return item.appId == bundleIdentifier; },
+                 [&](const ClientWindowInfo& window) {
+                     return window.owner.applicationId == bundleIdentifier;
+                 });
 }
 
-RunningApplication X11Workspace::describe(const BarItemInfo& item) const {
+RunningApplication X11Workspace::describe(const BarItemInfo& item,
+                                          const std::vector<ClientWindowInfo>& windows) const {
     RunningApplication app;
     app.pid = item.pid;
     app.bundleIdentifier = item.appId;
     if (!item.ownerName.empty()) app.localizedName = item.ownerName;
     app.icon = icon(item.appId);
     // A program with nothing but an item in the bar is no application with a place of its own.
-    const auto& windows = clients.windows();
     bool hasWindow = std::any_of(windows.begin(), windows.end(),
                                  [&](const ClientWindowInfo& w) { return w.pid == item.pid; });
     app.activationPolicy = hasWindow ? ActivationPolicy::regular : ActivationPolicy::accessory;

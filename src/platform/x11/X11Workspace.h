@@ -25,7 +25,10 @@ public:
 
 private:
     std::optional<Image> icon(const std::string& appId) const;
-    RunningApplication describe(const BarItemInfo& item) const;
+    template <typename ItemTest, typename WindowTest>
+    std::optional<RunningApplication> first(ItemTest isItem, WindowTest isWindow) const;
+    RunningApplication describe(const BarItemInfo& item,
+                                const std::vector<ClientWindowInfo>& windows) const;
     RunningApplication describe(const ClientWindowInfo& window) const;
 
     BarClient& bar;
