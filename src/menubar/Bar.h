@@ -55,6 +55,7 @@ private:
     struct Announcement {
         xcb_window_t frame = 0;
         xcb_window_t lease = 0;
+        Clock::time_point expires;
     };
 
     // Bar.cpp: setting up and the loop

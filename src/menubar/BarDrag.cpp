@@ -8,12 +8,15 @@ namespace nevo::menubar {
 namespace {
 /// A press that moves less is a press, not a drag.
 constexpr int dragThreshold = 3;
+/// A press that didn't come by then was swallowed, by another program's grab or a hand's own press:
+/// somebody else's next one isn't it.
+constexpr auto announcementLife = std::chrono::seconds(1);
 }  // namespace
 
 void Bar::onDragMessage(xcb_window_t frame, std::uint32_t phase, int x, xcb_window_t lease) {
     BarItem& item = *items.withFrame(frame);
     if (phase == barprotocol::dragAnnounced) {
-        announcement = {frame, lease};
+        announcement = {frame, lease, Clock::now() + announcementLife};
         return;
     }
     if (phase == barprotocol::dragBegan) {
@@ -34,6 +37,7 @@ void Bar::onPress(const xcb_button_press_event_t& event) {
     if (event.detail != XCB_BUTTON_INDEX_1 || (drag && drag->usesPointer)) return;
     BarItem* item = nullptr;
     xcb_window_t lease = XCB_WINDOW_NONE;
+    if (announcement && Clock::now() > announcement->expires) announcement.reset();
     if (announcement && syntheticInput.lastPressWasSynthetic()) {
         item = items.withFrame(announcement->frame);
         lease = announcement->lease;
