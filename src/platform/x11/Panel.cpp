@@ -52,6 +52,7 @@ void stylePanel(QWidget& panel, const QString& selector) {
             "QMenu::item { padding: 5px 24px 5px 8px; border-radius: 5px; color: palette(text); }"
             "QMenu::item:selected { background: palette(highlight); "
             "color: palette(highlighted-text); }"
+            "QMenu::item:disabled { background: transparent; color: palette(mid); }"
             "QMenu::icon { padding-left: 8px; }"
             "QMenu::separator { height: 1px; background: palette(midlight); margin: 5px 8px; }")
             .arg(selector)
