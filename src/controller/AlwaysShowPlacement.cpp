@@ -4,6 +4,7 @@
 #include <cmath>
 
 #include "controller/StatusBarController.h"
+#include "controller/visibleZone.h"
 #include "core/debugLog.h"
 #include "core/describe.h"
 #include "discovery/ItemIdentity.h"
@@ -16,12 +17,9 @@ constexpr double itemPitch = 22.0;
 constexpr double smallestToggleWidth = 44.0;
 constexpr double toggleGap = 8.0;
 constexpr double zoneMargin = 15.0;
-constexpr double rightMargin = 20.0;
-constexpr double besideToggle = 60.0;
 /// What the system's own items take up at the right end, where none of them can be read.
 constexpr double systemItemsWidth = 150.0;
 constexpr double rightEdgeWithoutScreen = 1290.0;
-constexpr double widthWithoutScreen = 1440.0;
 /// Further left an item is still being laid out.
 constexpr double leftLimit = 100.0;
 

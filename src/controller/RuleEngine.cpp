@@ -1,6 +1,7 @@
 #include <fmt/format.h>
 
 #include "controller/StatusBarController.h"
+#include "controller/visibleZone.h"
 #include "core/debugLog.h"
 #include "core/describe.h"
 #include "core/notificationNames.h"
@@ -18,10 +19,6 @@ constexpr double collapseSettle = 0.1;
 constexpr double snapshotSettle = 1.0;
 /// Where an always-hidden item is dragged to: left of everything.
 constexpr double hiddenTargetX = 50.0;
-/// How far right of the toggle an item is put.
-constexpr double besideToggle = 60.0;
-constexpr double rightMargin = 20.0;
-constexpr double widthWithoutScreen = 1440.0;
 
 }  // namespace
 
