@@ -35,20 +35,9 @@ BarClient::BarClient(XServer& x, EventPump& pump, WindowNumbers& windowNumbers)
     attach();
 }
 
-xcb_visualid_t BarClient::trayVisual() const {
-    PropertyRead visual(server.get(), controlWindow, server.atom("_NET_SYSTEM_TRAY_VISUAL"));
-    return visual.number().value_or(0);
-}
-
 const std::vector<const BarItemInfo*>& BarClient::items() {
     refresh();
     return list;
-}
-
-const BarItemInfo* BarClient::itemOfFrame(xcb_window_t frame) {
-    refresh();
-    auto found = known.find(frame);
-    return found == known.end() ? nullptr : &found->second.info;
 }
 
 const BarItemInfo* BarClient::itemOfClient(xcb_window_t client) {

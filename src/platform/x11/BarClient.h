@@ -42,13 +42,10 @@ public:
 
     /// The window that takes requests; 0 while no bar runs.
     xcb_window_t control() const { return controlWindow; }
-    /// The tray's visual, or 0.
-    xcb_visualid_t trayVisual() const;
 
     // Each brings what it tells up to date first.
     /// Left to right; good until the next question.
     const std::vector<const BarItemInfo*>& items();
-    const BarItemInfo* itemOfFrame(xcb_window_t frame);
     const BarItemInfo* itemOfClient(xcb_window_t client);
     const BarItemInfo* itemOfNumber(WindowNumber number);
     /// The primary monitor's bar; empty while there is none.

@@ -21,8 +21,8 @@ public:
     /// `lost` is called once, when the connection breaks.
     EventPump(XServer& x, std::function<void()> lost);
 
-    /// Handlers live as long as the pump. An early one sees each event as soon as it has arrived,
-    /// also in the middle of a question to the server: it may only note what has become stale.
+    /// Handlers live as long as the pump. An early one sees each event when it is
+    /// collected, before a question to the bar is answered: it may only note what has become stale.
     void watchEarly(Handler handler) { earlyHandlers.push_back(std::move(handler)); }
     /// Sees each event at a turn of the loop.
     void watch(Handler handler) { handlers.push_back(std::move(handler)); }

@@ -17,9 +17,9 @@ bool hasXRes(xcb_connection_t* connection) {
 
 std::optional<ProcessId> processByXRes(xcb_connection_t* connection, xcb_window_t window) {
     if (!hasXRes(connection)) return std::nullopt;
-    xcb_res_client_id_spec_t spec{window, XCB_RES_CLIENT_ID_MASK_LOCAL_CLIENT_PID};
+    xcb_res_client_id_spec_t wanted{window, XCB_RES_CLIENT_ID_MASK_LOCAL_CLIENT_PID};
     Reply<xcb_res_query_client_ids_reply_t> reply(xcb_res_query_client_ids_reply(
-        connection, xcb_res_query_client_ids(connection, 1, &spec), nullptr));
+        connection, xcb_res_query_client_ids(connection, 1, &wanted), nullptr));
     if (!reply) return std::nullopt;
     for (auto ids = xcb_res_query_client_ids_ids_iterator(reply.get()); ids.rem > 0;
          xcb_res_client_id_value_next(&ids)) {
