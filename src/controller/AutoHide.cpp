@@ -11,6 +11,19 @@ void StatusBarController::resetAutoHideTimer() {
     });
 }
 
+void StatusBarController::startShelfAutoHideTimer() {
+    autoHideTimer.reset();
+    if (!appState.autoHideEnabled()) return;
+    auto weak = weak_from_this();
+    autoHideTimer = platform.runLoop.timer(appState.autoHideDelay(), false, [weak] {
+        if (auto self = weak.lock()) self->laterOnMain(&StatusBarController::shelfAutoHideFired);
+    });
+}
+
+void StatusBarController::shelfAutoHideFired() {
+    if (isShelfIn(ShelfController::State::panelVisible)) shelfController->dismissShelf();
+}
+
 void StatusBarController::autoHideFired() {
     if (!appState.isExpanded()) return;
     if (isShelfMode()) {

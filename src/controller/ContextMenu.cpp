@@ -23,6 +23,8 @@ bool StatusBarController::handleRightClick(const Event& event) {
 void StatusBarController::showContextMenu() {
     isContextMenuShowing = true;
     refreshToggleButton();
+    if (shelfController) shelfController->dismissShelf();
+    dismissBar();
     if (StatusItemButton* button = sectionManager.toggleItem->button()) {
         platform.menus.popUp(contextMenu(), Point{0, button->bounds().height}, *button);
     }

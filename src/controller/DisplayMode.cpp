@@ -10,6 +10,7 @@ void StatusBarController::displayModeChanged() {
     for (WindowNumber window : sectionManager.alphaHiddenWindows)
         platform.windows.setWindowAlpha(window, 1.0F);
     sectionManager.alphaHiddenWindows.clear();
+    dismissBar();
     cachedHiddenItems.clear();
     refreshToggleButton();
     sectionManager.expand(true);

@@ -11,6 +11,7 @@ namespace nevo {
 namespace {
 constexpr double blankDwell = 0.5;
 constexpr double hoverMargin = 2.0;
+constexpr double openingClickTime = 0.2;
 /// A narrower window in the status layer is no item that one could see.
 constexpr double smallestItemWidth = 5.0;
 /// The blank area begins this far left of the leftmost item; what is left of it belongs to the
@@ -30,6 +31,9 @@ void StatusBarController::installTriggerMonitors() {
         later(&StatusBarController::mouseMoved);
         return false;
     });
+    clickOutsideMonitor = platform.events.addGlobalMonitor(
+        maskOf(EventType::leftMouseDown) | maskOf(EventType::rightMouseDown),
+        [later](const Event&) { later(&StatusBarController::clickedOutside); });
     blankClickMonitor = platform.events.addGlobalMonitor(
         maskOf(EventType::leftMouseDown),
         [later](const Event&) { later(&StatusBarController::blankClicked); });
@@ -37,7 +41,8 @@ void StatusBarController::installTriggerMonitors() {
 
 /// A trigger in the blank area only opens: the hidden section is closed and nothing shows.
 bool StatusBarController::isBlankTriggerEligible() const {
-    return isShelfMode() ? sectionManager.isHiddenDividerCollapsed() : !appState.isExpanded();
+    if (!isShelfMode()) return !appState.isExpanded();
+    return sectionManager.isHiddenDividerCollapsed() && !isPanelVisible();
 }
 
 bool StatusBarController::isBlankMenuBarPoint(Point point) const {
@@ -62,6 +67,19 @@ bool StatusBarController::isBlankMenuBarPoint(Point point) const {
 void StatusBarController::blankClicked() {
     if (appState.triggerMode() != "clickBlank" || !isBlankTriggerEligible()) return;
     if (isBlankMenuBarPoint(platform.events.mouseLocation())) toggle();
+}
+
+void StatusBarController::clickedOutside() {
+    if (!isPanelVisible()) return;
+    if (!isShelfMode()) {
+        if (!nevoBar->panelFrame().contains(platform.events.mouseLocation())) dismissBar();
+        return;
+    }
+    // The click that opened the bar isn't a click outside.
+    bool isFresh = shelfController &&
+                   platform.runLoop.now() - shelfController->panelOpenedAt() <= openingClickTime;
+    if (isFresh || nevoBar->panelFrame().contains(platform.events.mouseLocation())) return;
+    if (shelfController) shelfController->dismissShelf();
 }
 
 void StatusBarController::mouseMoved() {
@@ -103,6 +121,8 @@ void StatusBarController::checkHover(const Rect& area) {
     if (!appState.showOnHover() || appState.isExpanded()) {
         debugLog(fmt::format("[Hover] delayed guard failed: showOnHover={} isExpanded={}",
                              describe(appState.showOnHover()), describe(appState.isExpanded())));
+    } else if (isShelfMode() && isPanelVisible()) {
+        debugLog("[Hover] shelf guard failed: isShelfMode=true nevoBarVisible=true");
     } else if (area.contains(platform.events.mouseLocation())) {
         debugLog("[Hover] triggering toggle()");
         toggle();

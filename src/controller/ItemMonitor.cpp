@@ -25,7 +25,7 @@ void StatusBarController::startItemMonitor() {
 }
 
 void StatusBarController::monitorPass() {
-    if (isBarInMotion()) return;
+    if (isBarInMotion() || isShelfIn(ShelfController::State::presentingItem)) return;
     auto ownIDs = sectionManager.ownWindowIDs();
     enforceAlwaysShow(ownIDs);
     if (!isShelfMode()) return;
@@ -90,10 +90,7 @@ void StatusBarController::alphaHideStrays(const std::set<WindowNumber>& ownIDs) 
     auto toggle = SectionManager::frame(*sectionManager.toggleItem);
     if (!toggle) return;
     auto screen = screenOf(platform.screens, *toggle);
-    std::map<WindowNumber, std::string> ids;
-    for (const ScannedBarItem& item : snapshotItems({SectionName::hidden, SectionName::visible})) {
-        ids.emplace(item.windowID, item.persistedID);
-    }
+    std::map<WindowNumber, std::string> ids = snapshotIDs();
     IconRules rules = appState.rules.loadIconRules();
     for (WindowNumber window : services.scanner.menuBarWindowIDs()) {
         if (ownIDs.contains(window)) continue;
@@ -132,6 +129,9 @@ void StatusBarController::enforceAlwaysHide(const std::set<WindowNumber>& ownIDs
 
 void StatusBarController::reassertAlpha(const std::set<WindowNumber>& ownIDs) {
     if (isDraggingMenuBarItem) return;
+    if (!sectionManager.isHiddenDividerCollapsed() &&
+        isShelfIn(ShelfController::State::presentingItem))
+        return;
     for (WindowNumber window : sectionManager.alphaHiddenWindows) {
         if (ownIDs.contains(window) || alwaysShowProtectedWIDs.contains(window)) continue;
         services.mover.setWindowAlpha(window, 0.0);

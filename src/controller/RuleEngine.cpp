@@ -146,6 +146,13 @@ ScannedBarItems StatusBarController::snapshotItems(
     return items;
 }
 
+std::map<WindowNumber, std::string> StatusBarController::snapshotIDs() const {
+    std::map<WindowNumber, std::string> ids;
+    for (const ScannedBarItem& item : snapshotItems({SectionName::hidden, SectionName::visible}))
+        ids.emplace(item.windowID, item.persistedID);
+    return ids;
+}
+
 void StatusBarController::applyAutomatic(WindowNumber window) {
     alwaysShowProtectedWIDs.erase(window);
     bool wasHidden = sectionManager.alphaHiddenWindows.erase(window) +
@@ -262,7 +269,7 @@ Task<> StatusBarController::moveBehindDivider(std::weak_ptr<StatusBarController>
     std::vector<WindowNumber> others = self->otherMenuBarWindows();
     for (WindowNumber other : others) {
         mover.setWindowAlpha(other, 0.0);
-        self->sectionManager.passinglyTransparentWindows.insert(other);
+        self->sectionManager.blankedWindows.insert(other);
     }
     self->refreshToggleButton();
     self->sectionManager.setDividerLength(*self->sectionManager.hiddenDivider, false);
@@ -287,7 +294,7 @@ Task<> StatusBarController::moveBehindDivider(std::weak_ptr<StatusBarController>
     self = owner.lock();
     if (!self) co_return;
     for (WindowNumber other : others) {
-        self->sectionManager.passinglyTransparentWindows.erase(other);
+        self->sectionManager.blankedWindows.erase(other);
         if (!self->sectionManager.alphaHiddenWindows.contains(other))
             mover.setWindowAlpha(other, 1.0);
     }

@@ -50,12 +50,18 @@ void StatusBarController::install() {
             return self && self->handleRightClick(event);
         });
     installTriggerMonitors();
+    if (isShelfMode()) installDragDetection();
     popover->setContent([weak] {
         auto self = weak.lock();
         return self ? popoverContent(self->appState) : std::vector<PopoverRow>{};
     });
+    observeFrontApplication();
     observeNotifications();
     startItemMonitor();
+    // From the start, so that it hears of the first collapse: the rules wait for the snapshot that
+    // it then takes.
+    decoyController =
+        DecoyPanelController::create(platform, appState, sectionManager, services.scanner);
     spawn(platform.runLoop, replayAfterStart(weak));
 }
 
@@ -74,6 +80,7 @@ void StatusBarController::observeNotifications() {
             }));
     }
     observeRules();
+    observeAppRules();
     observeWake();
     observeScreens();
 }
@@ -128,15 +135,24 @@ void StatusBarController::buttonClicked() {
 void StatusBarController::tearDown() {
     autoHideTimer.reset();
     blankHoverTimer.reset();
+    cmdDragSafetyTimer.reset();
+    if (cmdDragTap) cmdDragTap->setEnabled(false);
+    cmdDragRunLoopSource.reset();
+    cmdDragTap.reset();
     hoverMonitor.reset();
     localHoverMonitor.reset();
+    clickOutsideMonitor.reset();
     blankClickMonitor.reset();
+    frontApplicationObserver.reset();
     notificationObservers.clear();
     screenChangeObserver.reset();
     isDisplayTransitioning = false;
+    dismissBar();
     refreshToggleButton();
     sectionManager.expand(true);
     sectionManager.restorePassinglyTransparentWindows();
+    cmdDragGlobalMonitor.reset();
+    cmdDragLocalMonitor.reset();
     rightClickMonitor.reset();
 }
 

@@ -16,6 +16,9 @@
 #include "placement/SectionManager.h"
 #include "placement/StatusItemPreferenceRepair.h"
 #include "platform/Platform.h"
+#include "shelf/DecoyPanelController.h"
+#include "shelf/NevoBar.h"
+#include "shelf/ShelfController.h"
 #include "surfaces/OnboardingCoordinator.h"
 
 namespace nevo {
@@ -25,6 +28,8 @@ struct SharedServices {
     MenuBarScanner& scanner;
     ItemMover& mover;
     OnboardingCoordinator& onboarding;
+    /// Told when a flow that the controller opened has brought the accessibility permission.
+    std::function<void()> accessibilityGranted;
 };
 
 /// The hub: what a click, the hot key or a timer does to the hidden section. Each group of its
@@ -83,6 +88,17 @@ public:
     void startFirstCollapse();
     void displayModeChanged();
 
+    // Rules of applications.
+    /// Another program has come to the front: what the rule of the one before changed goes back,
+    /// and its own rule comes into force.
+    void handleAppActivation(const Notification& notification);
+    void restoreAppRuleOverrides();
+    /// Changes the opacity of items for as long as the application is in front. An activation or a
+    /// change of the rule that comes while it waits for its scan calls it off.
+    static Task<> applyAppRule(std::weak_ptr<StatusBarController> owner,
+                               std::set<std::string> visibleIcons,
+                               std::set<std::string> hiddenIcons);
+
     // Toggle position.
     /// The toggle button's frame on the screen, origin at the bottom left; nothing without button
     /// or window.
@@ -94,6 +110,8 @@ public:
 
     /// Starts the one-shot timer that collapses again, where the user wants that.
     void resetAutoHideTimer();
+    /// Its counterpart for the floating bar.
+    void startShelfAutoHideTimer();
 
     SectionManager& sections() { return sectionManager; }
 
@@ -107,6 +125,7 @@ private:
     void afterDelay(double seconds, void (StatusBarController::*action)());
 
     void buttonClicked();
+    void permissionsAnswered();
     void iconOrSpacingChanged();
     void startCollapse(bool repair, std::function<void()> completion);
     void autoHideFired();
@@ -162,6 +181,48 @@ private:
     bool enforceAlwaysShow(const ScannedBarItem& item, double nevoX);
     void alphaHideStrays(const std::set<WindowNumber>& ownIDs);
     void reconcileReport(const ScannedBarItems& items) const;
+    /// Ids by window, of the hidden and the visible section.
+    std::map<WindowNumber, std::string> snapshotIDs() const;
+
+    // A person's Command-drag.
+    void installDragDetection();
+    void handleTapEvent(const Event& event);
+    void handleDragEvent(const Event& event, const char* monitor);
+    void tapDragged();
+    bool mayStartDrag(Point mouse) const;
+    /// Opens the divider for the drag's duration and notes where everything stands. Turns the loop
+    /// for a moment. The same drag calls it many times.
+    void startDrag();
+    void endDrag();
+    void settleDrag(bool wasDraggingToggle, std::optional<Rect> preFrame);
+    void leaveExpandedAfterDrag();
+    static Task<> refreshAfterDrag(std::weak_ptr<StatusBarController> owner);
+    /// Fits opacity and rules to where a person has dragged items. True if it changed anything.
+    bool reconcileDrag();
+    bool hideIfDraggedAcross(WindowNumber window, const Rect& frame, double dividerX,
+                             const std::map<WindowNumber, std::string>& ids);
+    bool isStoredAlwaysShow(const std::string& persistedID) const;
+
+    // Rules of applications.
+    void observeFrontApplication();
+    void observeAppRules();
+    static Task<> reapplyAppRule(std::weak_ptr<StatusBarController> owner, std::string bundleID);
+    void showInBar(const ScannedBarItems& items, const std::set<std::string>& visibleIcons);
+    /// A window's alpha apart from what it is for a moment only; 1 when it can't be read.
+    float lastingAlpha(WindowNumber window) const;
+    void hideByAppRule(const ScannedBarItem& item);
+    void showByAppRule(const ScannedBarItem& item);
+
+    // The floating bar.
+    bool isPanelVisible() const { return nevoBar && nevoBar->isPanelVisible(); }
+    void dismissBar() {
+        if (nevoBar) nevoBar->dismiss();
+    }
+    bool isShelfIn(ShelfController::State state) const {
+        return shelfController && shelfController->state() == state;
+    }
+    void clickedOutside();
+    void shelfAutoHideFired();
 
     // Hover and blank area.
     void installTriggerMonitors();
@@ -215,7 +276,14 @@ private:
     /// The x seen at the last poll of a stability wait; negative for none.
     double lastStableX = -1.0;
 
+    /// A Command-drag in the bar is being followed.
     bool isDraggingMenuBarItem = false;
+    /// It began on the toggle.
+    bool isDraggingNevoToggle = false;
+    /// The toggle's frame after the divider opened for the drag; nothing outside of one.
+    std::optional<Rect> preDragToggleFrame;
+    /// The centre x of each item's window when the drag began.
+    std::map<WindowNumber, double> preDragPositions;
     bool isDisplayTransitioning = false;
     /// A repair of drifted items is under way; only one runs at a time.
     bool isEnforcingAlwaysShow = false;
@@ -224,17 +292,42 @@ private:
     /// When a rule was last accepted, by id and rule.
     std::map<std::string, double> lastRuleChangeTime;
 
+    struct AlphaOverride {
+        WindowNumber windowID = 0;
+        float previousAlpha = 1;
+    };
+    /// The application whose rule is in force.
+    std::optional<std::string> appRuleActiveForBundleID;
+    /// Every alpha that this rule changed, with the one before.
+    std::vector<AlphaOverride> appRuleAlphaOverrides;
+    /// Windows shown by this rule, which are in `alwaysShowProtectedWIDs` too.
+    std::set<WindowNumber> appRuleProtectedWIDs;
+    /// Goes up with each restore.
+    int appRuleGeneration = 0;
+
+    /// Null as long as the desktop has no floating bar.
+    std::unique_ptr<NevoBar> nevoBar;
+    std::unique_ptr<ShelfController> shelfController;
+    std::shared_ptr<DecoyPanelController> decoyController;
+
     /// The displays at the last notification.
     std::size_t lastScreenCount = 0;
     Rect lastMainScreenFrame;
 
     Registration hoverMonitor;
     Registration localHoverMonitor;
+    Registration clickOutsideMonitor;
     Registration blankClickMonitor;
+    std::unique_ptr<EventTap> cmdDragTap;
+    Registration cmdDragRunLoopSource;
+    Registration cmdDragGlobalMonitor;
+    Registration cmdDragLocalMonitor;
+    Registration cmdDragSafetyTimer;
     Registration blankHoverTimer;
     Registration autoHideTimer;
     Registration itemMonitorTimer;
     Registration rightClickMonitor;
+    Registration frontApplicationObserver;
     std::vector<Registration> notificationObservers;
     Registration screenChangeObserver;
 };

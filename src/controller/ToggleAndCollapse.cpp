@@ -18,11 +18,12 @@ void StatusBarController::toggle() {
     if (!platform.accessibility.isProcessTrusted()) {
         auto weak = weak_from_this();
         auto ready = [weak] {
-            if (auto self = weak.lock()) self->startFirstCollapse();
+            if (auto self = weak.lock()) self->permissionsAnswered();
         };
         auto complete = [weak] {
             auto self = weak.lock();
-            if (self && self->platform.accessibility.isProcessTrusted()) self->startFirstCollapse();
+            if (self && self->platform.accessibility.isProcessTrusted())
+                self->permissionsAnswered();
         };
         services.onboarding.showPermissions(ready, complete);
         return;
@@ -32,6 +33,11 @@ void StatusBarController::toggle() {
     } else {
         togglePushMode();
     }
+}
+
+void StatusBarController::permissionsAnswered() {
+    startFirstCollapse();
+    if (platform.accessibility.isProcessTrusted()) services.accessibilityGranted();
 }
 
 void StatusBarController::togglePushMode() {
@@ -86,7 +92,11 @@ Task<> StatusBarController::collapseAfterScan(std::weak_ptr<StatusBarController>
             debugLog("[Nevo] No shelf items found; collapsing shelf boundary anyway.");
         self->appState.setIsExpanded(false);
         self->performCollapse();
-        if (!hidden.empty() && repair && completion) completion();
+        if (self->shelfController)
+            self->shelfController->onItemsPushed(hidden, self->savedItemFrame);
+        if (hidden.empty() || !repair) co_return;
+        if (self->shelfController) self->shelfController->toggle("repairShelf");
+        if (completion) completion();
         co_return;
     }
     self->cachedHiddenItems = barItems(items);

@@ -41,7 +41,9 @@ AppState::AppState(const Platform& platform)
 
 void AppState::setIsExpanded(bool value) {
     objectWillChange.send();
+    bool changes = value != expanded;
     expanded = value;
+    if (changes) isExpandedDidChange.send();
 }
 
 void AppState::setToggleX(double value) {

@@ -37,6 +37,8 @@ public:
     explicit AppState(const Platform& platform);
 
     Signal objectWillChange;
+    /// Sent after `isExpanded` has taken another value.
+    Signal isExpandedDidChange;
     RuleStore rules;
 
     // Published, not stored.

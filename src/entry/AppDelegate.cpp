@@ -35,19 +35,28 @@ void AppDelegate::applicationDidFinishLaunching() {
 void AppDelegate::startServices() {
     if (!statusBarController) {
         startFirstServices();
-    } else if (platform.accessibility.isProcessTrusted() && !hasFullServices) {
+    } else if (platform.accessibility.isProcessTrusted() && !hotKeyService) {
         startFullServices();
+        registerHotKey();
     }
 }
 
 void AppDelegate::startFirstServices() {
     auto weak = weak_from_this();
-    SharedServices services{scanner, mover, onboarding};
+    // The flow that the toggle opens makes the first collapse itself; the hot key is left to come.
+    auto granted = [weak] {
+        auto self = weak.lock();
+        if (!self || self->hotKeyService) return;
+        self->hotKeyService = std::make_unique<HotKeyService>(self->platform, self->appState);
+        self->registerHotKey();
+    };
+    SharedServices services{scanner, mover, onboarding, granted};
     statusBarController =
         StatusBarController::create(platform, appState, services, [weak](const MenuItem* sender) {
             if (auto self = weak.lock()) self->checkForUpdates(sender);
         });
     if (platform.accessibility.isProcessTrusted()) startFullServices();
+    if (hotKeyService) registerHotKey();
     displayModeObserver =
         platform.notifications.addObserver(nevoDisplayModeChanged, [weak](const Notification&) {
             auto self = weak.lock();
@@ -57,11 +66,25 @@ void AppDelegate::startFirstServices() {
 
 void AppDelegate::startFullServices() {
     statusBarController->startFirstCollapse();
-    hasFullServices = true;
+    hotKeyService = std::make_unique<HotKeyService>(platform, appState);
+}
+
+void AppDelegate::registerHotKey() {
+    hotKeyService->hotKeyHandler = [weak = weak_from_this()] {
+        auto self = weak.lock();
+        if (!self) return;
+        // The toggle may open a window of its own; the key's event is over by then.
+        self->platform.runLoop.post([weak] {
+            auto held = weak.lock();
+            if (held && held->statusBarController) held->statusBarController->toggle();
+        });
+    };
+    hotKeyService->registerHotKey();
 }
 
 void AppDelegate::applicationWillTerminate() {
     if (statusBarController) statusBarController->tearDown();
+    if (hotKeyService) hotKeyService->unregister();
 }
 
 void AppDelegate::checkForUpdates(const MenuItem*) {

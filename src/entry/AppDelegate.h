@@ -3,6 +3,7 @@
 #include <memory>
 
 #include "controller/StatusBarController.h"
+#include "surfaces/HotKeyService.h"
 
 namespace nevo {
 
@@ -21,6 +22,7 @@ public:
 
     AppState& state() { return appState; }
     OnboardingCoordinator& onboardingCoordinator() { return onboarding; }
+    const ItemMover& itemMover() const { return mover; }
     /// nullptr before the first services have started.
     StatusBarController* controller() { return statusBarController.get(); }
 
@@ -28,6 +30,7 @@ private:
     void startServices();
     void startFirstServices();
     void startFullServices();
+    void registerHotKey();
 
     const Platform& platform;
     AppState appState;
@@ -37,9 +40,9 @@ private:
     OnboardingCoordinator onboarding;
     std::shared_ptr<StatusBarController> statusBarController;
     Registration displayModeObserver;
-    /// The services that need the accessibility permission have started. Never goes back: a
-    /// permission that is taken away stops nothing.
-    bool hasFullServices = false;
+    /// Stands for the services that need the accessibility permission: nothing before they have
+    /// started. A permission that is taken away later stops nothing.
+    std::unique_ptr<HotKeyService> hotKeyService;
 };
 
 }  // namespace nevo

@@ -87,6 +87,8 @@ void SectionManager::disownAlphaHiddenWindows() {
 }
 
 void SectionManager::restorePassinglyTransparentWindows() {
+    passinglyTransparentWindows.merge(blankedWindows);
+    blankedWindows.clear();
     for (WindowNumber window : passinglyTransparentWindows) {
         platform.windows.setWindowAlpha(window, 1.0F);
     }

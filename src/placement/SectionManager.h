@@ -68,9 +68,11 @@ public:
     SectionSnapshot lastExpandedSnapshot;
     /// Windows of other applications that this program has made transparent.
     std::set<WindowNumber> alphaHiddenWindows;
-    /// Windows that are transparent without being kept so: for a moment, while an item is moved in
-    /// a blanked bar, or from before a change of displays. At the end they are opaque again too.
+    /// Windows that are transparent without being kept so: from before a change of displays, or by
+    /// the rule of an application in front. At the end they are opaque again too.
     std::set<WindowNumber> passinglyTransparentWindows;
+    /// Windows that are transparent for a moment, while an item is moved in a blanked bar.
+    std::set<WindowNumber> blankedWindows;
 
 private:
     struct Split {

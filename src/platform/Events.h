@@ -13,13 +13,16 @@ namespace nevo {
 
 /// Kinds of events, with the numbers that the event system gives them (`NSEventType`,
 /// `CGEventType`).
-enum class EventType {
+enum class EventType : std::uint32_t {
     leftMouseDown = 1,
     leftMouseUp = 2,
     rightMouseDown = 3,
     rightMouseUp = 4,
     mouseMoved = 5,
-    leftMouseDragged = 6
+    leftMouseDragged = 6,
+    /// A tap hears these when the system has disabled it, for being slow or at a person's wish.
+    tapDisabledByTimeout = 0xFFFFFFFE,
+    tapDisabledByUserInput = 0xFFFFFFFF
 };
 
 /// A set of kinds: the sum of 1 << number.
@@ -66,6 +69,19 @@ public:
     virtual ~EventSource() = default;
 };
 
+/// A listen-only tap on the events of all programs, before they are given out (`CGEventTapCreate`).
+/// It hears nothing before it is on the run loop and enabled; it ends when it is destroyed.
+class EventTap {
+public:
+    virtual ~EventTap() = default;
+    /// `CGEventTapEnable`. The system may disable a tap, and tells its callback so.
+    virtual void setEnabled(bool enabled) = 0;
+    /// Puts the tap's source on the main run loop, in the common modes, until the registration ends
+    /// (`CFMachPortCreateRunLoopSource`, `CFRunLoopAddSource`, `CFRunLoopRemoveSource`). The
+    /// registration may outlive the tap.
+    virtual Registration addToMainRunLoop() = 0;
+};
+
 /// The pointer, the event stream of all programs, and synthetic events.
 class Events {
 public:
@@ -84,6 +100,12 @@ public:
     /// handler that returns true swallows the event. Empty on failure.
     virtual Registration addLocalMonitor(EventMask mask,
                                          std::function<bool(const Event&)> handler) = 0;
+
+    /// `CGEventTapCreate(0, 0, 1, mask, callback, none)`: the HID tap, head insert, listen only.
+    /// The callback runs on the main run loop; an event's window is left 0. nullptr where the
+    /// desktop doesn't allow it.
+    virtual std::unique_ptr<EventTap> createEventTap(
+        EventMask mask, std::function<void(const Event&)> callback) = 0;
 
     /// `CGEventSourceCreate(1)`, the HID system state; nullptr on failure.
     virtual std::unique_ptr<EventSource> createEventSource() = 0;

@@ -3,6 +3,7 @@
 #include "platform/Accessibility.h"
 #include "platform/Application.h"
 #include "platform/Events.h"
+#include "platform/HotKeys.h"
 #include "platform/Images.h"
 #include "platform/LogOutput.h"
 #include "platform/Menus.h"
@@ -29,6 +30,7 @@ struct Platform {
     StatusBar& statusBar;
     WindowServer& windows;
     Events& events;
+    HotKeys& hotKeys;
     Screens& screens;
     Workspace& workspace;
     Accessibility& accessibility;

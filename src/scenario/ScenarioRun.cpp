@@ -25,7 +25,13 @@ std::string autosaveName(const std::string& name) {
 }
 }  // namespace
 
-ScenarioRun::ScenarioRun(const Scenario& of) : scenario(of) {
+ScenarioRun::ScenarioRun(const Scenario& of)
+    : ScenarioRun(of.name, [&of, next = std::size_t{0}]() mutable {
+          return next < of.lines.size() ? std::optional(of.lines[next++]) : std::nullopt;
+      }) {}
+
+ScenarioRun::ScenarioRun(std::string called, LineSource from)
+    : title(std::move(called)), nextLine(std::move(from)) {
     world.menus.whileOpen = [this] { runLines(true); };
 }
 
@@ -44,10 +50,12 @@ void ScenarioRun::runLines(bool nested) {
     auto goesOn = [&] {
         bool wanted =
             !nested || (world.menus.openMenu() != nullptr && world.application.isRunning());
-        return result && wanted && next < scenario.lines.size();
+        return result && wanted;
     };
     while (goesOn()) {
-        runOne(scenario.lines[next++]);
+        auto line = nextLine();
+        if (!line) break;
+        runOne(*line);
         // A program that has ended is still on the stack below an open menu.
         if (!nested) world.reap();
     }
@@ -63,7 +71,8 @@ void ScenarioRun::runOne(const Scenario::Line& line) {
 
 void ScenarioRun::fail(int line, Outcome outcome) {
     if (outcome || !result) return;
-    outcome.message = fmt::format("{}:{}: {}", scenario.name, line, outcome.message);
+    if (passesOverNonsense && outcome.kind == Outcome::Kind::unreadable) return;
+    outcome.message = fmt::format("{}:{}: {}", title, line, outcome.message);
     result = std::move(outcome);
 }
 
@@ -82,9 +91,8 @@ bool ScenarioRun::startNevo() {
 }
 
 bool ScenarioRun::toggle() {
-    auto held = app.lock();
-    bool ready = held && world.application.isRunning() && held->delegate().controller() != nullptr;
-    if (!ready) return false;
+    auto held = nevo();
+    if (!held || held->delegate().controller() == nullptr) return false;
     // Like the hot key's handler: at a later turn, for what is still there then.
     world.loop.post([weak = app] {
         if (auto still = weak.lock()) still->delegate().controller()->toggle();
@@ -92,16 +100,18 @@ bool ScenarioRun::toggle() {
     return true;
 }
 
+std::shared_ptr<NevoApp> ScenarioRun::nevo() const {
+    return world.application.isRunning() ? app.lock() : nullptr;
+}
+
 RuleStore* ScenarioRun::rules() {
-    auto held = app.lock();
-    bool runs = held && world.application.isRunning();
-    return runs ? &held->delegate().state().rules : nullptr;
+    auto held = nevo();
+    return held ? &held->delegate().state().rules : nullptr;
 }
 
 OnboardingCoordinator* ScenarioRun::firstRun() {
-    auto held = app.lock();
-    bool runs = held && world.application.isRunning();
-    return runs ? &held->delegate().onboardingCoordinator() : nullptr;
+    auto held = nevo();
+    return held ? &held->delegate().onboardingCoordinator() : nullptr;
 }
 
 WindowNumber ScenarioRun::window(const std::string& name, std::string& message) const {

@@ -69,6 +69,15 @@ Step readPress(LineReader& reader, bool down) {
     };
 }
 
+Step readDisableTap(LineReader& reader) {
+    bool user = reader.choice("the reason", {"timeout", "user"}) == "user";
+    return [user](ScenarioRun& run) {
+        run.desktop().events.disableTaps(user ? EventType::tapDisabledByUserInput
+                                              : EventType::tapDisabledByTimeout);
+        return Outcome{};
+    };
+}
+
 Step readHold(LineReader& reader) {
     ModifierFlags modifiers = readModifiers(reader);
     return [modifiers](ScenarioRun& run) {
@@ -124,6 +133,7 @@ std::vector<Command> inputCommands() {
          [](LineReader& reader) { return readPress(reader, false); }},
         {"hold", "[command] [option] [shift] [control]",
          "Holds these keys from now on; none lets go of all.", readHold},
+        {"disable-tap", "timeout|user", "The system disables Nevo's event tap.", readDisableTap},
         {"drag", "ITEM|X Y to X [Y]",
          "A drag by hand with Command held, to a place: the button goes down, the pointer moves in "
          "four steps, the button comes up, 0.1 s each.",

@@ -1,4 +1,5 @@
 #include "scenario/commandSupport.h"
+#include "surfaces/HotKeyService.h"
 
 namespace nevo {
 
@@ -51,6 +52,36 @@ Step readRule(LineReader& reader) {
         RuleStore* rules = run.rules();
         if (rules == nullptr) return notRunning();
         rules->setIconRule(*iconRuleFrom(raw), id);
+        return Outcome{};
+    };
+}
+
+Step readAppRule(LineReader& reader) {
+    std::string bundleID = reader.word("BUNDLE-ID");
+    AppRule rule;
+    auto verb = reader.choice("what it does", {"none", "show", "hide"});
+    auto* ids = verb == "hide" ? &rule.hiddenIcons : &rule.visibleIcons;
+    while (verb != "none" && !reader.atEnd() && reader.error().empty()) {
+        if (auto other = reader.takeOneOf({"show", "hide"})) {
+            ids = *other == "hide" ? &rule.hiddenIcons : &rule.visibleIcons;
+        } else {
+            ids->insert(reader.word("ID"));
+        }
+    }
+    return [=](ScenarioRun& run) {
+        RuleStore* rules = run.rules();
+        if (rules == nullptr) return notRunning();
+        rules->setAppRule(rule, bundleID);
+        return Outcome{};
+    };
+}
+
+Step readHotKey(LineReader& reader) {
+    std::string combination = reader.atEnd() ? "⌘⇧B" : reader.word("SHORTCUT");
+    return [combination](ScenarioRun& run) {
+        Shortcut shortcut = parseShortcut(combination);
+        bool taken = run.desktop().hotKeys.press(shortcut.keyCode, shortcut.modifiers);
+        run.desktop().trace.note("key", combination + (taken ? "" : " (nobody's)"));
         return Outcome{};
     };
 }
@@ -129,6 +160,13 @@ std::vector<Command> nevoCommands() {
          "Pins an item, as the settings do. ID is its name, \" >>> \" and its program's bundle "
          "identifier.",
          readRule},
+        {"app-rule", "BUNDLE-ID none|[show ID...] [hide ID...]",
+         "Sets what is shown and hidden while that program is in front, as the settings do.",
+         readAppRule},
+        {"hot-key", "[SHORTCUT]",
+         "Presses a combination such as ⌘⌥X; ⌘⇧B if not given. Nevo hears it only if it has "
+         "claimed it.",
+         readHotKey},
         {"nevo-bundle", "BUNDLE-ID",
          "Nevo's own bundle identifier, \"\" for none, at its next start; com.nevoapp.Nevo if not "
          "given. Its stored values are in the domain of that name.",

@@ -66,6 +66,18 @@ Step readLogCount(LineReader& reader) {
     };
 }
 
+Step readPrinted(LineReader& reader) {
+    std::string text = reader.word("TEXT");
+    return [text](ScenarioRun& run) {
+        const auto& lines = run.desktop().log.printed();
+        bool found = std::any_of(lines.begin(), lines.end(),
+                                 [&](const std::string& line) { return contains(line, text); });
+        if (found) return Outcome{};
+        return Outcome::failed(
+            fmt::format("expected \"{}\" on standard output, actual: nothing of it", text));
+    };
+}
+
 Step readLogOrder(LineReader& reader) {
     std::vector<std::string> texts = reader.rest("TEXT", 1);
     return [texts](ScenarioRun& run) {
@@ -227,6 +239,7 @@ std::vector<Command> nevoExpectations() {
         {"expect log", "TEXT", "A log line has TEXT in it.", readLog},
         {"expect no-log", "TEXT", "No log line has TEXT in it.", readNoLog},
         {"expect log-count", "COUNT TEXT", "So many log lines have TEXT in them.", readLogCount},
+        {"expect printed", "TEXT", "A line of standard output has TEXT in it.", readPrinted},
         {"expect log-order", "TEXT...", "Log lines with these texts come in this order.",
          readLogOrder},
         {"expect menu", "shown|closed [KEY]...",

@@ -12,6 +12,7 @@ SimDesktop::SimDesktop()
       statusBar(bar, windows, screens, faults, program),
       windowServer(bar, windows, screens, faults, permissions, trace),
       events(loop, bar, statusBar, screens, faults, trace),
+      hotKeys(loop, faults),
       applications(bar, windows, trace),
       workspace(loop, workspaceNotifications, applications, program, faults, trace),
       accessibility(applications, windows, faults, permissions),
@@ -26,11 +27,22 @@ SimDesktop::SimDesktop()
 }
 
 Platform SimDesktop::platform() {
-    return Platform{loop,         notifications, workspaceNotifications,
-                    defaults,     application,   statusBar,
-                    windowServer, events,        screens,
-                    workspace,    accessibility, screenCapture,
-                    images,       menus,         popovers,
+    return Platform{loop,
+                    notifications,
+                    workspaceNotifications,
+                    defaults,
+                    application,
+                    statusBar,
+                    windowServer,
+                    events,
+                    hotKeys,
+                    screens,
+                    workspace,
+                    accessibility,
+                    screenCapture,
+                    images,
+                    menus,
+                    popovers,
                     log};
 }
 

@@ -3,6 +3,7 @@
 #include "platform/Platform.h"
 #include "platform/sim/SimApplication.h"
 #include "platform/sim/SimEvents.h"
+#include "platform/sim/SimHotKeys.h"
 #include "platform/sim/SimImages.h"
 #include "platform/sim/SimMenus.h"
 #include "platform/sim/SimScreenCapture.h"
@@ -52,6 +53,7 @@ public:
     SimStatusBar statusBar;
     SimWindowServer windowServer;
     SimEvents events;
+    SimHotKeys hotKeys;
     SimApplications applications;
     SimWorkspace workspace;
     SimAccessibility accessibility;

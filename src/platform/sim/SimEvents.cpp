@@ -52,6 +52,56 @@ Registration SimEvents::addLocalMonitor(EventMask mask, std::function<bool(const
     });
 }
 
+class SimEvents::OwnedTap : public EventTap {
+public:
+    OwnedTap(std::shared_ptr<Monitors> all, std::size_t number)
+        : monitors(std::move(all)), id(number) {}
+    ~OwnedTap() override { monitors->taps.erase(id); }
+    OwnedTap(const OwnedTap&) = delete;
+    OwnedTap& operator=(const OwnedTap&) = delete;
+
+    void setEnabled(bool enabled) override { monitors->taps.at(id).enabled = enabled; }
+    Registration addToMainRunLoop() override {
+        monitors->taps.at(id).onRunLoop = true;
+        return Registration([weak = std::weak_ptr(monitors), number = id] {
+            auto held = weak.lock();
+            if (!held) return;
+            auto found = held->taps.find(number);
+            if (found != held->taps.end()) found->second.onRunLoop = false;
+        });
+    }
+
+private:
+    std::shared_ptr<Monitors> monitors;
+    std::size_t id;
+};
+
+std::unique_ptr<EventTap> SimEvents::createEventTap(EventMask mask,
+                                                    std::function<void(const Event&)> callback) {
+    if (faults.strikes(SimOperation::eventTap)) return nullptr;
+    std::size_t id = monitors->nextId++;
+    monitors->taps.emplace(id, Tap{mask, std::move(callback)});
+    return std::make_unique<OwnedTap>(monitors, id);
+}
+
+void SimEvents::disableTaps(EventType reason) {
+    trace.note("tap", "disabled");
+    for (auto& [id, tap] : monitors->taps) {
+        if (!tap.enabled) continue;
+        tap.enabled = false;
+        Event event;
+        event.type = reason;
+        // The callback is the tap's last word: it hears of this although it is disabled now.
+        loop.post([weak = std::weak_ptr(monitors), number = id, event] {
+            auto held = weak.lock();
+            auto found = held ? held->taps.find(number) : decltype(held->taps.end()){};
+            if (!held || found == held->taps.end() || !found->second.onRunLoop) return;
+            auto callback = found->second.callback;
+            callback(event);
+        });
+    }
+}
+
 std::unique_ptr<EventSource> SimEvents::createEventSource() {
     if (faults.strikes(SimOperation::eventSource)) return nullptr;
     return std::make_unique<SimEventSource>();
@@ -141,7 +191,26 @@ void SimEvents::noteClick(const SimBar::Item& item, EventType type) {
 }
 
 void SimEvents::deliver(const Event& event) {
-    loop.post([this, event] { hear(event); });
+    loop.post([this, event] {
+        hearByTaps(event);
+        hear(event);
+    });
+}
+
+void SimEvents::hearByTaps(const Event& event) {
+    auto held = monitors;
+    Event heard = event;
+    heard.window = 0;
+    std::vector<std::size_t> ids;
+    for (const auto& [id, tap] : held->taps) ids.push_back(id);
+    for (std::size_t id : ids) {
+        auto found = held->taps.find(id);
+        if (found == held->taps.end()) continue;
+        const Tap& tap = found->second;
+        if (!tap.enabled || !tap.onRunLoop || (tap.mask & maskOf(event.type)) == 0) continue;
+        auto callback = tap.callback;
+        callback(heard);
+    }
 }
 
 void SimEvents::hear(const Event& event) {
@@ -176,7 +245,7 @@ int SimEvents::clickCount(const std::string& label) const {
 }
 
 std::size_t SimEvents::monitorCount() const {
-    return monitors->global.size() + monitors->local.size();
+    return monitors->global.size() + monitors->local.size() + monitors->taps.size();
 }
 
 }  // namespace nevo

@@ -32,6 +32,8 @@ public:
                                   std::function<void(const Event&)> handler) override;
     Registration addLocalMonitor(EventMask mask,
                                  std::function<bool(const Event&)> handler) override;
+    std::unique_ptr<EventTap> createEventTap(EventMask mask,
+                                             std::function<void(const Event&)> callback) override;
     std::unique_ptr<EventSource> createEventSource() override;
     std::optional<MouseEvent> createMouseEvent(EventSource& source, EventType type,
                                                Point location) override;
@@ -47,9 +49,13 @@ public:
     void release(bool right);
     void setModifiers(ModifierFlags modifiers) { pointer.modifiers = modifiers; }
 
+    /// The system disables all taps and tells their callbacks by an event of this kind.
+    void disableTaps(EventType reason);
+
     const SimPointer& state() const { return pointer; }
     /// How often another program's item was clicked, by label; left and right clicks together.
     int clickCount(const std::string& label) const;
+    /// Monitors and taps that are installed.
     std::size_t monitorCount() const;
 
     /// Told of each press outside the program's own windows.
@@ -63,11 +69,19 @@ private:
     };
     using GlobalMonitor = Monitor<std::function<void(const Event&)>>;
     using LocalMonitor = Monitor<std::function<bool(const Event&)>>;
+    struct Tap {
+        EventMask mask;
+        std::function<void(const Event&)> callback;
+        bool enabled = false;
+        bool onRunLoop = false;
+    };
     struct Monitors {
         std::map<std::size_t, GlobalMonitor> global;
         std::map<std::size_t, LocalMonitor> local;
+        std::map<std::size_t, Tap> taps;
         std::size_t nextId = 1;
     };
+    class OwnedTap;
 
     /// What the window server does with one event; `named` is the window that it was made for.
     void handle(EventType type, ModifierFlags flags, WindowNumber named);
@@ -75,6 +89,7 @@ private:
     void noteClick(const SimBar::Item& item, EventType type);
     void deliver(const Event& event);
     void hear(const Event& event);
+    void hearByTaps(const Event& event);
 
     SimRunLoop& loop;
     SimBar& bar;

@@ -30,6 +30,9 @@ const std::vector<std::string>& SimFaults::names() {
         "drag",
         "globalMonitor",
         "localMonitor",
+        "eventTap",
+        "hotKeyHandler",
+        "hotKey",
         "suite",
         "synchronize",
         "statusItemButton",
@@ -63,8 +66,14 @@ bool SimFaults::strikes(SimOperation operation, WindowNumber window) {
         return f.operation == operation && (!f.window || *f.window == window);
     });
     if (found == faults.end()) return false;
+    ++struck[operation];
     if (found->times && --*found->times <= 0) faults.erase(found);
     return true;
+}
+
+int SimFaults::struckCount(SimOperation operation) const {
+    auto found = struck.find(operation);
+    return found == struck.end() ? 0 : found->second;
 }
 
 }  // namespace nevo

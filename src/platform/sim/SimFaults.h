@@ -1,5 +1,6 @@
 #pragma once
 
+#include <map>
 #include <optional>
 #include <string>
 #include <vector>
@@ -34,6 +35,9 @@ enum class SimOperation {
     drag,  ///< the bar ignores a synthetic drag
     globalMonitor,
     localMonitor,
+    eventTap,
+    hotKeyHandler,
+    hotKey,
     suite,
     synchronize,
     statusItemButton,
@@ -59,6 +63,8 @@ public:
 
     /// Asked once by each operation when it is called: whether it is to fail.
     bool strikes(SimOperation operation, WindowNumber window = 0);
+    /// How often an operation has been made to fail.
+    int struckCount(SimOperation operation) const;
 
 private:
     struct Fault {
@@ -67,6 +73,7 @@ private:
         std::optional<int> times;
     };
     std::vector<Fault> faults;
+    std::map<SimOperation, int> struck;
 };
 
 }  // namespace nevo

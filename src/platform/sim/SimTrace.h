@@ -22,6 +22,8 @@ public:
 
     /// Sees each line as it is noted; may be empty.
     std::function<void(const std::string&)> listener;
+    /// Whether lines are kept, here and in the log: a very long run has only its listener.
+    bool keepsLines = true;
 
 private:
     const SimRunLoop& loop;
@@ -34,16 +36,23 @@ public:
     explicit SimLog(SimTrace& to) : trace(to) {}
 
     void writeStandardError(std::string_view text) override;
-    void appendToLogFile(std::string_view text) override { file += text; }
+    void writeStandardOutput(std::string_view text) override;
+    void appendToLogFile(std::string_view text) override {
+        if (trace.keepsLines) file += text;
+    }
 
     /// Whole lines of standard error, without their line feeds.
     const std::vector<std::string>& lines() const { return all; }
     const std::string& fileText() const { return file; }
+    /// Whole lines of standard output.
+    const std::vector<std::string>& printed() const { return output; }
 
 private:
     SimTrace& trace;
     std::vector<std::string> all;
+    std::vector<std::string> output;
     std::string unfinished;
+    std::string unfinishedOutput;
     std::string file;
 };
 

@@ -8,20 +8,34 @@
 
 namespace nevo {
 
-/// The keys of the keyboard that stand for modifiers.
+/// The keyboard as it is mapped now: which key gives a symbol, and which keys are modifiers.
 class Keyboard {
 public:
     Keyboard(XServer& x, EventPump& pump);
 
     /// The keys to press for `flags`, one for each modifier that the keyboard has.
     std::vector<xcb_keycode_t> keysFor(ModifierFlags flags);
+    /// The key that gives `symbol`, if possible without Shift; nothing when there is none.
+    std::optional<xcb_keycode_t> keyFor(xcb_keysym_t symbol);
+    /// The bits that `flags` set in the state of an event; nothing when a modifier is missing.
+    std::optional<std::uint16_t> stateFor(ModifierFlags flags);
+    /// The bit of Num Lock in the state of an event; 0 when there is none.
+    std::uint16_t numLockState();
 
 private:
-    void read();
+    void refresh();
+    /// The bit of the modifier that a key with `symbol` belongs to, or 0.
+    std::uint16_t stateOf(xcb_keysym_t symbol) const;
+    bool gives(xcb_keycode_t key, xcb_keysym_t symbol) const;
 
     XServer& server;
     bool isStale = true;
-    std::vector<std::pair<ModifierFlags, xcb_keycode_t>> keys;
+    xcb_keycode_t firstKey = 0;
+    /// For each key the symbols of its levels, `levels` of them.
+    std::vector<xcb_keysym_t> symbols;
+    std::size_t levels = 0;
+    /// For each of the eight modifiers its keys, the same number for each, filled up with 0.
+    std::vector<xcb_keycode_t> modifierKeys;
 };
 
 /// Pointer, buttons and modifiers as they are now.

@@ -4,10 +4,13 @@
 #include <QIcon>
 
 #include "platform/Task.h"
+#include "platform/x11/FrontApplication.h"
+#include "platform/x11/LoginSession.h"
 #include "platform/x11/ProgramName.h"
 #include "platform/x11/X11Application.h"
 #include "platform/x11/X11Defaults.h"
 #include "platform/x11/X11Events.h"
+#include "platform/x11/X11HotKeys.h"
 #include "platform/x11/X11Images.h"
 #include "platform/x11/X11LogOutput.h"
 #include "platform/x11/X11Menus.h"
@@ -33,7 +36,8 @@ public:
 };
 
 XServer& watchingRoot(XServer& server) {
-    // Properties: the window list. Structure: the monitors, and the message of a new bar.
+    // Properties: the window list and the active window. Structure: the monitors, and the message
+    // of a new bar.
     const std::uint32_t mask = XCB_EVENT_MASK_PROPERTY_CHANGE | XCB_EVENT_MASK_STRUCTURE_NOTIFY;
     xcb_change_window_attributes(server.get(), server.root(), XCB_CW_EVENT_MASK, &mask);
     return server;
@@ -59,10 +63,14 @@ struct X11Desktop::Parts {
     ClientWindows clients;
     X11Defaults defaults;
     LocalMonitors monitors;
+    Keyboard keyboard;
     X11Events events;
+    X11HotKeys hotKeys;
     X11WindowServer windows;
     X11StatusBar statusBar;
     X11Workspace workspace;
+    FrontApplication frontApplication;
+    LoginSession loginSession;
     NoExtras accessibility;
     X11ScreenCapture capture;
     X11Images images;
@@ -80,11 +88,15 @@ struct X11Desktop::Parts {
           bar(server, pump, numbers),
           clients(server, pump, numbers, identities),
           defaults(log, loop, notifications),
-          events(server, pump, bar, screens, monitors),
+          keyboard(server, pump),
+          events(server, pump, keyboard, bar, screens, monitors),
+          hotKeys(server, pump, keyboard, log),
           windows(server, bar, clients, screens, numbers),
           statusBar(server, pump, bar, loop, screens, monitors,
                     [this] { defaults.standard().flush(); }),
           workspace(bar, clients, entries),
+          frontApplication(server, pump, identities, workspaceNotifications, log),
+          loginSession(workspaceNotifications, log),
           capture(windows),
           menus(server, bar, images),
           popovers(server, bar, images) {
@@ -107,11 +119,22 @@ X11Desktop::~X11Desktop() = default;
 
 Platform X11Desktop::platform() {
     Parts& p = *parts;
-    return {p.loop,      p.notifications, p.workspaceNotifications,
-            p.defaults,  p.application,   p.statusBar,
-            p.windows,   p.events,        p.screens,
-            p.workspace, p.accessibility, p.capture,
-            p.images,    p.menus,         p.popovers,
+    return {p.loop,
+            p.notifications,
+            p.workspaceNotifications,
+            p.defaults,
+            p.application,
+            p.statusBar,
+            p.windows,
+            p.events,
+            p.hotKeys,
+            p.screens,
+            p.workspace,
+            p.accessibility,
+            p.capture,
+            p.images,
+            p.menus,
+            p.popovers,
             p.log};
 }
 

@@ -14,38 +14,18 @@ namespace {
 constexpr int motionMilliseconds = 8;
 }
 
-/// The global monitors; a registration finds them gone when the desktop is.
-struct X11Events::Globals {
-    struct Entry {
-        std::size_t id;
-        EventMask mask;
-        std::function<void(const Event&)> handler;
-    };
-    RawInput* raw = nullptr;
-    std::vector<Entry> entries;
-    std::size_t last = 0;
-
-    void remove(std::size_t id) {
-        std::erase_if(entries, [&](const Entry& entry) { return entry.id == id; });
-        if (entries.empty() && raw != nullptr) raw->setListening(false);
-    }
-};
-
-X11Events::X11Events(XServer& x, EventPump& pump, BarClient& client, Screens& theScreens,
-                     LocalMonitors& monitors)
+X11Events::X11Events(XServer& x, EventPump& pump, Keyboard& keyboard, BarClient& client,
+                     Screens& theScreens, LocalMonitors& monitors)
     : server(x),
       bar(client),
       screens(theScreens),
       localMonitors(monitors),
-      keyboard(x, pump),
       synthetic(x, client, keyboard),
       raw(x, pump, [this](RawInput::Kind kind, std::uint32_t button) { noteRaw(kind, button); }),
-      globals(std::make_shared<Globals>()) {
-    globals->raw = &raw;
+      listeners(raw) {
     motionTimer.setSingleShot(true);
     motionTimer.setInterval(motionMilliseconds);
-    QObject::connect(&motionTimer, &QTimer::timeout, &motionTimer,
-                     [this] { handleRaw(RawInput::Kind::motion, 0); });
+    QObject::connect(&motionTimer, &QTimer::timeout, &motionTimer, [this] { tellMotion(); });
     releaseSyntheticDevices(server);
     const auto* fixes = xcb_get_extension_data(server.get(), &xcb_xfixes_id);
     if (fixes == nullptr || fixes->present == 0) return;
@@ -53,8 +33,6 @@ X11Events::X11Events(XServer& x, EventPump& pump, BarClient& client, Screens& th
         server.get(), xcb_xfixes_query_version(server.get(), 4, 0), nullptr));
     canHideCursor = version && version->major_version >= 4;
 }
-
-X11Events::~X11Events() { globals->raw = nullptr; }
 
 Point X11Events::mouseLocation() const {
     auto state = queryPointer(server);
@@ -71,58 +49,62 @@ ModifierFlags X11Events::modifierFlags() const {
 Registration X11Events::addGlobalMonitor(EventMask mask,
                                          std::function<void(const Event&)> handler) {
     if (!raw.isAvailable()) return {};
-    raw.setListening(true);
-    std::size_t id = ++globals->last;
-    globals->entries.push_back({id, mask, std::move(handler)});
-    return Registration([weak = std::weak_ptr(globals), id] {
-        if (auto held = weak.lock()) held->remove(id);
-    });
+    return listeners.addMonitor(mask, std::move(handler));
 }
 
 Registration X11Events::addLocalMonitor(EventMask mask, std::function<bool(const Event&)> handler) {
     return localMonitors.add(mask, std::move(handler));
 }
 
-/// A mouse tells of each move up to a thousand times a second; where it stands now is enough.
+std::unique_ptr<EventTap> X11Events::createEventTap(EventMask mask,
+                                                    std::function<void(const Event&)> callback) {
+    if (!raw.isAvailable()) return nullptr;
+    return listeners.createTap(mask, std::move(callback));
+}
+
+// Raw events may carry relative values or none: the server is asked where the pointer is.
+
 void X11Events::noteRaw(RawInput::Kind kind, std::uint32_t button) {
-    if (kind != RawInput::Kind::motion) {
-        handleRaw(kind, button);
-    } else if (!motionTimer.isActive()) {
-        motionTimer.start();
+    if (kind == RawInput::Kind::motion) {
+        // A mouse tells of each move up to a thousand times a second; where it stands now is
+        // enough.
+        if (!motionTimer.isActive()) motionTimer.start();
+        return;
+    }
+    bool isLeft = button == XCB_BUTTON_INDEX_1;
+    if (!isLeft && button != XCB_BUTTON_INDEX_3) return;
+    auto state = queryPointer(server);
+    if (!state) return;
+    bool isPress = kind == RawInput::Kind::press;
+    if (motionTimer.isActive()) {
+        // What moved before goes first: a quick drag would have no motion otherwise. The button was
+        // then as it isn't any more.
+        motionTimer.stop();
+        bool wasDown = isLeft ? !isPress : (state->mask & XCB_BUTTON_MASK_1) != 0;
+        tell(wasDown ? EventType::leftMouseDragged : EventType::mouseMoved, *state);
+    }
+    if (isLeft) {
+        tell(isPress ? EventType::leftMouseDown : EventType::leftMouseUp, *state);
+    } else {
+        tell(isPress ? EventType::rightMouseDown : EventType::rightMouseUp, *state);
     }
 }
 
-void X11Events::handleRaw(RawInput::Kind kind, std::uint32_t button) {
-    bool isMotion = kind == RawInput::Kind::motion;
-    if (!isMotion && button != XCB_BUTTON_INDEX_1 && button != XCB_BUTTON_INDEX_3) return;
-    // Raw events may carry relative values or none: the server is asked where the pointer is.
+void X11Events::tellMotion() {
     auto state = queryPointer(server);
     if (!state) return;
-    bool isLeft = button == XCB_BUTTON_INDEX_1;
-    bool isPress = kind == RawInput::Kind::press;
-    Event event;
-    if (isMotion) {
-        bool isDrag = (state->mask & XCB_BUTTON_MASK_1) != 0;
-        event.type = isDrag ? EventType::leftMouseDragged : EventType::mouseMoved;
-    } else if (isLeft) {
-        event.type = isPress ? EventType::leftMouseDown : EventType::leftMouseUp;
-    } else {
-        event.type = isPress ? EventType::rightMouseDown : EventType::rightMouseUp;
-    }
-    event.location = server.coordinates.flipped(server.coordinates.fromRoot(state->root));
-    event.modifiers = modifiersFromState(state->mask);
+    bool isDrag = (state->mask & XCB_BUTTON_MASK_1) != 0;
+    tell(isDrag ? EventType::leftMouseDragged : EventType::mouseMoved, *state);
+}
 
-    auto held = globals;
-    auto wanted = [&](const Globals::Entry& entry) { return entry.mask & maskOf(event.type); };
-    if (std::none_of(held->entries.begin(), held->entries.end(), wanted)) return;
-    if (isOverOwnWindow(state->root)) return;
-    // Handlers may come and go meanwhile.
-    auto before = held->entries;
-    for (const auto& entry : before) {
-        bool isThere = std::any_of(held->entries.begin(), held->entries.end(),
-                                   [&](const auto& now) { return now.id == entry.id; });
-        if (isThere && wanted(entry)) entry.handler(event);
-    }
+void X11Events::tell(EventType type, const PointerState& state) {
+    Event event;
+    event.type = type;
+    event.location = server.coordinates.flipped(server.coordinates.fromRoot(state.root));
+    event.modifiers = modifiersFromState(state.mask);
+    listeners.tellTaps(event);
+    if (!listeners.isWantedByMonitors(type) || isOverOwnWindow(state.root)) return;
+    listeners.tellMonitors(event);
 }
 
 bool X11Events::isOverOwnWindow(Point root) const {

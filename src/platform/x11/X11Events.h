@@ -5,16 +5,15 @@
 #include "platform/Events.h"
 #include "platform/Screens.h"
 #include "platform/x11/LocalMonitors.h"
-#include "platform/x11/RawInput.h"
+#include "platform/x11/RawListeners.h"
 #include "platform/x11/SyntheticInput.h"
 
 namespace nevo {
 
 class X11Events : public Events {
 public:
-    X11Events(XServer& x, EventPump& pump, BarClient& client, Screens& theScreens,
-              LocalMonitors& monitors);
-    ~X11Events() override;
+    X11Events(XServer& x, EventPump& pump, Keyboard& keyboard, BarClient& client,
+              Screens& theScreens, LocalMonitors& monitors);
 
     Point mouseLocation() const override;
     ModifierFlags modifierFlags() const override;
@@ -22,6 +21,8 @@ public:
                                   std::function<void(const Event&)> handler) override;
     Registration addLocalMonitor(EventMask mask,
                                  std::function<bool(const Event&)> handler) override;
+    std::unique_ptr<EventTap> createEventTap(EventMask mask,
+                                             std::function<void(const Event&)> callback) override;
     std::unique_ptr<EventSource> createEventSource() override;
     std::optional<MouseEvent> createMouseEvent(EventSource& source, EventType type,
                                                Point location) override;
@@ -31,9 +32,9 @@ public:
     void showCursor() override;
 
 private:
-    struct Globals;
     void noteRaw(RawInput::Kind kind, std::uint32_t button);
-    void handleRaw(RawInput::Kind kind, std::uint32_t button);
+    void tellMotion();
+    void tell(EventType type, const PointerState& state);
     bool isOverOwnWindow(Point root) const;
     xcb_window_t frameNamedBy(const MouseEvent& event) const;
 
@@ -41,11 +42,10 @@ private:
     BarClient& bar;
     Screens& screens;
     LocalMonitors& localMonitors;
-    Keyboard keyboard;
     SyntheticInput synthetic;
     RawInput raw;
     QTimer motionTimer;
-    std::shared_ptr<Globals> globals;
+    RawListeners listeners;
     bool canHideCursor = false;
 };
 

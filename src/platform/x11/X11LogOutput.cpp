@@ -22,6 +22,8 @@ void writeAll(int descriptor, std::string_view text) {
 
 void X11LogOutput::writeStandardError(std::string_view text) { writeAll(STDERR_FILENO, text); }
 
+void X11LogOutput::writeStandardOutput(std::string_view text) { writeAll(STDOUT_FILENO, text); }
+
 void X11LogOutput::appendToLogFile(std::string_view text) {
     const char* home = std::getenv("HOME");
     if (home == nullptr || *home == '\0') return;

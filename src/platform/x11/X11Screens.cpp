@@ -1,8 +1,12 @@
 #include "platform/x11/X11Screens.h"
 
+#include <unistd.h>
 #include <xcb/randr.h>
 
 #include <algorithm>
+
+#include "platform/menubar/BarProtocol.h"
+#include "platform/menubar/MenuBarRow.h"
 
 namespace nevo {
 
@@ -37,9 +41,8 @@ X11Screens::X11Screens(XServer& x, EventPump& pump, NotificationCenter& center)
         bool isRoot =
             type == XCB_CONFIGURE_NOTIFY &&
             reinterpret_cast<const xcb_configure_notify_event_t&>(event).window == server.root();
-        if (!isRandr && !isRoot) return;
-        read();
-        settled.start();
+        if (isRandr || isRoot) read();
+        if (isRandr || isRoot || isOfRow(event)) settled.start();
     });
     read();
     announced = monitors;
@@ -80,9 +83,33 @@ void X11Screens::read() {
                           static_cast<int>(primary.height)};
 }
 
+bool X11Screens::isOfRow(const xcb_generic_event_t& event) const {
+    if (bar == nullptr || (event.response_type & 0x7f) != XCB_PROPERTY_NOTIFY) return false;
+    const auto& change = reinterpret_cast<const xcb_property_notify_event_t&>(event);
+    return change.window == bar->control() && change.atom == server.atom(barprotocol::items);
+}
+
+std::optional<X11Screens::Row> X11Screens::readRow() const {
+    if (bar == nullptr) return std::nullopt;
+    Row row;
+    bool hasOwn = false;
+    for (const BarItemInfo* item : bar->items()) {
+        // Dividers, open or closed, are placed anew with each change of their length.
+        bool isDivider = item->slot.width <= 0 || item->slot.width >= MenuBarRow::collapsedLength;
+        if (isDivider) continue;
+        hasOwn = hasOwn || item->pid == getpid();
+        row.push_back(item->frame);
+    }
+    return hasOwn ? std::optional(row) : std::nullopt;
+}
+
 void X11Screens::reconsider() {
     read();
-    if (monitors == announced) return;
+    auto row = readRow();
+    // The row counts once this program's own items have come to it.
+    bool isSameRow = !row || !announcedRow || row == announcedRow;
+    if (row) announcedRow = row;
+    if (monitors == announced && isSameRow) return;
     announced = monitors;
     notifications.post(changed);
 }

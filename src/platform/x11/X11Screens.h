@@ -9,12 +9,15 @@
 namespace nevo {
 
 /// The active RandR monitors, the primary one first. Posts
-/// "NSApplicationDidChangeScreenParametersNotification" once a change of them has settled.
+/// "NSApplicationDidChangeScreenParametersNotification" once a change of them has settled, or one
+/// of the bar's row: an item has come or gone, or stands elsewhere in the order. Opacity, width and
+/// what dividers do are no such change.
 class X11Screens : public Screens {
 public:
     X11Screens(XServer& x, EventPump& pump, NotificationCenter& center);
 
-    /// The bar takes its height off the visible frame of its monitor; set once it is known.
+    /// The bar takes its height off the visible frame of its monitor, and its row is watched; set
+    /// once it is known.
     void setBar(BarClient* client) { bar = client; }
 
     std::vector<Screen> screens() const override;
@@ -30,12 +33,18 @@ private:
         bool operator==(const Monitor&) const = default;
     };
     std::vector<Monitor> readMonitors() const;
+    /// The frames of the items that can have a place in sight, left to right.
+    using Row = std::vector<xcb_window_t>;
+    bool isOfRow(const xcb_generic_event_t& event) const;
+    /// Nothing while none of this program's items is among them.
+    std::optional<Row> readRow() const;
 
     XServer& server;
     NotificationCenter& notifications;
     BarClient* bar = nullptr;
     std::vector<Monitor> monitors;
     std::vector<Monitor> announced;
+    std::optional<Row> announcedRow;
     QTimer settled;
     std::uint8_t firstRandrEvent = 0;
     bool hasMonitors = false;

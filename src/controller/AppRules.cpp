@@ -1,0 +1,156 @@
+#include <fmt/format.h>
+
+#include "controller/StatusBarController.h"
+#include "core/debugLog.h"
+#include "core/notificationNames.h"
+
+namespace nevo {
+
+namespace {
+constexpr const char* didActivateApplication = "NSWorkspaceDidActivateApplicationNotification";
+}
+
+void StatusBarController::observeFrontApplication() {
+    frontApplicationObserver = platform.workspaceNotifications.addObserver(
+        didActivateApplication, [weak = weak_from_this()](const Notification& notification) {
+            if (auto self = weak.lock()) self->handleAppActivation(notification);
+        });
+}
+
+void StatusBarController::observeAppRules() {
+    auto weak = weak_from_this();
+    notificationObservers.push_back(platform.notifications.addObserver(
+        nevoAppRulesChanged, [weak](const Notification& notification) {
+            auto changed = notification.userInfo.find("appBundleID");
+            std::string bundleID = changed == notification.userInfo.end() ? "" : changed->second;
+            if (auto self = weak.lock())
+                spawn(self->platform.runLoop, reapplyAppRule(weak, bundleID));
+        }));
+}
+
+void StatusBarController::handleAppActivation(const Notification& notification) {
+    auto bundleID = notification.userInfo.find("bundleIdentifier");
+    if (bundleID == notification.userInfo.end() || bundleID->second.empty()) return;
+    appState.setActiveAppBundleID(bundleID->second);
+    restoreAppRuleOverrides();
+    AppRules rules = appState.rules.loadAppRules();
+    auto rule = rules.find(bundleID->second);
+    if (rule == rules.end()) return;
+    spawn(platform.runLoop,
+          applyAppRule(weak_from_this(), rule->second.visibleIcons, rule->second.hiddenIcons));
+}
+
+Task<> StatusBarController::reapplyAppRule(std::weak_ptr<StatusBarController> owner,
+                                           std::string bundleID) {
+    auto self = owner.lock();
+    if (!self || bundleID.empty() || bundleID != self->appState.activeAppBundleID()) co_return;
+    self->restoreAppRuleOverrides();
+    AppRules rules = self->appState.rules.loadAppRules();
+    auto rule = rules.find(bundleID);
+    if (rule == rules.end()) co_return;
+    std::set<std::string> visible = rule->second.visibleIcons;
+    std::set<std::string> hidden = rule->second.hiddenIcons;
+    self.reset();
+    co_await applyAppRule(owner, visible, hidden);
+}
+
+void StatusBarController::restoreAppRuleOverrides() {
+    // Calls off an apply that still waits for its scan: it was for an application that has lost the
+    // front, or for a rule that has changed. It has changed nothing yet, so nothing is lost.
+    ++appRuleGeneration;
+    if (!appRuleActiveForBundleID) return;
+    debugLog("[AppRule] Restoring overrides for " + *appRuleActiveForBundleID);
+    for (const AlphaOverride& changed : appRuleAlphaOverrides) {
+        platform.windows.setWindowAlpha(changed.windowID, changed.previousAlpha);
+        // What goes back to being transparent has left the set that the end makes opaque.
+        if (changed.previousAlpha < 1) {
+            sectionManager.passinglyTransparentWindows.insert(changed.windowID);
+        } else {
+            sectionManager.passinglyTransparentWindows.erase(changed.windowID);
+        }
+    }
+    if (isPanelVisible()) dismissBar();
+    for (WindowNumber window : appRuleProtectedWIDs) alwaysShowProtectedWIDs.erase(window);
+    appRuleAlphaOverrides.clear();
+    appRuleProtectedWIDs.clear();
+    appRuleActiveForBundleID.reset();
+}
+
+Task<> StatusBarController::applyAppRule(std::weak_ptr<StatusBarController> owner,
+                                         std::set<std::string> visibleIcons,
+                                         std::set<std::string> hiddenIcons) {
+    if (visibleIcons.empty() && hiddenIcons.empty()) co_return;
+    auto self = owner.lock();
+    if (!self) co_return;
+    MenuBarScanner& scanner = self->services.scanner;
+    std::set<WindowNumber> own = self->sectionManager.ownWindowIDs();
+    int generation = self->appRuleGeneration;
+    self.reset();
+    ScannedBarItems items = co_await scanner.scan(own, true);
+    self = owner.lock();
+    // Two applies never both change something: the later one's restore has called this one off.
+    if (!self || self->appRuleGeneration != generation) co_return;
+
+    self->showInBar(items, visibleIcons);
+    for (const ScannedBarItem& item : items) {
+        if (item.bundleID.empty()) continue;
+        if (itemMatchesRule(item, hiddenIcons)) {
+            self->hideByAppRule(item);
+        } else if (itemMatchesRule(item, visibleIcons)) {
+            self->showByAppRule(item);
+        }
+    }
+    self->alwaysShowProtectedWIDs.insert(self->appRuleProtectedWIDs.begin(),
+                                         self->appRuleProtectedWIDs.end());
+    self->appRuleActiveForBundleID = self->appState.activeAppBundleID();
+    debugLog(fmt::format("[AppRule] Applied: hide={} show={} overrides={}", hiddenIcons.size(),
+                         visibleIcons.size(), self->appRuleAlphaOverrides.size()));
+}
+
+/// What the divider hides can't be seen in its place: it goes to the floating bar.
+void StatusBarController::showInBar(const ScannedBarItems& items,
+                                    const std::set<std::string>& visibleIcons) {
+    if (!nevoBar || !sectionManager.isHiddenDividerCollapsed()) return;
+    std::vector<BarItem> toShow;
+    for (const ScannedBarItem& item : sectionManager.classify(items)[SectionName::hidden]) {
+        if (itemMatchesRule(item, visibleIcons)) toShow.emplace_back(item);
+    }
+    if (toShow.empty()) return;
+    if (auto frame = toggleButtonScreenFrame()) savedItemFrame = *frame;
+    nevoBar->animationsEnabled = appState.animationsEnabled();
+    nevoBar->nevoIconX = savedItemFrame.x;
+    nevoBar->show(toShow);
+    debugLog(fmt::format("[AppRule] Showing {} divider-hidden items in NevoBar", toShow.size()));
+}
+
+float StatusBarController::lastingAlpha(WindowNumber window) const {
+    // In a blanked bar every item reads as transparent; it won't be in a moment.
+    if (sectionManager.blankedWindows.contains(window) &&
+        !sectionManager.alphaHiddenWindows.contains(window))
+        return 1.0F;
+    return platform.windows.windowAlpha(window).value_or(1.0F);
+}
+
+void StatusBarController::hideByAppRule(const ScannedBarItem& item) {
+    float alpha = lastingAlpha(item.windowID);
+    if (alpha <= 0) return;
+    appRuleAlphaOverrides.push_back({item.windowID, alpha});
+    sectionManager.passinglyTransparentWindows.insert(item.windowID);
+    platform.windows.setWindowAlpha(item.windowID, 0.0F);
+    debugLog(
+        fmt::format("[AppRule] Hide {} ({}) wid={}", item.label, item.bundleID, item.windowID));
+}
+
+void StatusBarController::showByAppRule(const ScannedBarItem& item) {
+    if (appRuleProtectedWIDs.contains(item.windowID)) return;
+    float alpha = lastingAlpha(item.windowID);
+    if (alpha >= 1) return;
+    appRuleAlphaOverrides.push_back({item.windowID, alpha});
+    platform.windows.setWindowAlpha(item.windowID, 1.0F);
+    sectionManager.alphaHiddenWindows.erase(item.windowID);
+    appRuleProtectedWIDs.insert(item.windowID);
+    debugLog(fmt::format("[AppRule] Show alpha-hidden {} ({}) wid={}", item.label, item.bundleID,
+                         item.windowID));
+}
+
+}  // namespace nevo

@@ -1,0 +1,265 @@
+#include <fmt/format.h>
+
+#include <cmath>
+
+#include "controller/StatusBarController.h"
+#include "core/debugLog.h"
+#include "core/describe.h"
+
+namespace nevo {
+
+namespace {
+
+constexpr EventMask dragEvents =
+    maskOf(EventType::leftMouseUp) | maskOf(EventType::leftMouseDragged);
+constexpr double toggleMargin = 8.0;
+/// The bar takes its new layout before anything is measured.
+constexpr double layoutTurn = 0.08;
+constexpr double smallestItem = 10.0;
+constexpr double largestItem = 500.0;
+/// A drag whose mouse-up was never seen ends by then.
+constexpr double lostMouseUp = 10.0;
+/// The window server has placed the dropped item by then.
+constexpr double dropSettle = 0.15;
+constexpr double toggleMoved = 20.0;
+/// A drag this far to the left hides the item wherever it landed.
+constexpr double hidingDistance = 50.0;
+constexpr double snapshotSettle = 0.4;
+
+bool isCommandDrag(const Event& event) {
+    return event.type == EventType::leftMouseDragged && (event.modifiers & commandModifier) != 0;
+}
+
+}  // namespace
+
+void StatusBarController::installDragDetection() {
+    auto weak = weak_from_this();
+    cmdDragTap = platform.events.createEventTap(dragEvents, [weak](const Event& event) {
+        if (auto self = weak.lock()) self->handleTapEvent(event);
+    });
+    if (cmdDragTap) {
+        cmdDragRunLoopSource = cmdDragTap->addToMainRunLoop();
+        cmdDragTap->setEnabled(true);
+        debugLog("[CmdDrag] event tap created OK");
+    } else {
+        debugLog("[CmdDrag] event tap FAILED");
+    }
+    cmdDragGlobalMonitor = platform.events.addGlobalMonitor(dragEvents, [weak](const Event& event) {
+        if (auto self = weak.lock()) self->handleDragEvent(event, "global");
+    });
+    cmdDragLocalMonitor = platform.events.addLocalMonitor(dragEvents, [weak](const Event& event) {
+        if (auto self = weak.lock()) self->handleDragEvent(event, "local");
+        return false;
+    });
+    debugLog("[CmdDrag] global+local NSEvent monitors installed");
+}
+
+void StatusBarController::handleTapEvent(const Event& event) {
+    if (event.type == EventType::tapDisabledByTimeout ||
+        event.type == EventType::tapDisabledByUserInput) {
+        debugLog(fmt::format("[CmdDrag] tap disabled (type={}), re-enabling",
+                             static_cast<std::uint32_t>(event.type)));
+        if (cmdDragTap) cmdDragTap->setEnabled(true);
+        return;
+    }
+    // The program's own synthetic drags aren't the user's.
+    if (services.mover.programmaticMoveCount() > 0) return;
+    if (isCommandDrag(event)) {
+        laterOnMain(&StatusBarController::tapDragged);
+    } else if (event.type == EventType::leftMouseUp) {
+        laterOnMain(&StatusBarController::endDrag);
+    }
+}
+
+void StatusBarController::tapDragged() {
+    debugLog("[CmdDrag] tap: dragged with cmd");
+    startDrag();
+}
+
+void StatusBarController::handleDragEvent(const Event& event, const char* monitor) {
+    if (services.mover.programmaticMoveCount() >= 1) return;
+    if (isCommandDrag(event)) {
+        debugLog(fmt::format("[CmdDrag] {}: dragged with cmd", monitor));
+        startDrag();
+    } else if (event.type == EventType::leftMouseUp) {
+        endDrag();
+    }
+}
+
+bool StatusBarController::mayStartDrag(Point mouse) const {
+    if (isDraggingMenuBarItem) {
+        debugLog("[CmdDrag] start gate: already dragging");
+        return false;
+    }
+    if (!sectionManager.isHiddenDividerCollapsed()) {
+        debugLog("[CmdDrag] start gate: hidden section NOT collapsed, skip");
+        return false;
+    }
+    auto screen = platform.screens.mainScreen();
+    for (const Screen& each : platform.screens.screens()) {
+        if (!each.frame.contains(mouse)) continue;
+        screen = each;
+        break;
+    }
+    if (!screen) {
+        debugLog("[CmdDrag] start gate: no mouseScreen found for mouse=" + describe(mouse));
+        return false;
+    }
+    double menuBarBottom = screen->frame.maxY() - platform.statusBar.thickness();
+    if (mouse.y >= menuBarBottom) return true;
+    debugLog(fmt::format("[CmdDrag] start gate: mouse.y={} < menuBarBottom={} screenFrame={}",
+                         describe(mouse.y), describe(menuBarBottom), describe(screen->frame)));
+    return false;
+}
+
+void StatusBarController::startDrag() {
+    Point mouse = platform.events.mouseLocation();
+    if (!mayStartDrag(mouse)) return;
+    // From here on, since the loop is turned below: the drag's next events come in there.
+    isDraggingMenuBarItem = true;
+    auto toggle = SectionManager::frame(*sectionManager.toggleItem);
+    isDraggingNevoToggle = toggle && toggle->grownBy(toggleMargin).contains(mouse);
+    preDragToggleFrame.reset();
+    preDragPositions.clear();
+    sectionManager.setDividerLength(*sectionManager.hiddenDivider, false);
+    if (StatusItemButton* button = sectionManager.toggleItem->button()) button->setAlpha(1.0);
+    auto self = shared_from_this();
+    platform.runLoop.turnFor(layoutTurn);
+
+    preDragToggleFrame = SectionManager::frame(*sectionManager.toggleItem);
+    for (WindowNumber window : otherMenuBarWindows()) {
+        auto frame = services.mover.readableFrame(window);
+        if (frame && frame->width > smallestItem) preDragPositions[window] = frame->midX();
+    }
+    debugLog(fmt::format(
+        "[CmdDrag] started: divider restored, captured {} baseline positions, draggingToggle={}",
+        preDragPositions.size(), describe(isDraggingNevoToggle)));
+    cmdDragSafetyTimer = platform.runLoop.timer(lostMouseUp, false, [weak = weak_from_this()] {
+        if (auto held = weak.lock()) held->endDrag();
+    });
+}
+
+void StatusBarController::endDrag() {
+    if (!isDraggingMenuBarItem) return;
+    bool wasDraggingToggle = isDraggingNevoToggle;
+    std::optional<Rect> preFrame = preDragToggleFrame;
+    isDraggingMenuBarItem = false;
+    isDraggingNevoToggle = false;
+    preDragToggleFrame.reset();
+    cmdDragSafetyTimer.reset();
+    debugLog("[CmdDrag] ended");
+    platform.runLoop.postAfter(dropSettle, [weak = weak_from_this(), wasDraggingToggle, preFrame] {
+        if (auto self = weak.lock()) self->settleDrag(wasDraggingToggle, preFrame);
+    });
+}
+
+void StatusBarController::settleDrag(bool wasDraggingToggle, std::optional<Rect> preFrame) {
+    // A drag that has begun meanwhile does this at its own end.
+    if (isDraggingMenuBarItem) return;
+    if (wasDraggingToggle) {
+        leaveExpandedAfterDrag();
+        return;
+    }
+    bool changed = reconcileDrag();
+    auto frame = SectionManager::frame(*sectionManager.toggleItem);
+    bool moved = preFrame && frame &&
+                 (std::abs(frame->midX() - preFrame->midX()) > toggleMoved ||
+                  std::abs(frame->midY() - preFrame->midY()) > toggleMoved);
+    if (!changed && moved) {
+        leaveExpandedAfterDrag();
+        return;
+    }
+    performCollapse();
+    debugLog("[CmdDrag] reconciled and divider re-collapsed");
+    spawn(platform.runLoop, refreshAfterDrag(weak_from_this()));
+}
+
+Task<> StatusBarController::refreshAfterDrag(std::weak_ptr<StatusBarController> owner) {
+    co_await sleep(snapshotSettle);
+    auto self = owner.lock();
+    if (!self) co_return;
+    MenuBarScanner& scanner = self->services.scanner;
+    std::set<WindowNumber> own = self->sectionManager.ownWindowIDs();
+    self.reset();
+    ScannedBarItems items = co_await scanner.scanCached(own, 3.0);
+    self = owner.lock();
+    if (!self) co_return;
+    self->updateSnapshot(items, false);
+    const ScannedBarItems& hidden = self->sectionManager.lastExpandedSnapshot[SectionName::hidden];
+    debugLog(fmt::format("[CmdDrag] post-drag snapshot refreshed hidden={}", hidden.size()));
+    self->cachedHiddenItems = barItems(hidden);
+    if (self->shelfController) self->shelfController->updateCachedItemsAfterDrag(hidden);
+}
+
+/// After the toggle has moved the section stays open, so that the program can't trap itself behind
+/// its own divider.
+void StatusBarController::leaveExpandedAfterDrag() {
+    sectionManager.expand(true);
+    refreshToggleButton();
+    dismissBar();
+    cachedHiddenItems.clear();
+    appState.setIsExpanded(true);
+    if (auto frame = toggleButtonScreenFrame()) savedItemFrame = *frame;
+    recordCanonicalToggleX();
+    services.scanner.invalidateScanCache();
+    debugLog(
+        "[CmdDrag] toggle item dragged; left hidden section expanded so Nevo cannot trap itself");
+}
+
+bool StatusBarController::reconcileDrag() {
+    auto toggle = SectionManager::frame(*sectionManager.toggleItem);
+    if (!toggle) return false;
+    double dividerX = toggle->midX();
+    std::map<WindowNumber, std::string> ids = snapshotIDs();
+    bool changed = false;
+    for (WindowNumber window : otherMenuBarWindows()) {
+        auto frame = services.mover.readableFrame(window);
+        if (frame) changed = hideIfDraggedAcross(window, *frame, dividerX, ids) || changed;
+    }
+    for (WindowNumber window : otherMenuBarWindows()) {
+        auto frame = services.mover.readableFrame(window);
+        bool isHidden = frame && frame->width > smallestItem && frame->midX() < dividerX;
+        auto id = ids.find(window);
+        if (!isHidden || id == ids.end() || !isStoredAlwaysShow(id->second)) continue;
+        appState.rules.setIconRule(IconRule::automatic, id->second);
+        hideByAlpha(window);
+        debugLog(fmt::format("[CmdDrag] reconcile: clear alwaysShow for {} in hidden zone (x={})",
+                             id->second, describe(frame->midX())));
+        changed = true;
+    }
+    preDragPositions.clear();
+    services.scanner.invalidateScanCache();
+    return changed;
+}
+
+/// True when the item was dragged to the hidden side of the toggle, or far towards it.
+bool StatusBarController::hideIfDraggedAcross(WindowNumber window, const Rect& frame,
+                                              double dividerX,
+                                              const std::map<WindowNumber, std::string>& ids) {
+    auto start = preDragPositions.find(window);
+    bool isMeasurable = frame.width > smallestItem && frame.width < largestItem && frame.x >= 0;
+    if (!isMeasurable || start == preDragPositions.end() || start->second < 0) return false;
+    double before = start->second;
+    double now = frame.midX();
+    double dragged = before - now;
+    bool crossed =
+        now < dividerX ? before >= dividerX : dragged > hidingDistance && before > dividerX;
+    if (!crossed) return false;
+    hideByAlpha(window);
+    debugLog(fmt::format("[CmdDrag] reconcile: hide wid={} {}→{} dragged={}", window,
+                         describe(before), describe(now), describe(dragged)));
+    auto id = ids.find(window);
+    if (id != ids.end() && isStoredAlwaysShow(id->second)) {
+        appState.rules.setIconRule(IconRule::automatic, id->second);
+        debugLog("[CmdDrag] reconcile: clear alwaysShow rule for " + id->second);
+    }
+    return true;
+}
+
+bool StatusBarController::isStoredAlwaysShow(const std::string& persistedID) const {
+    IconRules rules = appState.rules.loadIconRules();
+    auto rule = rules.find(persistedID);
+    return rule != rules.end() && rule->second == IconRule::alwaysShow;
+}
+
+}  // namespace nevo
