@@ -163,7 +163,9 @@ void Bar::setInRow(BarItem& item, bool inRow) {
     if (item.isInRow == inRow) return;
     item.isInRow = inRow;
     if (inRow) {
-        keeper.add({item.key, item.applicationId, item.name, item.identity, item.length()});
+        std::string otherName = item.name == unnamedItem ? item.ownerName : "";
+        keeper.add({item.key, item.applicationId, item.name, otherName, item.identity,
+                    item.length()});
         item.awaitsPlace = true;
         xcb_map_window(display.get(), item.client);
     } else {

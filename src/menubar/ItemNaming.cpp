@@ -31,7 +31,7 @@ std::string chooseItemName(const NameHints& item, const std::vector<NameHints>& 
     for (const std::string& hint : {item.classInstance, item.windowName}) {
         if (isFree(hint) && isKnown(hint)) return hint;
     }
-    if (isFree("Item-0")) return "Item-0";
+    if (isFree(unnamedItem)) return unnamedItem;
     auto shares = [&](auto field) {
         return std::any_of(siblings.begin(), siblings.end(),
                            [&](const NameHints& sibling) { return sibling.*field == item.*field; });

@@ -16,6 +16,9 @@ struct NameHints {
 /// else does.
 std::string rowIdentity(const std::string& applicationId, const std::string& name, int ordinal);
 
+/// The name of an application's only or first item without one.
+inline constexpr const char* unnamedItem = "Item-0";
+
 /// A name for an item whose program gives it none: "Item-0" for an application's only or first
 /// item, else its window's class instance or title if they tell it from its siblings, else
 /// "Item-1" and on. A name that the row order knows already is kept, whichever sibling docks first.

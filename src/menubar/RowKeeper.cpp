@@ -3,12 +3,29 @@
 namespace nevo::menubar {
 
 void RowKeeper::add(const Arrival& arrival) {
-    domains[arrival.key] = {arrival.domain, arrival.name};
-    auto stored = store.position(arrival.domain, arrival.name);
+    const Domain& domain = domains[arrival.key] = {arrival.domain, arrival.name, arrival.otherName};
+    auto foreign = foreignPosition(domain);
+    auto stored = foreign ? foreign : store.position(domain.domain, domain.name);
     MenuBarRow::Item item{arrival.key, arrival.domain, arrival.identity, arrival.length, stored};
-    bool foreign = stored && store.isForeign(arrival.domain, arrival.name, *stored);
     if (foreign || !current.insertByOrder(item, store.order())) current.insert(item);
-    if (stored) store.acknowledge(arrival.domain, arrival.name, *stored);
+    acknowledge(domain);
+}
+
+std::optional<double> RowKeeper::foreignPosition(const Domain& domain) {
+    for (const std::string& name : {domain.otherName, domain.name}) {
+        if (name.empty()) continue;
+        auto stored = store.position(domain.domain, name);
+        if (stored && store.isForeign(domain.domain, name, *stored)) return stored;
+    }
+    return std::nullopt;
+}
+
+void RowKeeper::acknowledge(const Domain& domain) {
+    for (const std::string& name : {domain.otherName, domain.name}) {
+        if (name.empty()) continue;
+        if (auto stored = store.position(domain.domain, name))
+            store.acknowledge(domain.domain, name, *stored);
+    }
 }
 
 void RowKeeper::leave(MenuBarRow::Key key) {
@@ -20,10 +37,7 @@ void RowKeeper::leave(MenuBarRow::Key key) {
     bool isDivider = current.find(key)->length >= MenuBarRow::collapsedLength;
     bool isPushedOff = !isDivider && *distance >= MenuBarRow::collapsedLength;
     // Who changed the saved place while the item stood here meant it for its return.
-    const Domain& domain = domains[key];
-    auto stored = store.position(domain.domain, domain.name);
-    bool foreign = stored && store.isForeign(domain.domain, domain.name, *stored);
-    if (!foreign) writePosition(key, isPushedOff ? *distance : *position);
+    if (!foreignPosition(domains[key])) writePosition(key, isPushedOff ? *distance : *position);
     take(key);
 }
 
@@ -58,6 +72,9 @@ void RowKeeper::drop(MenuBarRow::Key key, double centerX, double systemAreaLeft)
 void RowKeeper::writePosition(MenuBarRow::Key key, double position) {
     const Domain& domain = domains[key];
     store.writePosition(domain.domain, domain.name, position);
+    // Where somebody has used the other name, it tells the truth as well.
+    if (!domain.otherName.empty() && store.position(domain.domain, domain.otherName))
+        store.writePosition(domain.domain, domain.otherName, position);
     current.setStoredPosition(key, position);
 }
 

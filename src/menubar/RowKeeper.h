@@ -20,6 +20,8 @@ public:
         /// The application id.
         std::string domain;
         std::string name;
+        /// What others call an item whose program gave it no name: its program's. Empty otherwise.
+        std::string otherName;
         std::string identity;
         double length = 0;
     };
@@ -43,12 +45,15 @@ public:
     bool save();
 
 private:
-    void writePosition(MenuBarRow::Key key, double position);
-
     struct Domain {
         std::string domain;
         std::string name;
+        std::string otherName;
     };
+    /// A position that somebody else has written, under either name.
+    std::optional<double> foreignPosition(const Domain& domain);
+    void acknowledge(const Domain& domain);
+    void writePosition(MenuBarRow::Key key, double position);
 
     MenuBarRow current;
     RowStore store;

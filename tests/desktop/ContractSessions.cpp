@@ -44,7 +44,8 @@ bool SimSession::soon(const std::function<bool()>& condition) {
 void X11Session::SetUp() {
     DesktopSession::SetUp();
     startBar();
-    for (const char* name : {"HOME", "XDG_CONFIG_HOME", "XDG_RUNTIME_DIR", "NO_AT_BRIDGE"}) {
+    for (const char* name : {"HOME", "XDG_CONFIG_HOME", "XDG_RUNTIME_DIR", "NO_AT_BRIDGE",
+                             "DBUS_SESSION_BUS_ADDRESS", "DBUS_SYSTEM_BUS_ADDRESS"}) {
         ::setenv(name, environment().at(name).c_str(), 1);
     }
     std::string failure;

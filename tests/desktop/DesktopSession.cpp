@@ -60,6 +60,8 @@ void DesktopSession::SetUp() {
         startAndReadLine({"dbus-daemon", "--session", "--nofork", "--print-address={}"}, settings,
                          folder / "log/dbus-daemon");
     settings["DBUS_SESSION_BUS_ADDRESS"] = line;
+    // The machine's own is nobody's business here.
+    settings["DBUS_SYSTEM_BUS_ADDRESS"] = line;
 
     // The connection of the test itself takes it from there.
     ::setenv("DISPLAY", settings["DISPLAY"].c_str(), 1);
@@ -272,8 +274,12 @@ void DesktopSession::addMonitor(const std::string& name, const std::string& geom
                                 const std::string& output) {
     // A new name for each main monitor: the server refuses one in use, and drops a monitor whose
     // output goes to another.
-    Process tool({"xrandr", "--setmonitor", name, geometry, output}, settings,
-                 folder / "log/xrandr");
+    runXrandr({"--setmonitor", name, geometry, output});
+}
+
+void DesktopSession::runXrandr(std::vector<std::string> arguments) {
+    arguments.insert(arguments.begin(), "xrandr");
+    Process tool(std::move(arguments), settings, folder / "log/xrandr");
     if (tool.waitForEnd() != 0) throw Failed("there is no such monitor:\n" + tool.output());
 }
 

@@ -72,6 +72,7 @@ protected:
     }
     /// A monitor beside the main one.
     void addSecondMonitor(const std::string& geometry) { addMonitor("second", geometry, "none"); }
+    void removeSecondMonitor() { runXrandr({"--delmonitor", "second"}); }
     Picture screenshot() const { return Picture::ofScreen(*server); }
 
     /// Waits until `condition` holds; ends the test when it doesn't.
@@ -90,6 +91,7 @@ protected:
     std::filesystem::path folder;
 
 private:
+    void runXrandr(std::vector<std::string> arguments);
     void addMonitor(const std::string& name, const std::string& geometry,
                     const std::string& output);
     std::unique_ptr<Process> start(const std::string& command, const std::string& logName);

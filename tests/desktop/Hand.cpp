@@ -39,18 +39,25 @@ void Hand::click(Point place, int button) {
     lastClick = Clock::now();
 }
 
-void Hand::superDrag(Point from, Point to) {
-    xcb_keycode_t super = codeOf(leftSuperKey);
+void Hand::drag(Point from, Point to, const std::function<void()>& underway) {
     moveTo(from);
-    fake(XCB_KEY_PRESS, super);
     fake(XCB_BUTTON_PRESS, 1);
+    if (underway) {
+        moveTo({from.x + 1, from.y});
+        underway();
+    }
     for (int i = 1; i <= dragSteps; ++i) {
         double part = static_cast<double>(i) / dragSteps;
         moveTo({from.x + (to.x - from.x) * part, from.y + (to.y - from.y) * part});
     }
     fake(XCB_BUTTON_RELEASE, 1);
-    fake(XCB_KEY_RELEASE, super);
     flush();
+}
+
+void Hand::superDrag(Point from, Point to, const std::function<void()>& underway) {
+    hold(leftSuperKey);
+    drag(from, to, underway);
+    letGo(leftSuperKey);
 }
 
 void Hand::press(xcb_keysym_t key) {
@@ -60,7 +67,23 @@ void Hand::press(xcb_keysym_t key) {
     flush();
 }
 
-xcb_keycode_t Hand::codeOf(xcb_keysym_t key) const {
+void Hand::press(xcb_keysym_t key, const std::vector<xcb_keysym_t>& held) {
+    for (xcb_keysym_t each : held) hold(each);
+    press(key);
+    for (xcb_keysym_t each : held) letGo(each);
+}
+
+void Hand::hold(xcb_keysym_t key) {
+    fake(XCB_KEY_PRESS, codeOf(key));
+    flush();
+}
+
+void Hand::letGo(xcb_keysym_t key) {
+    fake(XCB_KEY_RELEASE, codeOf(key));
+    flush();
+}
+
+xcb_keycode_t Hand::codeOf(xcb_keysym_t symbol) const {
     auto c = server.get();
     const xcb_setup_t* setup = xcb_get_setup(c);
     auto count = static_cast<std::uint8_t>(setup->max_keycode - setup->min_keycode + 1);
@@ -69,7 +92,7 @@ xcb_keycode_t Hand::codeOf(xcb_keysym_t key) const {
     if (!mapping) throw Failed("the display has no keyboard");
     const xcb_keysym_t* symbols = xcb_get_keyboard_mapping_keysyms(mapping.get());
     for (int i = 0; i < count * mapping->keysyms_per_keycode; ++i) {
-        if (symbols[i] != key) continue;
+        if (symbols[i] != symbol) continue;
         return static_cast<xcb_keycode_t>(setup->min_keycode + i / mapping->keysyms_per_keycode);
     }
     throw Failed("the keyboard lacks a key");

@@ -1,6 +1,8 @@
 #pragma once
 
 #include <chrono>
+#include <functional>
+#include <vector>
 
 #include "platform/Geometry.h"
 #include "platform/xcb/Connection.h"
@@ -15,14 +17,22 @@ public:
 
     void moveTo(Point place);
     void click(Point place, int button = 1);
-    /// Holds Super and drags with button 1, in steps.
-    void superDrag(Point from, Point to);
+    /// Drags with button 1, in steps. `underway` is called after the first point of the way, since
+    /// nobody is as quick as this hand.
+    void drag(Point from, Point to, const std::function<void()>& underway = {});
+    /// Holds Super meanwhile.
+    void superDrag(Point from, Point to, const std::function<void()>& underway = {});
     void press(xcb_keysym_t key);
+    /// Presses `key` while holding the others.
+    void press(xcb_keysym_t key, const std::vector<xcb_keysym_t>& held);
+    void hold(xcb_keysym_t key);
+    void letGo(xcb_keysym_t key);
+    /// The key that gives `symbol` now; ends the test when there is none.
+    xcb_keycode_t codeOf(xcb_keysym_t symbol) const;
 
 private:
     void fake(std::uint8_t type, std::uint8_t detail, Point place = {});
     void flush();
-    xcb_keycode_t codeOf(xcb_keysym_t key) const;
 
     const xcb::Connection& server;
     std::chrono::steady_clock::time_point lastClick;
@@ -30,6 +40,9 @@ private:
 
 inline constexpr xcb_keysym_t returnKey = 0xff0d;
 inline constexpr xcb_keysym_t upKey = 0xff52;
+inline constexpr xcb_keysym_t numLockKey = 0xff7f;
+inline constexpr xcb_keysym_t leftShiftKey = 0xffe1;
+inline constexpr xcb_keysym_t capsLockKey = 0xffe5;
 inline constexpr xcb_keysym_t leftSuperKey = 0xffeb;
 
 }  // namespace nevo::desktoptest

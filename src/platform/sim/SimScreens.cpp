@@ -25,19 +25,22 @@ void SimScreens::put(const SimDisplay& display) {
     } else {
         *found = display;
     }
-    if (all.size() == 1) all.front().frame.x = all.front().frame.y = 0;
+    moveOrigin();
 }
 
 bool SimScreens::remove(std::uint32_t id) {
     std::size_t gone = std::erase_if(all, [&](const SimDisplay& d) { return d.id == id; });
-    if (!all.empty()) {
-        Rect origin = all.front().frame;
-        for (SimDisplay& display : all) {
-            display.frame.x -= origin.x;
-            display.frame.y -= origin.y;
-        }
-    }
+    moveOrigin();
     return gone > 0;
+}
+
+void SimScreens::moveOrigin() {
+    if (all.empty()) return;
+    Rect origin = all.front().frame;
+    for (SimDisplay& display : all) {
+        display.frame.x -= origin.x;
+        display.frame.y -= origin.y;
+    }
 }
 
 Point SimScreens::flipped(Point place) const {

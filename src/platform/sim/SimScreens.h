@@ -22,7 +22,7 @@ public:
 
     const std::vector<SimDisplay>& displays() const { return all; }
     /// Adds a display, or changes the one with the same id. The first one is the main display and
-    /// has its origin at 0, 0.
+    /// the origin of all coordinates.
     void put(const SimDisplay& display);
     /// False when there is no such display. When the main display goes, the next one becomes it,
     /// and all coordinates move to its origin.
@@ -38,6 +38,8 @@ public:
     Rect flipped(const Rect& frame) const;
 
 private:
+    /// Puts the main display at 0, 0 and all others beside it as they stand.
+    void moveOrigin();
     Screen screen(const SimDisplay& display) const;
 
     std::vector<SimDisplay> all;

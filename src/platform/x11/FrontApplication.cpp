@@ -66,11 +66,14 @@ bool FrontApplication::isManaged() const {
 }
 
 std::optional<FrontApplication::Owner> FrontApplication::ownerOf(xcb_window_t window) const {
+    // openbox goes on naming a window that was closed, when it was the last one; and the server
+    // would tell the process of whichever client has got its numbers since.
+    xcb::Reply<xcb_get_geometry_reply_t> geometry(
+        xcb_get_geometry_reply(server.get(), xcb_get_geometry(server.get(), window), nullptr));
+    if (!geometry) return std::nullopt;
     auto pid = xcb::processOfWindow(server.get(), window, server.atom("_NET_WM_PID"));
     if (pid == getpid()) return Owner{*pid, applicationId};
     auto windowClass = xcb::classOfWindow(server.get(), window);
-    // It may have been closed meanwhile.
-    if (!pid && windowClass.name.empty() && windowClass.instance.empty()) return std::nullopt;
     return Owner{pid.value_or(0), identities.identify(pid, windowClass).applicationId};
 }
 

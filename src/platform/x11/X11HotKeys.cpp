@@ -218,6 +218,7 @@ bool X11HotKeys::Held::grab(const Combination& combination) {
     bool isWhole = true;
     for (auto cookie : asked) isWhole = xcb::succeeded(server.get(), cookie) && isWhole;
     if (!isWhole) ungrab(combination);
+    server.flush();
     return isWhole;
 }
 

@@ -42,7 +42,10 @@ X11Screens::X11Screens(XServer& x, EventPump& pump, NotificationCenter& center)
             type == XCB_CONFIGURE_NOTIFY &&
             reinterpret_cast<const xcb_configure_notify_event_t&>(event).window == server.root();
         if (isRandr || isRoot) read();
-        if (isRandr || isRoot || isOfRow(event)) settled.start();
+        bool isRow = isOfRow(event);
+        // The row counts from when this program's own items have come to it.
+        if (isRow && !announcedRow) announcedRow = readRow();
+        if (isRandr || isRoot || isRow) settled.start();
     });
     read();
     announced = monitors;
@@ -106,11 +109,10 @@ std::optional<X11Screens::Row> X11Screens::readRow() const {
 void X11Screens::reconsider() {
     read();
     auto row = readRow();
-    // The row counts once this program's own items have come to it.
-    bool isSameRow = !row || !announcedRow || row == announcedRow;
-    if (row) announcedRow = row;
+    bool isSameRow = !row || row == announcedRow;
     if (monitors == announced && isSameRow) return;
     announced = monitors;
+    if (row) announcedRow = row;
     notifications.post(changed);
 }
 

@@ -1,0 +1,202 @@
+// The shortcut that works whichever program is in front.
+
+#include <sys/types.h>
+
+#include <algorithm>
+
+#include "desktop/ContractSessions.h"
+#include "desktop/NevoSession.h"
+#include "platform/x11/X11HotKeys.h"
+
+namespace nevo::desktoptest {
+namespace {
+
+constexpr std::uint32_t keyB = 11;
+constexpr std::uint32_t keyN = 45;
+constexpr std::uint32_t superAndShift = commandHotKeyModifier | shiftHotKeyModifier;
+constexpr HotKeyIdentity identity{1, 1};
+
+class RecordingLog : public LogOutput {
+public:
+    void writeStandardError(std::string_view line) override { text += line; }
+    void writeStandardOutput(std::string_view) override {}
+    void appendToLogFile(std::string_view) override {}
+    std::string text;
+};
+
+std::unique_ptr<xcb::Connection> connect() {
+    std::string failure;
+    auto connection = xcb::Connection::open(failure);
+    if (!connection) throw Failed(failure);
+    return connection;
+}
+
+/// The keyboard's side of a program, on a connection of its own.
+struct KeyProgram {
+    KeyProgram() : handler(hotKeys.installPressedHandler([this] { return ++presses, 0; })) {
+        pump.watch([this](const xcb_generic_event_t& event) {
+            if ((event.response_type & 0x7f) == XCB_KEY_PRESS) ++pressEvents;
+            if ((event.response_type & 0x7f) == XCB_KEY_RELEASE) ++releaseEvents;
+        });
+    }
+
+    XServer server{connect()};
+    EventPump pump{server, [] {}};
+    Keyboard keyboard{server, pump};
+    RecordingLog log;
+    X11HotKeys hotKeys{server, pump, keyboard, log};
+    int presses = 0;
+    int pressEvents = 0;
+    int releaseEvents = 0;
+    HotKeyResult handler;
+};
+
+class HotKey : public X11Session {
+protected:
+    void pressShortcut(xcb_keysym_t key = 'b') { hand->press(key, {leftSuperKey, leftShiftKey}); }
+
+    /// Whether nobody else holds the key with these modifiers; holds it afterwards if `keeps`.
+    bool grab(xcb_keycode_t key, std::uint16_t state, bool keeps = false) {
+        auto c = server->get();
+        auto asked = xcb_grab_key_checked(c, 0, server->root(), state, key, XCB_GRAB_MODE_ASYNC,
+                                          XCB_GRAB_MODE_ASYNC);
+        bool isFree = xcb::succeeded(c, asked);
+        if (isFree && !keeps) letGo(key, state);
+        return isFree;
+    }
+    void letGo(xcb_keycode_t key, std::uint16_t state) {
+        xcb_ungrab_key(server->get(), key, server->root(), state);
+        server->flush();
+    }
+
+    void map(xcb_keycode_t key, xcb_keysym_t symbol) {
+        std::array<xcb_keysym_t, 2> symbols{symbol, symbol};
+        xcb_change_keyboard_mapping(server->get(), 1, key, 2, symbols.data());
+        server->flush();
+    }
+
+    static constexpr std::uint16_t plain = XCB_MOD_MASK_4 | XCB_MOD_MASK_SHIFT;
+    static constexpr std::uint16_t withNumLock = plain | XCB_MOD_MASK_2;
+    static constexpr std::uint16_t withCapsLock = plain | XCB_MOD_MASK_LOCK;
+};
+
+TEST_F(HotKey, eachPressIsHeardOnceWhateverIsLockedAndWhoeverHoldsThePointer) {
+    KeyProgram program;
+    auto key = program.hotKeys.registerHotKey(keyB, superAndShift, identity);
+    ASSERT_EQ(key.status, 0);
+    xcb_grab_pointer(server->get(), 0, server->root(), 0, XCB_GRAB_MODE_ASYNC, XCB_GRAB_MODE_ASYNC,
+                     XCB_NONE, XCB_NONE, XCB_CURRENT_TIME);
+    int expected = 0;
+    for (xcb_keysym_t lock : {capsLockKey, numLockKey, capsLockKey, numLockKey}) {
+        pressShortcut();
+        ++expected;
+        EXPECT_TRUE(soon([&] { return program.presses == expected; })) << expected;
+        hand->press(lock);
+    }
+
+    hand->press('b', {leftSuperKey});
+    hand->press('b');
+    auto other = program.hotKeys.registerHotKey(keyN, superAndShift, identity);
+    key.registration.reset();
+    pressShortcut('b');
+    pressShortcut('n');
+    EXPECT_TRUE(soon([&] { return program.presses > expected; }));
+    EXPECT_EQ(program.presses, expected + 1);
+    EXPECT_EQ(program.log.text, "");
+}
+
+TEST_F(HotKey, aKeyThatIsHeldDownIsOnePress) {
+    Process faster({"xset", "r", "rate", "60", "50"}, environment(), folder / "log/xset");
+    ASSERT_EQ(faster.waitForEnd(), 0) << faster.output();
+    KeyProgram program;
+    auto key = program.hotKeys.registerHotKey(keyB, superAndShift, identity);
+    for (int expected : {1, 2}) {
+        int before = program.pressEvents;
+        for (xcb_keysym_t each : {leftSuperKey, leftShiftKey, xcb_keysym_t{'b'}}) hand->hold(each);
+        EXPECT_TRUE(soon([&] { return program.pressEvents > before + 4; }))
+            << "the key doesn't repeat";
+        for (xcb_keysym_t each : {xcb_keysym_t{'b'}, leftShiftKey, leftSuperKey}) hand->letGo(each);
+        EXPECT_TRUE(soon([&] { return program.releaseEvents == program.pressEvents; }));
+        EXPECT_EQ(program.presses, expected);
+    }
+}
+
+TEST_F(HotKey, whatAnotherProgramHasInPartIsRefusedAsAWhole) {
+    xcb_keycode_t b = hand->codeOf('b');
+    ASSERT_TRUE(grab(b, withNumLock, true));
+    KeyProgram program;
+    auto refused = program.hotKeys.registerHotKey(keyB, superAndShift, identity);
+    EXPECT_EQ(refused.status, X11HotKeys::alreadyTaken);
+    EXPECT_FALSE(refused.registration);
+    EXPECT_TRUE(grab(b, plain));
+    EXPECT_TRUE(grab(b, withCapsLock));
+    EXPECT_EQ(program.log.text,
+              "Super+Shift+B belongs to another program; quit it and start nevo again, or choose "
+              "another shortcut.\n");
+
+    letGo(b, withNumLock);
+    EXPECT_TRUE(grab(b, withNumLock));
+    auto key = program.hotKeys.registerHotKey(keyB, superAndShift, identity);
+    auto twin = program.hotKeys.registerHotKey(keyB, superAndShift, identity);
+    EXPECT_EQ(key.status, 0);
+    EXPECT_EQ(twin.status, 0);
+    // The same combination of one program: it is free again when both have gone.
+    key.registration.reset();
+    EXPECT_FALSE(grab(b, plain));
+    twin.registration.reset();
+    EXPECT_TRUE(grab(b, plain));
+}
+
+TEST_F(HotKey, followsTheKeyboardsMap) {
+    KeyProgram program;
+    auto key = program.hotKeys.registerHotKey(keyB, superAndShift, identity);
+    xcb_keycode_t b = hand->codeOf('b');
+    xcb_keycode_t n = hand->codeOf('n');
+    map(b, 'n');
+    map(n, 'b');
+    EXPECT_TRUE(soon([&] { return !grab(n, withCapsLock) && grab(b, plain); }));
+    pressShortcut('n');
+    pressShortcut('b');
+    EXPECT_TRUE(soon([&] { return program.presses > 0; }));
+    EXPECT_EQ(program.presses, 1);
+
+    map(n, 'q');
+    EXPECT_TRUE(soon([&] { return grab(n, plain); }));
+    auto missing = program.hotKeys.registerHotKey(keyB, superAndShift, identity);
+    EXPECT_NE(missing.status, 0);
+    EXPECT_NE(missing.status, X11HotKeys::alreadyTaken);
+    EXPECT_TRUE(program.log.text.find("no Super+Shift+B") != std::string::npos) << program.log.text;
+    map(n, 'b');
+    EXPECT_TRUE(soon([&] { return !grab(n, plain); }));
+}
+
+TEST_F(HotKey, aRegistrationMayOutliveTheDesktop) {
+    auto program = std::make_unique<KeyProgram>();
+    auto key = program->hotKeys.registerHotKey(keyB, superAndShift, identity);
+    HotKeyResult handler = program->hotKeys.installPressedHandler([] { return 0; });
+    program.reset();
+    handler.registration.reset();
+    key.registration.reset();
+    EXPECT_TRUE(grab(hand->codeOf('b'), plain));
+}
+
+class Shortcut : public NevoSession {};
+
+TEST_F(Shortcut, doesWhatAClickOnTheToggleDoes) {
+    startAll();
+    hand->press('b', {leftSuperKey, leftShiftKey});
+    waitForOnScreen(names());
+}
+
+TEST_F(Shortcut, thatAnotherProgramHasIsReportedAndTheClickStillWorks) {
+    auto c = server->get();
+    auto asked = xcb_grab_key_checked(c, 0, server->root(), XCB_MOD_MASK_4 | XCB_MOD_MASK_SHIFT,
+                                      hand->codeOf('b'), XCB_GRAB_MODE_ASYNC, XCB_GRAB_MODE_ASYNC);
+    ASSERT_TRUE(xcb::succeeded(c, asked));
+    startAll();
+    toggle(names());
+    EXPECT_NE(nevo().output().find("Super+Shift+B belongs to another program"), std::string::npos);
+}
+
+}  // namespace
+}  // namespace nevo::desktoptest
