@@ -1,5 +1,7 @@
 #include <fmt/format.h>
 
+#include <algorithm>
+
 #include "controller/StatusBarController.h"
 #include "core/debugLog.h"
 #include "core/notificationNames.h"
@@ -36,8 +38,8 @@ void StatusBarController::handleAppActivation(const Notification& notification) 
     AppRules rules = appState.rules.loadAppRules();
     auto rule = rules.find(bundleID->second);
     if (rule == rules.end()) return;
-    spawn(platform.runLoop,
-          applyAppRule(weak_from_this(), rule->second.visibleIcons, rule->second.hiddenIcons));
+    spawn(platform.runLoop, applyAppRule(weak_from_this(), appRuleGeneration,
+                                         rule->second.visibleIcons, rule->second.hiddenIcons));
 }
 
 Task<> StatusBarController::reapplyAppRule(std::weak_ptr<StatusBarController> owner,
@@ -50,8 +52,9 @@ Task<> StatusBarController::reapplyAppRule(std::weak_ptr<StatusBarController> ow
     if (rule == rules.end()) co_return;
     std::set<std::string> visible = rule->second.visibleIcons;
     std::set<std::string> hidden = rule->second.hiddenIcons;
+    int generation = self->appRuleGeneration;
     self.reset();
-    co_await applyAppRule(owner, visible, hidden);
+    co_await applyAppRule(owner, generation, visible, hidden);
 }
 
 void StatusBarController::restoreAppRuleOverrides() {
@@ -62,11 +65,12 @@ void StatusBarController::restoreAppRuleOverrides() {
     debugLog("[AppRule] Restoring overrides for " + *appRuleActiveForBundleID);
     for (const AlphaOverride& changed : appRuleAlphaOverrides) {
         platform.windows.setWindowAlpha(changed.windowID, changed.previousAlpha);
-        // What goes back to being transparent has left the set that the end makes opaque.
-        if (changed.previousAlpha < 1) {
+        // Whatever is transparent is in a set that makes it opaque again one day.
+        sectionManager.passinglyTransparentWindows.erase(changed.windowID);
+        if (changed.wasAlphaHidden) {
+            sectionManager.alphaHiddenWindows.insert(changed.windowID);
+        } else if (changed.previousAlpha < 1) {
             sectionManager.passinglyTransparentWindows.insert(changed.windowID);
-        } else {
-            sectionManager.passinglyTransparentWindows.erase(changed.windowID);
         }
     }
     if (isPanelVisible()) dismissBar();
@@ -76,7 +80,7 @@ void StatusBarController::restoreAppRuleOverrides() {
     appRuleActiveForBundleID.reset();
 }
 
-Task<> StatusBarController::applyAppRule(std::weak_ptr<StatusBarController> owner,
+Task<> StatusBarController::applyAppRule(std::weak_ptr<StatusBarController> owner, int generation,
                                          std::set<std::string> visibleIcons,
                                          std::set<std::string> hiddenIcons) {
     if (visibleIcons.empty() && hiddenIcons.empty()) co_return;
@@ -84,7 +88,6 @@ Task<> StatusBarController::applyAppRule(std::weak_ptr<StatusBarController> owne
     if (!self) co_return;
     MenuBarScanner& scanner = self->services.scanner;
     std::set<WindowNumber> own = self->sectionManager.ownWindowIDs();
-    int generation = self->appRuleGeneration;
     self.reset();
     ScannedBarItems items = co_await scanner.scan(own, true);
     self = owner.lock();
@@ -110,9 +113,10 @@ Task<> StatusBarController::applyAppRule(std::weak_ptr<StatusBarController> owne
 /// What the divider hides can't be seen in its place: it goes to the floating bar.
 void StatusBarController::showInBar(const ScannedBarItems& items,
                                     const std::set<std::string>& visibleIcons) {
+    SectionSnapshot sections = sectionManager.classify(items);
     if (!nevoBar || !sectionManager.isHiddenDividerCollapsed()) return;
     std::vector<BarItem> toShow;
-    for (const ScannedBarItem& item : sectionManager.classify(items)[SectionName::hidden]) {
+    for (const ScannedBarItem& item : sections[SectionName::hidden]) {
         if (itemMatchesRule(item, visibleIcons)) toShow.emplace_back(item);
     }
     if (toShow.empty()) return;
@@ -131,10 +135,16 @@ float StatusBarController::lastingAlpha(WindowNumber window) const {
     return platform.windows.windowAlpha(window).value_or(1.0F);
 }
 
+bool StatusBarController::isHiddenByAppRule(WindowNumber window) const {
+    return !appRuleProtectedWIDs.contains(window) &&
+           std::any_of(appRuleAlphaOverrides.begin(), appRuleAlphaOverrides.end(),
+                       [window](const auto& changed) { return changed.windowID == window; });
+}
+
 void StatusBarController::hideByAppRule(const ScannedBarItem& item) {
     float alpha = lastingAlpha(item.windowID);
     if (alpha <= 0) return;
-    appRuleAlphaOverrides.push_back({item.windowID, alpha});
+    appRuleAlphaOverrides.push_back({item.windowID, alpha, false});
     sectionManager.passinglyTransparentWindows.insert(item.windowID);
     platform.windows.setWindowAlpha(item.windowID, 0.0F);
     debugLog(
@@ -145,9 +155,9 @@ void StatusBarController::showByAppRule(const ScannedBarItem& item) {
     if (appRuleProtectedWIDs.contains(item.windowID)) return;
     float alpha = lastingAlpha(item.windowID);
     if (alpha >= 1) return;
-    appRuleAlphaOverrides.push_back({item.windowID, alpha});
+    bool wasHidden = sectionManager.alphaHiddenWindows.erase(item.windowID) > 0;
+    appRuleAlphaOverrides.push_back({item.windowID, alpha, wasHidden});
     platform.windows.setWindowAlpha(item.windowID, 1.0F);
-    sectionManager.alphaHiddenWindows.erase(item.windowID);
     appRuleProtectedWIDs.insert(item.windowID);
     debugLog(fmt::format("[AppRule] Show alpha-hidden {} ({}) wid={}", item.label, item.bundleID,
                          item.windowID));

@@ -1,5 +1,6 @@
 #include <fmt/format.h>
 
+#include <algorithm>
 #include <cmath>
 
 #include "controller/StatusBarController.h"
@@ -86,7 +87,7 @@ void StatusBarController::handleDragEvent(const Event& event, const char* monito
     }
 }
 
-bool StatusBarController::mayStartDrag(Point mouse) const {
+bool StatusBarController::mayStartDrag() const {
     if (isDraggingMenuBarItem) {
         debugLog("[CmdDrag] start gate: already dragging");
         return false;
@@ -95,12 +96,11 @@ bool StatusBarController::mayStartDrag(Point mouse) const {
         debugLog("[CmdDrag] start gate: hidden section NOT collapsed, skip");
         return false;
     }
-    auto screen = platform.screens.mainScreen();
-    for (const Screen& each : platform.screens.screens()) {
-        if (!each.frame.contains(mouse)) continue;
-        screen = each;
-        break;
-    }
+    Point mouse = platform.events.mouseLocation();
+    auto screens = platform.screens.screens();
+    auto under = std::find_if(screens.begin(), screens.end(),
+                              [mouse](const Screen& each) { return each.frame.contains(mouse); });
+    auto screen = under == screens.end() ? platform.screens.mainScreen() : std::optional(*under);
     if (!screen) {
         debugLog("[CmdDrag] start gate: no mouseScreen found for mouse=" + describe(mouse));
         return false;
@@ -113,8 +113,8 @@ bool StatusBarController::mayStartDrag(Point mouse) const {
 }
 
 void StatusBarController::startDrag() {
+    if (!mayStartDrag()) return;
     Point mouse = platform.events.mouseLocation();
-    if (!mayStartDrag(mouse)) return;
     // From here on, since the loop is turned below: the drag's next events come in there.
     isDraggingMenuBarItem = true;
     auto toggle = SectionManager::frame(*sectionManager.toggleItem);
@@ -125,6 +125,8 @@ void StatusBarController::startDrag() {
     if (StatusItemButton* button = sectionManager.toggleItem->button()) button->setAlpha(1.0);
     auto self = shared_from_this();
     platform.runLoop.turnFor(layoutTurn);
+    // A drag that was over before the bar had its new layout has nothing to be measured.
+    if (!isDraggingMenuBarItem) return;
 
     preDragToggleFrame = SectionManager::frame(*sectionManager.toggleItem);
     for (WindowNumber window : otherMenuBarWindows()) {

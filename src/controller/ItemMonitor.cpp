@@ -114,7 +114,8 @@ void StatusBarController::alphaHideStrays(const std::set<WindowNumber>& ownIDs) 
 void StatusBarController::enforceAlwaysHide(const std::set<WindowNumber>& ownIDs) {
     IconRules rules = appState.rules.loadIconRules();
     for (const ScannedBarItem& item : snapshotItems({SectionName::visible})) {
-        if (ownIDs.contains(item.windowID)) continue;
+        bool isShownByAppRule = appRuleProtectedWIDs.contains(item.windowID);
+        if (ownIDs.contains(item.windowID) || isShownByAppRule) continue;
         if (sectionManager.alphaHiddenWindows.contains(item.windowID)) {
             services.mover.setWindowAlpha(item.windowID, 0.0);
             continue;

@@ -176,6 +176,8 @@ bool StatusBarController::hideByAlpha(WindowNumber window) {
 
 void StatusBarController::showByAlpha(WindowNumber window) {
     sectionManager.alphaHiddenWindows.erase(window);
+    // The rule of the program in front comes first, as long as it is there.
+    if (isHiddenByAppRule(window)) return;
     sectionManager.passinglyTransparentWindows.erase(window);
     services.mover.setWindowAlpha(window, 1.0);
 }
@@ -295,8 +297,9 @@ Task<> StatusBarController::moveBehindDivider(std::weak_ptr<StatusBarController>
     if (!self) co_return;
     for (WindowNumber other : others) {
         self->sectionManager.blankedWindows.erase(other);
-        if (!self->sectionManager.alphaHiddenWindows.contains(other))
-            mover.setWindowAlpha(other, 1.0);
+        bool staysHidden = self->sectionManager.alphaHiddenWindows.contains(other) ||
+                           self->isHiddenByAppRule(other);
+        if (!staysHidden) mover.setWindowAlpha(other, 1.0);
     }
     mover.setWindowAlpha(window, 0.0);
     self->updateAlwaysHiddenDivider();

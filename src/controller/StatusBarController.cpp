@@ -147,6 +147,8 @@ void StatusBarController::tearDown() {
     notificationObservers.clear();
     screenChangeObserver.reset();
     isDisplayTransitioning = false;
+    isDraggingMenuBarItem = false;
+    ++appRuleGeneration;
     dismissBar();
     refreshToggleButton();
     sectionManager.expand(true);

@@ -93,9 +93,10 @@ public:
     /// and its own rule comes into force.
     void handleAppActivation(const Notification& notification);
     void restoreAppRuleOverrides();
-    /// Changes the opacity of items for as long as the application is in front. An activation or a
-    /// change of the rule that comes while it waits for its scan calls it off.
-    static Task<> applyAppRule(std::weak_ptr<StatusBarController> owner,
+    /// Changes the opacity of items for as long as the application is in front. `generation` is
+    /// `appRuleGeneration` when it was asked for: an activation or a change of the rule that comes
+    /// before it has its scan calls it off.
+    static Task<> applyAppRule(std::weak_ptr<StatusBarController> owner, int generation,
                                std::set<std::string> visibleIcons,
                                std::set<std::string> hiddenIcons);
 
@@ -189,7 +190,7 @@ private:
     void handleTapEvent(const Event& event);
     void handleDragEvent(const Event& event, const char* monitor);
     void tapDragged();
-    bool mayStartDrag(Point mouse) const;
+    bool mayStartDrag() const;
     /// Opens the divider for the drag's duration and notes where everything stands. Turns the loop
     /// for a moment. The same drag calls it many times.
     void startDrag();
@@ -210,6 +211,7 @@ private:
     void showInBar(const ScannedBarItems& items, const std::set<std::string>& visibleIcons);
     /// A window's alpha apart from what it is for a moment only; 1 when it can't be read.
     float lastingAlpha(WindowNumber window) const;
+    bool isHiddenByAppRule(WindowNumber window) const;
     void hideByAppRule(const ScannedBarItem& item);
     void showByAppRule(const ScannedBarItem& item);
 
@@ -295,6 +297,8 @@ private:
     struct AlphaOverride {
         WindowNumber windowID = 0;
         float previousAlpha = 1;
+        /// It was among the windows that are kept transparent.
+        bool wasAlphaHidden = false;
     };
     /// The application whose rule is in force.
     std::optional<std::string> appRuleActiveForBundleID;
