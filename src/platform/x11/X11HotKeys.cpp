@@ -65,7 +65,9 @@ struct X11HotKeys::Held {
 
     Held(XServer& x, Keyboard& keys, LogOutput& output) : server(x), keyboard(keys), log(output) {}
     ~Held() {
-        for (const auto& [id, entry] : entries) letGo(entry);
+        for (const auto& [id, entry] : entries) {
+            if (entry.grabbed) ungrab(*entry.grabbed);
+        }
         server.flush();
     }
 
