@@ -1,29 +1,12 @@
 // How the cost of looking at the bar grows with the number of items, on the simulated desktop.
 #include <benchmark/benchmark.h>
 
-#include <string>
-
 #include "discovery/MenuBarScanner.h"
+#include "fillDesktop.h"
 #include "placement/SectionManager.h"
-#include "platform/sim/SimDesktop.h"
 
 namespace nevo {
 namespace {
-
-void fill(SimDesktop& desktop, std::int64_t items) {
-    for (std::int64_t i = 0; i < items; ++i) {
-        SimOtherProgram program;
-        program.handle = "Program" + std::to_string(i);
-        program.application.bundleIdentifier = "org.example.program" + std::to_string(i);
-        program.application.localizedName = program.handle;
-        SimItemPlan item;
-        item.label = program.handle;
-        program.items = {item};
-        desktop.applications.add(program);
-        desktop.applications.launch(program.handle);
-    }
-    desktop.loop.runFor(1);
-}
 
 Task<> scanOnce(MenuBarScanner* scanner, std::set<WindowNumber> own, ScannedBarItems* result) {
     *result = co_await scanner->scan(own, false);
@@ -31,7 +14,7 @@ Task<> scanOnce(MenuBarScanner* scanner, std::set<WindowNumber> own, ScannedBarI
 
 void scan(benchmark::State& state) {
     SimDesktop desktop;
-    fill(desktop, state.range(0));
+    fillDesktop(desktop, state.range(0));
     Platform platform = desktop.platform();
     ScreenCaptureService capture(platform);
     MenuBarScanner scanner(platform, capture);

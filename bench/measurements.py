@@ -2,10 +2,11 @@
 
 import signal
 import time
+from contextlib import ExitStack
 from dataclasses import dataclass
 
 import proc
-from stage import CLIPMAN, PARCELLITE, QLIPPER, VOLUMEICON, Failure, stage
+from stage import CLIPMAN, PARCELLITE, QLIPPER, VOLUMEICON, Failure, selectionOwner, stage
 from table import Row, middle, percentile
 
 CLICKS = 60  # on the toggle, each way
@@ -13,6 +14,17 @@ BAD_CLICKS = 100
 WARM_UP = 5  # seconds after which memory is looked at
 FEW = [PARCELLITE, VOLUMEICON, CLIPMAN, QLIPPER]
 MANY = 30
+DRAGS = 60
+TRAY_ICONS = 10
+RULES = {"Parcellite >>> parcellite": "alwaysShow", "volumeicon >>> volumeicon": "alwaysShow",
+         "icon-1 >>> bench-probe": "alwaysShow", "Clipboard Manager >>> xfce4-clipman": "alwaysHide",
+         "icon-2 >>> bench-probe": "alwaysHide"}
+
+
+def trayIcons(desktop, count=TRAY_ICONS):
+    """Real programs and, for the rest, icons that do nothing."""
+    return FEW + [(desktop.ours("bench-probe"), "icon", f"icon-{i}")
+                  for i in range(count - len(FEW))]
 
 
 def collapse(programs, options):
@@ -20,10 +32,8 @@ def collapse(programs, options):
     rows = []
     for count in (len(FEW), MANY):
         with stage(programs) as desktop:
-            icons = [(desktop.ours("bench-probe"), "icon", f"icon-{i}")
-                     for i in range(count - len(FEW))]
             desktop.startBar()
-            desktop.fillBar(*FEW, *icons)
+            desktop.fillBar(*trayIcons(desktop, count))
             desktop.startNevo()
             figures = desktop.finish(desktop.startProbe("toggle", str(CLICKS)))
         if figures["items"] != [count]:
@@ -85,7 +95,7 @@ def runHost(programs, commandOf, idleSeconds):
         process, owned, shown = startHost(desktop, commandOf(desktop))
         time.sleep(WARM_UP)
         memory = proc.memory(process.pid)
-        work = proc.idle(process.pid, idleSeconds) if idleSeconds else None
+        work = proc.idle([process.pid], idleSeconds)[0] if idleSeconds else None
         return HostRun(owned, shown, memory.pss, memory.rss), work
 
 
@@ -165,19 +175,76 @@ def keepCrowding(desktop, probe):
         desktop.stop(crowd)
 
 
+def startTray(desktop, command):
+    """Another tray, with the same icons as Nevo's."""
+    probe = desktop.startProbe("host", str(TRAY_ICONS))
+    probe.stdout.readline()  # "watching"
+    process = desktop.launch(*command)
+    desktop.wait("it owns the tray", lambda: selectionOwner(
+        desktop.environment["DISPLAY"], "_NET_SYSTEM_TRAY_S0"))
+    for icon in trayIcons(desktop):
+        desktop.launch(*icon)
+    desktop.finish(probe)
+    return process
+
+
 def nevo(programs, options):
-    """Nevo's own cost with everything hidden."""
+    """Nevo at rest in both modes, and other trays with the same icons: each on a display of its
+    own, through the same minute."""
+    watched = {}
+    memory = None
+    with ExitStack() as displays:
+        for mode in ("push", "shelf"):
+            desktop = displays.enter_context(stage(programs))
+            bar = desktop.startBar()
+            desktop.fillBar(*trayIcons(desktop))
+            watched[f"nevo, {mode}"] = desktop.startNevoWithRules(mode, RULES)
+            watched[f"nevo-menubar beside it, {mode}"] = bar
+            if not memory:  # a second Nevo would share its pages
+                time.sleep(WARM_UP)
+                memory = proc.memory(watched[f"nevo, {mode}"].pid)
+        for name in ("trayer", "tint2"):
+            desktop = displays.enter_context(stage(programs))
+            watched[name] = startTray(desktop, HOSTS[name](desktop))
+        time.sleep(WARM_UP)
+        works = proc.idle([process.pid for process in watched.values()], options.idle)
+    return [Row("nevo: PSS", memory.pss, "kB"), Row("nevo: RSS", memory.rss, "kB"),
+            *idleRows(dict(zip(watched, works)), options.idle)]
+
+
+def idleRows(works, seconds):
+    rows = []
+    for what, unit, figureOf, most in (
+            ("CPU", "ms", lambda work: work.milliseconds, seconds),  # a thousandth of a core
+            ("wake-ups", "", lambda work: work.wakeups, seconds)):
+        for name, work in works.items():
+            isNevo = name.startswith("nevo,")
+            for peer in ("trayer", "tint2") if isNevo else ("",):
+                rows.append(Row(f"{name}: {what} in {seconds} s idle", figureOf(work), unit,
+                                figureOf(works[peer]) if peer else None, peer,
+                                most=most if isNevo else None))
+    return rows
+
+
+def drag(programs, options):
+    """A drag as Nevo makes it, beside the waits that it was told to make on its way."""
     with stage(programs) as desktop:
         desktop.startBar()
-        desktop.fillBar(*FEW)
-        process = desktop.startNevo()
-        time.sleep(WARM_UP)
-        memory = proc.memory(process.pid)
-        work = proc.idle(process.pid, options.idle)
-    span = f"in {options.idle} s idle"
-    return [Row("nevo: PSS", memory.pss, "kB"), Row("nevo: RSS", memory.rss, "kB"),
-            Row(f"nevo: CPU {span}", work.milliseconds, "ms"),
-            Row(f"nevo: wake-ups {span}", work.wakeups, "")]
+        desktop.fillBar(*trayIcons(desktop))
+        figures = desktop.finish(desktop.startProbe("Parcellite", str(DRAGS), name="bench-drag"))
+    told = figures["told"]
+    drags = [(whole / wait, whole, wait) for whole, wait in zip(figures["whole"], told)]
+    rows = []
+    for part in (50, 95):
+        _, whole, wait = percentile(drags, part)  # by the ratio
+        rows.append(Row(f"drag, p{part}", whole, "ms", wait, "its waits"))
+    late = [taken - wait for taken, wait in zip(figures["taken"], told)]
+    beyond = [whole - wait for _, whole, wait in drags]
+    for what, times in (("beyond its waits", beyond), ("of that, waits that ended late", late)):
+        rows += [Row(f"drag, {what}, p{part}", percentile(times, part), "ms") for part in (50, 95)]
+    rows.append(Row(f"drag, more attempts needed, of {len(told)}",
+                    sum(wait > min(told) for wait in told), ""))
+    return rows
 
 
-ALL = {"collapse": collapse, "hosts": hosts, "bad": bad, "nevo": nevo}
+ALL = {"collapse": collapse, "hosts": hosts, "bad": bad, "nevo": nevo, "drag": drag}

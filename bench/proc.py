@@ -41,11 +41,11 @@ def work(pid):
     return Work(nanoseconds / 1e6, wakeups)
 
 
-def idle(pid, seconds):
-    """The work of a process that has nothing to do."""
-    before = work(pid)
+def idle(pids, seconds):
+    """The work of each of these processes while they have nothing to do."""
+    before = [work(pid) for pid in pids]
     time.sleep(seconds)
-    return work(pid) - before
+    return [work(pid) - earlier for pid, earlier in zip(pids, before)]
 
 
 def settle(pids, patience=20):

@@ -1,5 +1,6 @@
 """A private desktop to measure on."""
 
+import base64
 import json
 import signal
 import subprocess
@@ -9,7 +10,7 @@ from contextlib import contextmanager
 from pathlib import Path
 
 sys.path.insert(0, str(Path(__file__).resolve().parent.parent / "scripts"))
-from desktop import Bar, Desktop, Failure  # noqa: E402  (found by the line above)
+from desktop import Bar, Desktop, Failure, selectionOwner  # noqa: E402,F401  (found above)
 
 PARCELLITE = ("parcellite",)
 VOLUMEICON = ("volumeicon",)
@@ -37,14 +38,28 @@ class Stage(Desktop):
             self.launch(*command)
             self.wait(f"{command[0]} has docked", lambda n=count: len(self.bar.items() or []) >= n)
 
-    def startNevo(self):
-        """Nevo as on any day but the first; it hides everything left of its toggle."""
+    def startNevo(self, **stored):
+        """Nevo as on any day but the first, with more stored values; it hides everything left of
+        its toggle."""
         folder = self.home / ".config/nevo/defaults"
         folder.mkdir(parents=True, exist_ok=True)
         (folder / "com.nevoapp.Nevo.json").write_text(json.dumps(
-            {"nevo_onboarding_completed": True}))
+            {"nevo_onboarding_completed": True, **stored}))
         process = self.launch(self.ours("nevo"))
         self.wait("Nevo has hidden all items", lambda: self.isHidden(process.pid))
+        return process
+
+    def startNevoWithRules(self, mode, rules):
+        """In "push" or "shelf" mode, with the rules in force."""
+        text = base64.b64encode(json.dumps(rules).encode()).decode()
+        process = self.startNevo(displayMode=mode, nevo_icon_rules={"base64": text})
+        log = self.home / "nevo_debug.log"
+        self.wait("the rules are in force",
+                  lambda: "replayAllRulesOnStartup: done" in log.read_text())
+        shown = sum(rule == "alwaysShow" for rule in rules.values())
+        self.wait("the items that are to be shown can be seen",
+                  lambda: sum(self.bar.isVisible(item) for item in self.bar.items() or []
+                              if item.pid != process.pid) == shown)
         return process
 
     def isHidden(self, nevo):
@@ -58,21 +73,22 @@ class Stage(Desktop):
         self.signalGroup(process, signal.SIGKILL)
         process.wait()
 
-    def startProbe(self, *words):
+    def startProbe(self, *words, name="bench-probe"):
         """The stopwatch; its lines can be read while it runs. `finish` ends with them."""
-        return subprocess.Popen((self.ours("bench-probe"), *words), env=self.environment, text=True,
+        return subprocess.Popen((self.ours(name), *words), env=self.environment, text=True,
                                 stdin=subprocess.DEVNULL, stdout=subprocess.PIPE,
                                 stderr=subprocess.PIPE)
 
     def finish(self, probe, seconds=300):
         """The probe's figures by what they are."""
+        name = Path(probe.args[0]).name
         try:
             output, complaint = probe.communicate(timeout=seconds)
         except subprocess.TimeoutExpired:
             probe.kill()
-            raise Failure("bench-probe doesn't come to an end") from None
+            raise Failure(f"{name} doesn't come to an end") from None
         if probe.returncode != 0:
-            raise Failure(f"bench-probe: {complaint.strip()}")
+            raise Failure(f"{name}: {complaint.strip()}")
         figures = {}
         for line in output.splitlines():
             what, value = line.split()

@@ -64,6 +64,9 @@ void StatusBarController::restoreAppRuleOverrides() {
     if (!appRuleActiveForBundleID) return;
     debugLog("[AppRule] Restoring overrides for " + *appRuleActiveForBundleID);
     for (const AlphaOverride& changed : appRuleAlphaOverrides) {
+        bool wasOpened = changed.alphaRestoreCount != sectionManager.alphaRestoreCount;
+        // Had the rule not shown it, the section's opening would have.
+        if (changed.wasAlphaHidden && wasOpened) continue;
         platform.windows.setWindowAlpha(changed.windowID, changed.previousAlpha);
         // Whatever is transparent is in a set that makes it opaque again one day.
         sectionManager.passinglyTransparentWindows.erase(changed.windowID);
@@ -144,7 +147,7 @@ bool StatusBarController::isHiddenByAppRule(WindowNumber window) const {
 void StatusBarController::hideByAppRule(const ScannedBarItem& item) {
     float alpha = lastingAlpha(item.windowID);
     if (alpha <= 0) return;
-    appRuleAlphaOverrides.push_back({item.windowID, alpha, false});
+    appRuleAlphaOverrides.push_back({item.windowID, alpha});
     sectionManager.passinglyTransparentWindows.insert(item.windowID);
     platform.windows.setWindowAlpha(item.windowID, 0.0F);
     debugLog(
@@ -156,7 +159,12 @@ void StatusBarController::showByAppRule(const ScannedBarItem& item) {
     float alpha = lastingAlpha(item.windowID);
     if (alpha >= 1) return;
     bool wasHidden = sectionManager.alphaHiddenWindows.erase(item.windowID) > 0;
-    appRuleAlphaOverrides.push_back({item.windowID, alpha, wasHidden});
+    bool wasPassing = sectionManager.passinglyTransparentWindows.erase(item.windowID) > 0;
+    // One that was transparent without being kept so has no reason to become so again.
+    if (wasHidden || !wasPassing) {
+        appRuleAlphaOverrides.push_back(
+            {item.windowID, alpha, wasHidden, sectionManager.alphaRestoreCount});
+    }
     platform.windows.setWindowAlpha(item.windowID, 1.0F);
     appRuleProtectedWIDs.insert(item.windowID);
     debugLog(fmt::format("[AppRule] Show alpha-hidden {} ({}) wid={}", item.label, item.bundleID,

@@ -65,7 +65,9 @@ void StatusBarController::enforceAlwaysShow(const std::set<WindowNumber>& ownIDs
 /// True when the item has come to stand left of the toggle.
 bool StatusBarController::enforceAlwaysShow(const ScannedBarItem& item, double nevoX) {
     preferences.restoreAndLog(item.bundleID, item.persistedID);
-    if (sectionManager.alphaHiddenWindows.contains(item.windowID)) showByAlpha(item.windowID);
+    bool isTransparent = sectionManager.alphaHiddenWindows.contains(item.windowID) ||
+                         sectionManager.passinglyTransparentWindows.contains(item.windowID);
+    if (isTransparent) showByAlpha(item.windowID);
     bool isProtected = alwaysShowProtectedWIDs.contains(item.windowID);
     auto frame = services.mover.readableFrame(item.windowID);
     bool inHiddenZone = nevoX > 0 && frame && frame->x < nevoX;

@@ -97,7 +97,7 @@ Task<> StatusBarController::handleRuleChange(std::weak_ptr<StatusBarController> 
     if (rule == IconRule::alwaysShow) {
         co_await applyAlwaysShow(owner, *window);
     } else if (rule == IconRule::alwaysHide) {
-        co_await applyAlwaysHide(owner, *window);
+        co_await applyAlwaysHide(owner, id, *window);
     } else if (auto held = owner.lock()) {
         held->applyAutomatic(*window);
     }
@@ -155,13 +155,15 @@ std::map<WindowNumber, std::string> StatusBarController::snapshotIDs() const {
 
 void StatusBarController::applyAutomatic(WindowNumber window) {
     alwaysShowProtectedWIDs.erase(window);
-    bool wasHidden = sectionManager.alphaHiddenWindows.erase(window) +
-                         sectionManager.passinglyTransparentWindows.erase(window) >
-                     0;
+    // The rule of the program in front comes first, as long as it is there.
+    bool isOverridden = isHiddenByAppRule(window);
+    bool wasHidden = sectionManager.alphaHiddenWindows.erase(window) > 0;
+    if (!isOverridden)
+        wasHidden = sectionManager.passinglyTransparentWindows.erase(window) > 0 || wasHidden;
     if (sectionManager.isHiddenDividerCollapsed()) {
         hideByAlpha(window);
         debugLog(fmt::format("[Rules] auto (collapsed): keep hidden wid={}", window));
-    } else if (wasHidden) {
+    } else if (wasHidden && !isOverridden) {
         services.mover.setWindowAlpha(window, 1.0);
         debugLog(fmt::format("[Rules] auto: restored wid={}", window));
     }
@@ -172,6 +174,13 @@ bool StatusBarController::hideByAlpha(WindowNumber window) {
     bool ok = services.mover.setWindowAlpha(window, 0.0);
     sectionManager.alphaHiddenWindows.insert(window);
     return ok;
+}
+
+/// The section may have been opened since, which forgets what is transparent.
+void StatusBarController::hideAgain(WindowNumber window) {
+    services.mover.setWindowAlpha(window, 0.0);
+    if (!sectionManager.alphaHiddenWindows.contains(window))
+        sectionManager.passinglyTransparentWindows.insert(window);
 }
 
 void StatusBarController::showByAlpha(WindowNumber window) {
@@ -232,8 +241,14 @@ std::optional<Point> StatusBarController::alwaysShowTarget(WindowNumber window) 
     return target;
 }
 
+bool StatusBarController::stillHides(const std::string& id) const {
+    IconRules rules = appState.rules.loadIconRules();
+    auto stored = rules.find(id);
+    return stored != rules.end() && stored->second == IconRule::alwaysHide;
+}
+
 Task<> StatusBarController::applyAlwaysHide(std::weak_ptr<StatusBarController> owner,
-                                            WindowNumber window) {
+                                            std::string id, WindowNumber window) {
     auto self = owner.lock();
     if (!self) co_return;
     self->alwaysShowProtectedWIDs.erase(window);
@@ -246,7 +261,7 @@ Task<> StatusBarController::applyAlwaysHide(std::weak_ptr<StatusBarController> o
         self->updateAlwaysHiddenDivider();
     }
     self.reset();
-    if (standsOnBar) co_await moveBehindDivider(owner, window, frame->midY());
+    if (standsOnBar) co_await moveBehindDivider(owner, id, window, frame->midY());
 
     co_await sleep(snapshotSettle);
     self = owner.lock();
@@ -258,11 +273,11 @@ Task<> StatusBarController::applyAlwaysHide(std::weak_ptr<StatusBarController> o
     self = owner.lock();
     if (!self) co_return;
     self->updateSnapshot(items, false);
-    self->services.mover.setWindowAlpha(window, 0.0);
+    if (self->stillHides(id)) self->hideAgain(window);
 }
 
 Task<> StatusBarController::moveBehindDivider(std::weak_ptr<StatusBarController> owner,
-                                              WindowNumber window, double y) {
+                                              std::string id, WindowNumber window, double y) {
     auto self = owner.lock();
     if (!self) co_return;
     ItemMover& mover = self->services.mover;
@@ -301,7 +316,7 @@ Task<> StatusBarController::moveBehindDivider(std::weak_ptr<StatusBarController>
                            self->isHiddenByAppRule(other);
         if (!staysHidden) mover.setWindowAlpha(other, 1.0);
     }
-    mover.setWindowAlpha(window, 0.0);
+    if (self->stillHides(id)) self->hideAgain(window);
     self->updateAlwaysHiddenDivider();
 }
 

@@ -156,9 +156,10 @@ private:
     static Task<> replayAfterStart(std::weak_ptr<StatusBarController> owner);
     static Task<> filterRuleChange(std::weak_ptr<StatusBarController> owner, UserInfo info);
     static Task<> applyAlwaysShow(std::weak_ptr<StatusBarController> owner, WindowNumber window);
-    static Task<> applyAlwaysHide(std::weak_ptr<StatusBarController> owner, WindowNumber window);
-    static Task<> moveBehindDivider(std::weak_ptr<StatusBarController> owner, WindowNumber window,
-                                    double y);
+    static Task<> applyAlwaysHide(std::weak_ptr<StatusBarController> owner, std::string id,
+                                  WindowNumber window);
+    static Task<> moveBehindDivider(std::weak_ptr<StatusBarController> owner, std::string id,
+                                    WindowNumber window, double y);
     static Task<> refreshSnapshot(std::weak_ptr<StatusBarController> owner, double maxAge);
     static Task<> repairDrift(std::weak_ptr<StatusBarController> owner);
     void applyAutomatic(WindowNumber window);
@@ -173,6 +174,10 @@ private:
     SafeZone alwaysShowSafeZone(const ScannedBarItems& all) const;
     bool hideByAlpha(WindowNumber window);
     void showByAlpha(WindowNumber window);
+    /// Makes the window transparent, and sees to it that it doesn't stay so for ever.
+    void hideAgain(WindowNumber window);
+    /// Whether the id's rule is still to hide always.
+    bool stillHides(const std::string& id) const;
 
     // Item monitor.
     void startItemMonitor();
@@ -299,6 +304,8 @@ private:
         float previousAlpha = 1;
         /// It was among the windows that are kept transparent.
         bool wasAlphaHidden = false;
+        /// As the section manager had it then.
+        int alphaRestoreCount = 0;
     };
     /// The application whose rule is in force.
     std::optional<std::string> appRuleActiveForBundleID;

@@ -79,6 +79,7 @@ void SectionManager::expand(bool restoreAlpha) {
     if (!restoreAlpha) return;
     for (WindowNumber window : alphaHiddenWindows) platform.windows.setWindowAlpha(window, 1.0F);
     alphaHiddenWindows.clear();
+    ++alphaRestoreCount;
 }
 
 void SectionManager::disownAlphaHiddenWindows() {

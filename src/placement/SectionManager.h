@@ -68,6 +68,8 @@ public:
     SectionSnapshot lastExpandedSnapshot;
     /// Windows of other applications that this program has made transparent.
     std::set<WindowNumber> alphaHiddenWindows;
+    /// How often `expand` has made all of them opaque.
+    int alphaRestoreCount = 0;
     /// Windows that are transparent without being kept so: from before a change of displays, or by
     /// the rule of an application in front. At the end they are opaque again too.
     std::set<WindowNumber> passinglyTransparentWindows;

@@ -166,7 +166,7 @@ const SimBar::Item* SimBar::itemAt(Point place) const {
     for (const auto& [window, item] : items) {
         const SimWindow* held = windows.find(window);
         bool there = held != nullptr && held->mapped && held->frame.contains(place) &&
-                     item.length < MenuBarRow::collapsedLength;
+                     item.length > 0 && item.length < MenuBarRow::collapsedLength;
         if (!there) continue;
         if (item.floating) return &item;
         below = &item;

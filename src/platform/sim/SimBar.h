@@ -71,7 +71,8 @@ public:
     /// Drops the item and saves its position.
     void endDrag(Point pointer);
 
-    /// The item under a place of the screen. Pushed-off dividers take no clicks.
+    /// The item under a place of the screen. Dividers take no clicks, nor do they where the bar
+    /// hasn't laid out yet.
     const Item* itemAt(Point place) const;
     const Item* find(WindowNumber window) const;
     const Item* findLabel(const std::string& label) const;

@@ -63,6 +63,8 @@ public:
 
     /// Asked once by each operation when it is called: whether it is to fail.
     bool strikes(SimOperation operation, WindowNumber window = 0);
+    /// Whether any failure is still to come.
+    bool isAnyPending() const { return !faults.empty(); }
     /// How often an operation has been made to fail.
     int struckCount(SimOperation operation) const;
 

@@ -1,0 +1,96 @@
+#pragma once
+
+#include <optional>
+#include <set>
+#include <string>
+#include <vector>
+
+#include "core/RuleStore.h"
+#include "scenario/ScenarioRun.h"
+
+namespace nevo {
+
+/// Something that has to hold and doesn't.
+struct Broken {
+    /// Names the invariant, in one word.
+    std::string invariant;
+    std::string message;
+};
+
+/// What has to hold on a desktop while anything at all happens to it. Judged from outside, by what
+/// can be seen and counted; the log tells which of the states that the behaviour allows for a while
+/// may be seen now.
+class Invariants {
+public:
+    explicit Invariants(ScenarioRun& of);
+
+    /// To be told of each line of the trace.
+    void noteTrace(const std::string& line);
+
+    /// What has to hold after each line. Nothing when all is well.
+    std::optional<Broken> afterLine();
+    /// Whether nothing is under way but what waits for an event or a timer.
+    bool isAtRest() const;
+    /// What has to hold then.
+    std::optional<Broken> atRest();
+    /// Looks at the section before a click on the toggle: whether it has to open or close it, with
+    /// no setting and no fault in the way.
+    bool beforeClick();
+    /// What has to hold a moment after the click. Nothing when `beforeClick` has expected nothing.
+    std::optional<Broken> afterClick() const;
+
+private:
+    std::optional<Broken> checkClock();
+    std::optional<Broken> checkCursor() const;
+    std::optional<Broken> checkRow();
+    std::optional<Broken> checkRules();
+    std::optional<Broken> checkEnd();
+    std::optional<Broken> checkState();
+    std::optional<Broken> checkToggle() const;
+    bool mustBeInReach(WindowNumber toggle) const;
+    std::optional<Broken> checkTransparency() const;
+    std::optional<Broken> checkOpenSection();
+    void noteReason(const std::string& line);
+    bool isSomethingToHide() const;
+    bool isRuledHidden(WindowNumber window) const;
+    std::optional<Broken> checkGrowth() const;
+    /// Of Nevo, on both centres.
+    std::size_t observerCount() const;
+    std::vector<std::string> strandedItems() const;
+    bool isAnythingTransparent() const;
+    void noteStart();
+
+    ScenarioRun& run;
+    SimDesktop& desktop;
+    double lastTime = 0;
+
+    /// The rules as they were set, and the store to compare them with.
+    IconRules expectedRules;
+    AppRules expectedAppRules;
+    bool rulesWritten = false;
+    bool rulesWrittenOutside = false;
+    Signal storeChanges;
+    RuleStore store;
+    Registration ruleObserver;
+    Registration appRuleObserver;
+
+    bool wasRunning = false;
+    /// Nevo has quit and what it left behind hasn't been looked at yet.
+    std::optional<double> quitAt;
+    int alphaFailuresAtStart = 0;
+
+    /// Why the section may be seen out of step, until it is seen in step again.
+    bool mayBeClosedUnasked = false;
+    bool mayBeOpenUnasked = false;
+    bool ownPlacesWritten = false;
+
+    /// Windows that may be transparent in an open section, as the log tells.
+    std::set<WindowNumber> hiddenWithReason;
+    std::set<WindowNumber> shownForNow;
+    /// Programs that have had more than one item at a time.
+    std::set<std::string> bundlesOfSeveral;
+    /// At the last click of which something was expected.
+    std::optional<bool> wasExpandedBeforeClick;
+};
+
+}  // namespace nevo

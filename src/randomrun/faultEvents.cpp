@@ -1,0 +1,42 @@
+#include <fmt/format.h>
+
+#include "randomrun/EventKind.h"
+
+namespace nevo {
+
+namespace {
+
+Lines fault(Stage& stage, bool forGood) {
+    if (stage.isCalm) return {};
+    const std::string& operation = stage.random.oneOf(SimFaults::names());
+    std::string line = "fault " + operation;
+    std::string item = stage.random.chance(20) ? stage.anyItem() : "";
+    if (!item.empty()) line += " on " + item;
+    line += forGood ? " always" : fmt::format(" times {}", stage.random.between(1, 3));
+    stage.faults.insert(operation);
+    return {line};
+}
+
+Lines shortFault(Stage& stage) { return fault(stage, false); }
+Lines lastingFault(Stage& stage) { return fault(stage, true); }
+
+Lines mend(Stage& stage) {
+    if (stage.faults.empty()) return {};
+    std::string operation = *std::next(
+        stage.faults.begin(), static_cast<std::ptrdiff_t>(stage.random.below(stage.faults.size())));
+    stage.faults.erase(operation);
+    return {"mend " + operation};
+}
+
+}  // namespace
+
+std::vector<EventKind> faultEvents() {
+    constexpr auto either = EventKind::Menu::either;
+    return {
+        {"fault", 8, shortFault, either},
+        {"lasting fault", 3, lastingFault, either},
+        {"mend", 6, mend, either},
+    };
+}
+
+}  // namespace nevo

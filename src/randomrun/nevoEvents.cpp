@@ -1,0 +1,151 @@
+#include <fmt/format.h>
+
+#include "entry/NevoApp.h"
+#include "randomrun/EventKind.h"
+
+namespace nevo {
+
+namespace {
+
+const char* anyRule(Stage& stage) {
+    return stage.random.oneOf({"alwaysShow", "alwaysHide", "auto", "auto"});
+}
+
+Lines start(Stage& stage) {
+    if (stage.isNevoRunning()) return {};
+    stage.isCalm = stage.random.chance(50);
+    Lines lines;
+    if (stage.isCalm) {
+        for (const std::string& operation : stage.faults) lines.push_back("mend " + operation);
+        stage.faults.clear();
+    }
+    lines.push_back("start");
+    lines.push_back(fmt::format("wait {}", stage.random.oneOf({"0.05", "1", "5"})));
+    return lines;
+}
+
+Lines quit(Stage& stage) {
+    if (!stage.isNevoRunning()) return {};
+    return {"quit", "wait 1"};
+}
+
+Lines crash(Stage& stage) {
+    if (!stage.isNevoRunning()) return {};
+    return {"crash", "wait 1"};
+}
+
+Lines crashAndStart(Stage& stage) {
+    if (!stage.isNevoRunning()) return {};
+    return {"crash", "start"};
+}
+
+Lines setRule(Stage& stage) {
+    if (!stage.isNevoRunning()) return {};
+    return {fmt::format("rule {} {}", stage.anyRuleId(), anyRule(stage))};
+}
+
+/// Told twice, or taken back at once.
+Lines hastyRule(Stage& stage) {
+    if (!stage.isNevoRunning()) return {};
+    std::string id = stage.anyRuleId();
+    const char* rule = anyRule(stage);
+    return {fmt::format("rule {} {}", id, rule), fmt::format("rule {} {}", id, anyRule(stage)),
+            fmt::format("rule {} {}", id, rule)};
+}
+
+/// Taken back before Nevo has had its turn.
+Lines staleRule(Stage& stage) {
+    if (!stage.isNevoRunning()) return {};
+    std::string id = stage.anyRuleId();
+    return {fmt::format("after 0.1 rule {} alwaysShow", id),
+            fmt::format("after 0.1 rule {} auto", id), "wait 0.2"};
+}
+
+/// Rules under names that a program's items had once.
+Lines formerNames(Stage& stage) {
+    if (!stage.isNevoRunning()) return {};
+    std::string bundle = stage.random.chance(50) ? "com.microsoft.OneDrive" : stage.anyBundle();
+    return {fmt::format("rule {} {}", quoted("Former >>> " + bundle), anyRule(stage)),
+            fmt::format("rule {} {}", quoted("Earlier >>> " + bundle), anyRule(stage))};
+}
+
+Lines clearRules(Stage& stage) {
+    auto* rules = stage.run.rules();
+    if (rules == nullptr) return {};
+    Lines lines;
+    for (const auto& [id, rule] : rules->loadIconRules()) {
+        if (stage.random.chance(70)) lines.push_back(fmt::format("rule {} auto", quoted(id)));
+    }
+    return lines;
+}
+
+Lines setAppRule(Stage& stage) {
+    if (!stage.isNevoRunning()) return {};
+    std::string line = fmt::format("app-rule {} ", quoted(stage.anyBundle()));
+    if (stage.random.chance(30)) return {line + "none"};
+    bool shows = stage.random.chance(60);
+    if (shows) line += "show " + stage.anyRuleId();
+    if (!shows || stage.random.chance(50)) line += (shows ? " hide " : "hide ") + stage.anyRuleId();
+    return {line};
+}
+
+/// A rule for a program that comes to the front and goes again.
+Lines visitWithAppRule(Stage& stage) {
+    std::string visited = stage.anyProgram(true);
+    std::string next = stage.anyProgram(true);
+    if (!stage.isNevoRunning() || visited.empty()) return {};
+    std::string bundle = stage.desktop.applications.find(visited)->application.bundleIdentifier;
+    return {fmt::format("app-rule {} show {} hide {}", quoted(bundle), stage.anyRuleId(),
+                        stage.anyRuleId()),
+            "activate " + visited, fmt::format("wait {}", stage.random.oneOf({"0.01", "0.5", "3"})),
+            "activate " + next};
+}
+
+Lines hotKey(Stage& stage) {
+    return {stage.random.chance(80) ? "hot-key" : "hot-key ⌘⌥X", "wait 0.15"};
+}
+
+Lines firstRun(Stage& stage) {
+    OnboardingCoordinator* flow = stage.run.firstRun();
+    if (flow == nullptr || !flow->openStep()) return {};
+    return {stage.random.chance(40) ? "first-run ready" : "first-run finish"};
+}
+
+Lines choose(Stage& stage) {
+    const auto* rows = stage.desktop.menus.openMenu();
+    if (rows == nullptr) return {};
+    std::vector<std::string> keys;
+    for (const MenuItem& row : *rows) {
+        if (!row.isSeparator() && row.isEnabled) keys.push_back(row.key);
+    }
+    if (keys.empty()) return {"dismiss-menu"};
+    return {"choose " + stage.random.oneOf(keys)};
+}
+
+Lines dismiss(Stage&) { return {"dismiss-menu"}; }
+
+}  // namespace
+
+std::vector<EventKind> nevoEvents() {
+    constexpr auto either = EventKind::Menu::either;
+    constexpr auto open = EventKind::Menu::open;
+    return {
+        {"start", 60, start},
+        {"quit", 1, quit, either},
+        {"crash", 1, crash, either},
+        {"crash and start", 1, crashAndStart},
+        {"rule", 7, setRule, either},
+        {"hasty rule", 1, hastyRule},
+        {"stale rule", 1, staleRule},
+        {"former names", 1, formerNames},
+        {"clear rules", 2, clearRules},
+        {"app rule", 3, setAppRule, either},
+        {"visit with app rule", 2, visitWithAppRule},
+        {"hot key", 5, hotKey, either},
+        {"first run", 8, firstRun},
+        {"choose", 30, choose, open},
+        {"dismiss", 30, dismiss, open},
+    };
+}
+
+}  // namespace nevo

@@ -1,0 +1,152 @@
+// Each invariant of the random run finds what it is there for.
+
+#include <gtest/gtest.h>
+
+#include "entry/NevoApp.h"
+#include "randomrun/RandomRun.h"
+
+namespace nevo {
+namespace {
+
+/// A desktop with an item, on which Nevo has hidden it.
+class InvariantsTest : public testing::Test {
+protected:
+    InvariantsTest() {
+        SimOtherProgram program;
+        program.handle = "mail";
+        program.application.bundleIdentifier = "com.example.mail";
+        SimItemPlan item;
+        item.label = "letters";
+        program.items = {item};
+        desktop.applications.add(program);
+        desktop.applications.launch("mail");
+        desktop.trace.listener = [this](const std::string& line) { invariants.noteTrace(line); };
+        run.startNevo();
+        run.pass(5);
+        EXPECT_FALSE(invariants.afterLine());
+        EXPECT_FALSE(invariants.atRest());
+    }
+    ~InvariantsTest() override { desktop.trace.listener = nullptr; }
+
+    WindowNumber letters() { return desktop.applications.findItem("letters")->window; }
+    AppState& state() { return run.nevo()->delegate().state(); }
+    void open() {
+        run.toggle();
+        run.pass(2);
+    }
+    void quit() {
+        desktop.loop.post([this] { desktop.application.terminate(); });
+        run.pass(2);
+        desktop.reap();
+    }
+
+    std::string afterLine() { return named(invariants.afterLine()); }
+    std::string atRest() { return named(invariants.atRest()); }
+    static std::string named(const std::optional<Broken>& broken) {
+        return broken ? broken->invariant : "";
+    }
+
+    ScenarioRun run{"test", [] { return std::nullopt; }};
+    SimDesktop& desktop = run.desktop();
+    Invariants invariants{run};
+};
+
+TEST_F(InvariantsTest, AfterEachLine) {
+    desktop.events.hideCursor();
+    EXPECT_EQ(afterLine(), "cursor");
+    desktop.events.showCursor();
+    EXPECT_EQ(afterLine(), "");
+
+    state().rules.setIconRule(IconRule::alwaysShow, "letters >>> com.example.mail");
+    EXPECT_EQ(afterLine(), "");
+    state().rules.saveIconRules({});
+    EXPECT_EQ(afterLine(), "rules");
+    state().rules.setIconRule(IconRule::automatic, "letters >>> com.example.mail");
+    EXPECT_EQ(afterLine(), "");
+
+    desktop.bar.setShown(letters(), false);
+    EXPECT_EQ(afterLine(), "row");
+}
+
+TEST_F(InvariantsTest, AtRest) {
+    state().setIsExpanded(true);
+    EXPECT_EQ(atRest(), "state");
+    state().setIsExpanded(false);
+    desktop.windowServer.setWindowAlpha(letters(), 0);
+    EXPECT_EQ(atRest(), "transparency");
+    desktop.windowServer.setWindowAlpha(letters(), 1);
+    run.ownItem("toggle")->setLength(5000);
+    run.pass(1);
+    EXPECT_EQ(atRest(), "");
+    run.ownItem("toggle")->shownButton().setHidden(true);
+    EXPECT_EQ(atRest(), "toggle");
+    run.ownItem("toggle")->shownButton().setHidden(false);
+    std::vector<Registration> hoard;
+    for (int i = 0; i < 60; ++i)
+        hoard.push_back(desktop.notifications.addObserver("x", [](const Notification&) {}));
+    EXPECT_EQ(atRest(), "growth");
+}
+
+TEST_F(InvariantsTest, InAnOpenSectionAnItemIsHiddenForAReasonOnly) {
+    open();
+    EXPECT_EQ(atRest(), "");
+    SectionManager& sections = run.nevo()->delegate().controller()->sections();
+    desktop.windowServer.setWindowAlpha(letters(), 0);
+    sections.alphaHiddenWindows.insert(letters());
+    EXPECT_EQ(atRest(), "unexplained");
+    state().rules.setIconRule(IconRule::alwaysHide, "letters >>> com.example.mail");
+    EXPECT_EQ(atRest(), "");
+}
+
+TEST_F(InvariantsTest, AClickOpensAndCloses) {
+    EXPECT_TRUE(invariants.beforeClick());
+    EXPECT_EQ(named(invariants.afterClick()), "click");
+    open();
+    EXPECT_EQ(named(invariants.afterClick()), "");
+    EXPECT_TRUE(invariants.beforeClick());
+    desktop.permissions.accessibility = false;
+    EXPECT_FALSE(invariants.beforeClick());
+}
+
+TEST_F(InvariantsTest, AfterTheEndNothingIsLeft) {
+    quit();
+    EXPECT_EQ(afterLine(), "");
+    Registration left = desktop.notifications.addObserver("x", [](const Notification&) {});
+    EXPECT_EQ(afterLine(), "left-over");
+    left.reset();
+    left = desktop.events.addGlobalMonitor(1, [](const Event&) {});
+    EXPECT_EQ(afterLine(), "left-over");
+    left.reset();
+    left = desktop.loop.timer(1, true, [] {});
+    EXPECT_EQ(afterLine(), "left-over");
+}
+
+TEST_F(InvariantsTest, AfterTheEndNothingIsHidden) {
+    desktop.windowServer.setWindowAlpha(letters(), 0);
+    quit();
+    EXPECT_EQ(afterLine(), "");
+    run.pass(2);
+    EXPECT_EQ(afterLine(), "still-hidden");
+}
+
+TEST(Replay, BreaksWhereTheRunBrokeAndShrinksToTheLinesThatMatter) {
+    // A desktop that loses an item for good stands for a fault of Nevo's.
+    std::vector<PlayedLine> lines{{"app a com.example.a"},
+                                  {"item i a"},
+                                  {"wait 1"},
+                                  {"start"},
+                                  {"wait 3"},
+                                  {"click toggle"},
+                                  {"wait 12", false, PlayedLine::Then::lookAtRest}};
+    EXPECT_FALSE(replay(lines).broken);
+    lines.push_back({"no such command"});
+    RandomResult result = replay(lines);
+    ASSERT_TRUE(result.broken);
+    EXPECT_EQ(result.broken->invariant, "language");
+    std::vector<PlayedLine> fewest = shrunk(lines, *result.broken);
+    ASSERT_EQ(fewest.size(), 1U);
+    EXPECT_EQ(fewest.front().text, "no such command");
+}
+
+}  // namespace
+}  // namespace nevo
