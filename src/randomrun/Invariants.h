@@ -40,6 +40,11 @@ public:
     std::optional<Broken> afterClick() const;
 
 private:
+    void noteRule(const Notification& told);
+    void noteAppRule(const Notification& told);
+    void noteReason(const std::string& line);
+    void noteStart();
+
     std::optional<Broken> checkClock();
     std::optional<Broken> checkCursor() const;
     std::optional<Broken> checkRow();
@@ -47,18 +52,19 @@ private:
     std::optional<Broken> checkEnd();
     std::optional<Broken> checkState();
     std::optional<Broken> checkToggle() const;
-    bool mustBeInReach(WindowNumber toggle) const;
     std::optional<Broken> checkTransparency() const;
     std::optional<Broken> checkOpenSection();
-    void noteReason(const std::string& line);
-    bool isSomethingToHide() const;
-    bool isRuledHidden(WindowNumber window) const;
     std::optional<Broken> checkGrowth() const;
+
+    /// Whether nothing but Nevo's own doing can have put the toggle off the screen.
+    bool mustBeInReach(WindowNumber toggle) const;
+    bool isRuledHidden(WindowNumber window) const;
+    bool isSomethingToHide() const;
+    bool isAnythingTransparent() const;
+    /// Items that can't be seen now that Nevo has gone.
+    std::vector<std::string> strandedItems() const;
     /// Of Nevo, on both centres.
     std::size_t observerCount() const;
-    std::vector<std::string> strandedItems() const;
-    bool isAnythingTransparent() const;
-    void noteStart();
 
     ScenarioRun& run;
     SimDesktop& desktop;
@@ -75,8 +81,8 @@ private:
     Registration appRuleObserver;
 
     bool wasRunning = false;
-    /// Nevo has quit and what it left behind hasn't been looked at yet.
-    std::optional<double> quitAt;
+    /// Nevo has quit: when what it left behind is to be looked at.
+    std::optional<double> leftoversDueAt;
     int alphaFailuresAtStart = 0;
 
     /// Why the section may be seen out of step, until it is seen in step again.

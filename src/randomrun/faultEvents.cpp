@@ -11,6 +11,7 @@ Lines fault(Stage& stage, bool forGood) {
     const std::string& operation = stage.random.oneOf(SimFaults::names());
     std::string line = "fault " + operation;
     std::string item = stage.random.chance(20) ? stage.anyItem() : "";
+    if (stage.isNevoRunning() && stage.random.chance(10)) item = "toggle";
     if (!item.empty()) line += " on " + item;
     line += forGood ? " always" : fmt::format(" times {}", stage.random.between(1, 3));
     stage.faults.insert(operation);

@@ -65,8 +65,9 @@ Lines staleRule(Stage& stage) {
 Lines formerNames(Stage& stage) {
     if (!stage.isNevoRunning()) return {};
     std::string bundle = stage.random.chance(50) ? "com.microsoft.OneDrive" : stage.anyBundle();
-    return {fmt::format("rule {} {}", quoted("Former >>> " + bundle), anyRule(stage)),
-            fmt::format("rule {} {}", quoted("Earlier >>> " + bundle), anyRule(stage))};
+    const char* rule = stage.random.oneOf({"alwaysShow", "alwaysHide", "auto"});
+    return {fmt::format("rule {} {}", quoted("Former >>> " + bundle), rule),
+            fmt::format("rule {} {}", quoted("Earlier >>> " + bundle), rule)};
 }
 
 Lines clearRules(Stage& stage) {
@@ -82,7 +83,7 @@ Lines clearRules(Stage& stage) {
 Lines setAppRule(Stage& stage) {
     if (!stage.isNevoRunning()) return {};
     std::string line = fmt::format("app-rule {} ", quoted(stage.anyBundle()));
-    if (stage.random.chance(30)) return {line + "none"};
+    if (stage.random.chance(50)) return {line + "none"};
     bool shows = stage.random.chance(60);
     if (shows) line += "show " + stage.anyRuleId();
     if (!shows || stage.random.chance(50)) line += (shows ? " hide " : "hide ") + stage.anyRuleId();

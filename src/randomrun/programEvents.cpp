@@ -160,7 +160,11 @@ Lines openingLines(Stage& stage) {
     lines.push_back(fmt::format("app {} com.example.first", first));
     lines.push_back(fmt::format("item {} {}", stage.newHandle("i"), first));
     lines.push_back(fmt::format("item {} {} name Second", stage.newHandle("i"), first));
-    for (int i = 0; i < 4; ++i) {
+    // Of this one the items are told apart by their labels.
+    std::string second = stage.newHandle("p");
+    lines.push_back(fmt::format("app {} com.microsoft.OneDrive", second));
+    lines.push_back(fmt::format("item {} {}", stage.newHandle("i"), second));
+    for (int i = 0; i < 3; ++i) {
         for (std::string& line : newProgram(stage)) lines.push_back(std::move(line));
     }
     // Most users have been through the first run.

@@ -130,7 +130,7 @@ TEST_F(InvariantsTest, AfterTheEndNothingIsHidden) {
 }
 
 TEST(Replay, BreaksWhereTheRunBrokeAndShrinksToTheLinesThatMatter) {
-    // A desktop that loses an item for good stands for a fault of Nevo's.
+    // A line that isn't of the language stands for what breaks.
     std::vector<PlayedLine> lines{{"app a com.example.a"},
                                   {"item i a"},
                                   {"wait 1"},

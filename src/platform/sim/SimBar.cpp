@@ -201,7 +201,11 @@ bool SimBar::isOnScreen(WindowNumber window) const {
 }
 
 void SimBar::layOutLater() {
-    loop.desktopAfter(layoutDelay, [this] { layOut(); });
+    ++pendingLayouts;
+    loop.desktopAfter(layoutDelay, [this] {
+        --pendingLayouts;
+        layOut();
+    });
 }
 
 void SimBar::jitter(WindowNumber window, double points, double seconds) {

@@ -82,6 +82,8 @@ public:
 
     /// Lays out after the delay: displays have changed.
     void layOutLater();
+    /// Whether the windows show every change of the row.
+    bool hasSettled() const { return pendingLayouts == 0; }
     /// The item jumps by up to `points` each 0.1 s, for `seconds`.
     void jitter(WindowNumber window, double points, double seconds);
 
@@ -117,6 +119,7 @@ private:
     std::vector<std::string> knownOrder;
     /// By identity: what the bar itself wrote last.
     std::map<std::string, double> lastSaved;
+    int pendingLayouts = 0;
     WindowNumber dragged = 0;
     /// From the dragged item's centre to the pointer.
     double grabOffset = 0;

@@ -1,0 +1,201 @@
+#include <fmt/format.h>
+
+#include <algorithm>
+
+#include "core/ItemId.h"
+#include "entry/NevoApp.h"
+#include "randomrun/Invariants.h"
+
+namespace nevo {
+
+namespace {
+
+/// What Nevo may hold at rest, whatever has happened to it: a little more than it needs.
+constexpr std::size_t mostTimers = 6;
+constexpr std::size_t mostMonitors = 10;
+constexpr std::size_t mostObservers = 14;
+/// The replay of rules waits for a first scan without end.
+constexpr std::size_t mostTasks = 1;
+
+constexpr const char* outerDivider = "always-hidden-divider";
+
+}  // namespace
+
+bool Invariants::isAtRest() const {
+    auto nevo = run.nevo();
+    return !nevo ||
+           (nevo->delegate().itemMover().programmaticMoveCount() == 0 &&
+            desktop.loop.tasks().liveCount() <= mostTasks && desktop.loop.programWorkCount() == 0);
+}
+
+std::optional<Broken> Invariants::atRest() {
+    auto nevo = run.nevo();
+    if (!nevo || nevo->delegate().controller() == nullptr) return std::nullopt;
+    if (auto broken = checkState()) return broken;
+    if (auto broken = checkToggle()) return broken;
+    if (auto broken = checkTransparency()) return broken;
+    if (auto broken = checkOpenSection()) return broken;
+    return checkGrowth();
+}
+
+std::optional<Broken> Invariants::checkState() {
+    auto nevo = run.nevo();
+    bool expanded = nevo->delegate().state().isExpanded();
+    double length = run.ownItem("divider")->length();
+    if (length != 0 && length != 10000) {
+        return Broken{"state", fmt::format("the divider's length is {}", length)};
+    }
+    bool closed = length > 0;
+    bool shelf = isShelfMode(desktop.screens, nevo->delegate().state());
+    if (shelf) return std::nullopt;
+    if (expanded != closed) {
+        mayBeClosedUnasked = mayBeOpenUnasked = false;
+        return std::nullopt;
+    }
+    if (closed ? mayBeClosedUnasked : mayBeOpenUnasked) return std::nullopt;
+    return Broken{"state", fmt::format("isExpanded is {} in push mode while the divider is {}",
+                                       expanded, closed ? "closed" : "open")};
+}
+
+std::optional<Broken> Invariants::checkToggle() const {
+    SimStatusItem* toggle = run.ownItem("toggle");
+    const SimStatusItemButton& button = toggle->shownButton();
+    if (desktop.statusBar.itemCount() != 3) {
+        return Broken{"own-items", fmt::format("Nevo has {} items", desktop.statusBar.itemCount())};
+    }
+    if (!toggle->isVisible() || !button.isEnabled() || button.isHidden() || button.alpha() < 1) {
+        return Broken{"toggle", "the toggle can't be seen or clicked"};
+    }
+    if (desktop.bar.isOnScreen(toggle->window()) || !mustBeInReach(toggle->window()))
+        return std::nullopt;
+    return Broken{"toggle", fmt::format("the toggle stands at {}, off the screen",
+                                        desktop.windows.find(toggle->window())->frame.x)};
+}
+
+/// Somebody else's writing can put the toggle left of its own divider, and a crowd of wide items
+/// can push it away. The always-hidden divider has a place of its own, which doesn't follow a
+/// toggle that has been dragged far to the left. A bar that obeys moves of Nevo's own items takes
+/// them anywhere.
+bool Invariants::mustBeInReach(WindowNumber toggle) const {
+    bool readable = !desktop.screens.displays().empty() && !desktop.bar.isDragging();
+    if (!readable || ownPlacesWritten || desktop.bar.find(toggle)->floating) return false;
+    double room = desktop.screens.displays().front().frame.width - SimBar::systemAreaWidth;
+    std::vector<WindowNumber> order = desktop.bar.order();
+    for (auto at = std::find(order.begin(), order.end(), toggle); at != order.end(); ++at) {
+        const SimBar::Item* item = desktop.bar.find(*at);
+        bool isOuter = item->own && item->length > 0 && run.shortName(item->label) == outerDivider;
+        if (isOuter) return false;
+        if (item->length < MenuBarRow::collapsedLength) room -= item->length;
+    }
+    return room >= 0;
+}
+
+std::optional<Broken> Invariants::checkTransparency() const {
+    if (desktop.faults.struckCount(SimOperation::setWindowAlpha) > alphaFailuresAtStart)
+        return std::nullopt;
+    auto nevo = run.nevo();
+    const SectionManager& sections = nevo->delegate().controller()->sections();
+    for (WindowNumber window : desktop.bar.order()) {
+        const SimBar::Item* item = desktop.bar.find(window);
+        bool known = sections.alphaHiddenWindows.contains(window) ||
+                     sections.passinglyTransparentWindows.contains(window);
+        if (desktop.windows.find(window)->alpha >= 1 || known) continue;
+        return Broken{"transparency",
+                      fmt::format("{} is transparent and Nevo doesn't know it", item->label)};
+    }
+    return std::nullopt;
+}
+
+/// Where the section is open, an item is seen unless there is a reason.
+std::optional<Broken> Invariants::checkOpenSection() {
+    const AppState& state = run.nevo()->delegate().state();
+    bool open = state.isExpanded() && run.ownItem("divider")->length() == 0;
+    if (!open || isShelfMode(desktop.screens, state)) return std::nullopt;
+    bool refused = desktop.faults.struckCount(SimOperation::setWindowAlpha) > alphaFailuresAtStart;
+    for (WindowNumber window : desktop.bar.order()) {
+        if (desktop.windows.find(window)->alpha >= 1) {
+            hiddenWithReason.erase(window);
+        } else if (!refused && !hiddenWithReason.contains(window) && !isRuledHidden(window)) {
+            return Broken{"unexplained", fmt::format("{} is transparent for no reason",
+                                                     desktop.bar.find(window)->label)};
+        }
+    }
+    return std::nullopt;
+}
+
+/// Any rule for its program counts, since ids change with an item's names. Where a program has had
+/// several items, a rule may have been taken back of another one than it was set for.
+bool Invariants::isRuledHidden(WindowNumber window) const {
+    const std::string& bundle = desktop.bar.find(window)->domain;
+    const SimOtherProgram* owner =
+        desktop.applications.runningWithPid(desktop.windows.find(window)->pid);
+    // The window server may tell of another program.
+    if (owner == nullptr || owner->application.bundleIdentifier != bundle) return true;
+    if (bundlesOfSeveral.contains(bundle)) return true;
+    return std::any_of(expectedRules.begin(), expectedRules.end(), [&](const auto& entry) {
+        // An item without a program has an id that ends with the separator.
+        bool fits = entry.first.ends_with(bundle) || entry.first.ends_with(persistedIDSeparator);
+        return entry.second == IconRule::alwaysHide && fits;
+    });
+}
+
+bool Invariants::beforeClick() {
+    wasExpandedBeforeClick.reset();
+    auto nevo = run.nevo();
+    if (!nevo || nevo->delegate().controller() == nullptr || !isAtRest()) return false;
+    const AppState& state = nevo->delegate().state();
+    const SimPointer& hand = desktop.events.state();
+    SimStatusItem* toggle = run.ownItem("toggle");
+    bool asked = state.autoHideEnabled() || state.showOnHover() || state.triggerMode() != "click";
+    bool able = desktop.permissions.accessibility && !isShelfMode(desktop.screens, state) &&
+                !hand.leftDown && hand.modifiers == 0 && desktop.bar.isOnScreen(toggle->window()) &&
+                desktop.bar.layoutDelay < 0.1;
+    bool must = able && !asked && !desktop.faults.isAnyPending() &&
+                (!state.isExpanded() || isSomethingToHide());
+    if (must) wasExpandedBeforeClick = state.isExpanded();
+    return must;
+}
+
+/// An ordinary item left of the toggle, which every scan takes.
+bool Invariants::isSomethingToHide() const {
+    double toggleX = desktop.windows.find(run.ownItem("toggle")->window())->frame.x;
+    for (const SimOtherProgram& program : desktop.applications.all()) {
+        for (const SimItemPlan& plan : program.items) {
+            bool ordinary = program.running && plan.layer == statusItemWindowLevel &&
+                            plan.windowOwner.empty() && plan.name == "Item-0" && plan.width >= 10 &&
+                            plan.width <= 100;
+            if (ordinary && desktop.windows.find(plan.window)->frame.maxX() <= toggleX) return true;
+        }
+    }
+    return false;
+}
+
+std::optional<Broken> Invariants::afterClick() const {
+    auto nevo = run.nevo();
+    if (!nevo || !wasExpandedBeforeClick) return std::nullopt;
+    bool expanded = nevo->delegate().state().isExpanded();
+    bool closed = run.ownItem("divider")->length() > 0;
+    if (expanded != *wasExpandedBeforeClick && closed != expanded) return std::nullopt;
+    return Broken{"click", fmt::format("after a click the divider is {} and isExpanded {}, as it "
+                                       "was before",
+                                       closed ? "closed" : "open", expanded)};
+}
+
+std::optional<Broken> Invariants::checkGrowth() const {
+    struct Bound {
+        const char* what;
+        std::size_t count;
+        std::size_t most;
+    };
+    for (const Bound& bound : {Bound{"tasks", desktop.loop.tasks().liveCount(), mostTasks},
+                               Bound{"timers", desktop.loop.programTimerCount(), mostTimers},
+                               Bound{"monitors", desktop.events.monitorCount(), mostMonitors},
+                               Bound{"observers", observerCount(), mostObservers},
+                               Bound{"hot keys", desktop.hotKeys.count(), 1}}) {
+        if (bound.count <= bound.most) continue;
+        return Broken{"growth", fmt::format("Nevo has {} {} at rest", bound.count, bound.what)};
+    }
+    return std::nullopt;
+}
+
+}  // namespace nevo
