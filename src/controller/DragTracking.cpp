@@ -198,7 +198,7 @@ Task<> StatusBarController::refreshAfterDrag(std::weak_ptr<StatusBarController> 
 void StatusBarController::leaveExpandedAfterDrag() {
     sectionManager.expand(true);
     refreshToggleButton();
-    dismissBar();
+    nevoBar->dismiss();
     cachedHiddenItems.clear();
     appState.setIsExpanded(true);
     if (auto frame = toggleButtonScreenFrame()) savedItemFrame = *frame;

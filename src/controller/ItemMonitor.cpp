@@ -25,7 +25,7 @@ void StatusBarController::startItemMonitor() {
 }
 
 void StatusBarController::monitorPass() {
-    if (isBarInMotion() || isShelfIn(ShelfController::State::presentingItem)) return;
+    if (isBarInMotion() || isShelfIn(ShelfState::Kind::presentingItem)) return;
     auto ownIDs = sectionManager.ownWindowIDs();
     enforceAlwaysShow(ownIDs);
     if (!isShelfMode()) return;
@@ -132,8 +132,7 @@ void StatusBarController::enforceAlwaysHide(const std::set<WindowNumber>& ownIDs
 
 void StatusBarController::reassertAlpha(const std::set<WindowNumber>& ownIDs) {
     if (isDraggingMenuBarItem) return;
-    if (!sectionManager.isHiddenDividerCollapsed() &&
-        isShelfIn(ShelfController::State::presentingItem))
+    if (!sectionManager.isHiddenDividerCollapsed() && isShelfIn(ShelfState::Kind::presentingItem))
         return;
     for (WindowNumber window : sectionManager.alphaHiddenWindows) {
         if (ownIDs.contains(window) || alwaysShowProtectedWIDs.contains(window)) continue;

@@ -32,6 +32,7 @@ StatusBarController::StatusBarController(const Platform& desktop, AppState& stat
       popover(desktop.popovers.create()),
       preferences(desktop.defaults),
       checkForUpdates(std::move(updateCheck)) {
+    nevoBar = NevoBar::create(platform);
     lastScreenCount = platform.screens.screens().size();
     if (auto screen = platform.screens.mainScreen()) lastMainScreenFrame = screen->frame;
     popover->setContentSize(popoverSize);
@@ -58,6 +59,7 @@ void StatusBarController::install() {
     observeFrontApplication();
     observeNotifications();
     startItemMonitor();
+    if (!isShelfMode()) bindBarForPushMode();
     // From the start, so that it hears of the first collapse: the rules wait for the snapshot that
     // it then takes.
     decoyController =
@@ -79,6 +81,12 @@ void StatusBarController::observeNotifications() {
                     self->laterOnMain(&StatusBarController::iconOrSpacingChanged);
             }));
     }
+    notificationObservers.push_back(
+        platform.notifications.addObserver(nevoShelfAppearanceChanged, [weak](const Notification&) {
+            auto self = weak.lock();
+            // Without a shelf there is nothing on the screen to be changed.
+            if (self && self->shelfController) self->shelfController->refreshBarAppearance();
+        }));
     observeRules();
     observeAppRules();
     observeWake();
@@ -149,7 +157,10 @@ void StatusBarController::tearDown() {
     isDisplayTransitioning = false;
     isDraggingMenuBarItem = false;
     ++appRuleGeneration;
-    dismissBar();
+    shelf().endPresentation();
+    nevoBar->dismiss();
+    decoyController->hide();
+    decoyController->stopRefreshing();
     refreshToggleButton();
     sectionManager.expand(true);
     sectionManager.restorePassinglyTransparentWindows();

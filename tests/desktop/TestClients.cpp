@@ -60,13 +60,13 @@ int Probe::clicks() {
     return clickCount;
 }
 
-ForeignTray::ForeignTray() : connection(connect()) {
+SelectionHolder::SelectionHolder(const char* selection) : connection(connect()) {
     auto c = connection->get();
     xcb::Atoms atoms(c, {});
     xcb_window_t window = makeWindow(*connection, 0);
-    xcb_set_selection_owner(c, window, atoms[traySelection], XCB_CURRENT_TIME);
-    std::free(xcb_get_selection_owner_reply(c, xcb_get_selection_owner(c, atoms[traySelection]),
-                                            nullptr));
+    xcb_set_selection_owner(c, window, atoms[selection], XCB_CURRENT_TIME);
+    std::free(
+        xcb_get_selection_owner_reply(c, xcb_get_selection_owner(c, atoms[selection]), nullptr));
 }
 
 }  // namespace nevo::desktoptest

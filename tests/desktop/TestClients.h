@@ -21,13 +21,25 @@ private:
     int clickCount = 0;
 };
 
-/// Somebody else's tray host: owns the selection, for as long as it lives.
-class ForeignTray {
+/// A program that owns a selection, for as long as it lives.
+class SelectionHolder {
 public:
-    ForeignTray();
+    explicit SelectionHolder(const char* selection);
 
 private:
     std::unique_ptr<xcb::Connection> connection;
+};
+
+/// Somebody else's tray host.
+class ForeignTray : public SelectionHolder {
+public:
+    ForeignTray() : SelectionHolder("_NET_SYSTEM_TRAY_S0") {}
+};
+
+/// Says that it composes the screen, and leaves it as it is.
+class IdleCompositor : public SelectionHolder {
+public:
+    IdleCompositor() : SelectionHolder("_NET_WM_CM_S0") {}
 };
 
 }  // namespace nevo::desktoptest

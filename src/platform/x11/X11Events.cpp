@@ -3,8 +3,7 @@
 #include <unistd.h>
 #include <xcb/xfixes.h>
 
-#include <QGuiApplication>
-#include <QWindow>
+#include <QWidget>
 #include <algorithm>
 #include <cmath>
 
@@ -103,18 +102,38 @@ void X11Events::tell(EventType type, const PointerState& state) {
     event.location = server.coordinates.flipped(server.coordinates.fromRoot(state.root));
     event.modifiers = modifiersFromState(state.mask);
     listeners.tellTaps(event);
-    if (!listeners.isWantedByMonitors(type) || isOverOwnWindow(state.root)) return;
+    bool isPress = type == EventType::leftMouseDown || type == EventType::rightMouseDown;
+    if (isPress) pressedOwnWindow = isOverOwnWindow(state.root);
+    if (!listeners.isWantedByMonitors(type) || isForOwn(type, state.root)) return;
     listeners.tellMonitors(event);
 }
 
-bool X11Events::isOverOwnWindow(Point root) const {
+bool X11Events::isForOwn(EventType type, Point root) const {
     const auto& items = bar.items();
-    bool isOwnItem = std::any_of(items.begin(), items.end(), [&](const BarItemInfo* item) {
+    bool isOverOwnItem = std::any_of(items.begin(), items.end(), [&](const BarItemInfo* item) {
         // Not its slot: a divider's may take up the whole bar, with nothing of it to be seen.
         return item->pid == getpid() && item->geometry.contains(root);
     });
-    QPoint place(static_cast<int>(root.x), static_cast<int>(root.y));
-    return isOwnItem || QGuiApplication::topLevelAt(place) != nullptr;
+    if (isOverOwnItem) return true;
+    // What began in a window goes on there, wherever the pointer is, and if that window has gone.
+    bool goesOn = type == EventType::leftMouseDragged || type == EventType::leftMouseUp ||
+                  type == EventType::rightMouseUp;
+    return goesOn ? pressedOwnWindow : isOverOwnWindow(root);
+}
+
+/// Asks the server, which knows where a window takes no input.
+bool X11Events::isOverOwnWindow(Point root) const {
+    auto x = static_cast<std::int16_t>(root.x);
+    auto y = static_cast<std::int16_t>(root.y);
+    xcb_window_t window = server.root();
+    while (window != XCB_NONE) {
+        xcb::Reply<xcb_translate_coordinates_reply_t> inside(xcb_translate_coordinates_reply(
+            server.get(), xcb_translate_coordinates(server.get(), server.root(), window, x, y),
+            nullptr));
+        window = inside ? inside->child : static_cast<xcb_window_t>(XCB_NONE);
+        if (window != XCB_NONE && QWidget::find(window) != nullptr) return true;
+    }
+    return false;
 }
 
 std::unique_ptr<EventSource> X11Events::createEventSource() {

@@ -35,6 +35,8 @@ private:
     void noteRaw(RawInput::Kind kind, std::uint32_t button);
     void tellMotion();
     void tell(EventType type, const PointerState& state);
+    bool isForOwn(EventType type, Point root) const;
+    /// Whether one of this program's windows takes the mouse there.
     bool isOverOwnWindow(Point root) const;
     xcb_window_t frameNamedBy(const MouseEvent& event) const;
 
@@ -47,6 +49,8 @@ private:
     QTimer motionTimer;
     RawListeners listeners;
     bool canHideCursor = false;
+    /// Whether the last press was on one of this program's windows.
+    bool pressedOwnWindow = false;
 };
 
 }  // namespace nevo

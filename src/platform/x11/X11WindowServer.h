@@ -25,6 +25,8 @@ public:
     std::optional<float> windowAlpha(WindowNumber window) const override;
     bool moveWindow(WindowNumber window, Point origin) override;
     std::optional<Image> windowImage(WindowNumber window) const override;
+    /// A pixel is a point here.
+    double pixelsPerPoint() const override { return 1; }
     std::optional<Image> compositeImage(const std::vector<WindowNumber>& windows) const override;
     /// Any client may move the cursor here.
     void setSetsCursorInBackground(bool) override {}

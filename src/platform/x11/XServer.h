@@ -24,6 +24,7 @@ struct Coordinates {
     Rect fromRoot(Rect r) const { return {r.x - originX, r.y - originY, r.width, r.height}; }
     Point fromRoot(Point p) const { return {p.x - originX, p.y - originY}; }
     Point toRoot(Point p) const { return {p.x + originX, p.y + originY}; }
+    Rect toRoot(Rect r) const { return {r.x + originX, r.y + originY, r.width, r.height}; }
     /// Turns top-left into bottom-left, and back.
     Rect flipped(Rect r) const { return {r.x, primaryHeight - r.y - r.height, r.width, r.height}; }
     Point flipped(Point p) const { return {p.x, primaryHeight - p.y}; }
