@@ -33,8 +33,9 @@ class Item:
 
 
 class Desktop:
-    def __init__(self, output):
+    def __init__(self, output, screen="1280x800"):
         self.output = output
+        self.screen = screen
         self.home = Path(tempfile.mkdtemp(prefix="nevo-walk-"))
         self.processes = []
         self.environment = {
@@ -54,7 +55,7 @@ class Desktop:
 
     def start(self):
         """Opens the display and the session, with a window manager."""
-        number = self.firstLine("Xvfb", "-displayfd", "{fd}", "-screen", "0", "1280x800x24",
+        number = self.firstLine("Xvfb", "-displayfd", "{fd}", "-screen", "0", self.screen + "x24",
                                 "-noreset", "-nolisten", "tcp")
         self.environment["DISPLAY"] = ":" + number
         self.environment["DBUS_SESSION_BUS_ADDRESS"] = self.firstLine(

@@ -5,6 +5,7 @@
 
 #include "menubar/Bar.h"
 #include "menubar/Log.h"
+#include "menubar/UsualHeight.h"
 
 int main(int argc, char** argv) {
     using namespace nevo::menubar;
@@ -21,5 +22,6 @@ int main(int argc, char** argv) {
         logLine(failure);
         return options ? 1 : 2;
     }
+    if (options->height == 0) options->height = usualHeight(*display);
     return Bar(*display, *options, std::move(host)).run();
 }

@@ -72,10 +72,10 @@ void printSummary(const Options& options, const RandomResult& result) {
     }
     std::vector<std::string> missed = result.probes.neverReached();
     fmt::print(
-        "seed {}: {} steps, {} lines, {:.0f} s of virtual time, trace {:016x}; events: {}; never "
-        "reached: {}\n",
-        options.seed, result.steps, result.played.size(), result.time, result.traceHash,
-        fmt::join(counts, ", "),
+        "seed {}: {} steps, {} of them in shelf mode, {} lines, {:.0f} s of virtual time, trace "
+        "{:016x}; events: {}; never reached: {}\n",
+        options.seed, result.steps, result.stepsInShelfMode, result.played.size(), result.time,
+        result.traceHash, fmt::join(counts, ", "),
         missed.empty() ? "nothing" : fmt::format("{}", fmt::join(missed, ", ")));
 }
 

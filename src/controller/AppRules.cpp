@@ -76,7 +76,7 @@ void StatusBarController::restoreAppRuleOverrides() {
             sectionManager.passinglyTransparentWindows.insert(changed.windowID);
         }
     }
-    if (isPanelVisible()) dismissBar();
+    if (nevoBar->isPanelVisible()) nevoBar->dismiss();
     for (WindowNumber window : appRuleProtectedWIDs) alwaysShowProtectedWIDs.erase(window);
     appRuleAlphaOverrides.clear();
     appRuleProtectedWIDs.clear();
@@ -117,7 +117,7 @@ Task<> StatusBarController::applyAppRule(std::weak_ptr<StatusBarController> owne
 void StatusBarController::showInBar(const ScannedBarItems& items,
                                     const std::set<std::string>& visibleIcons) {
     SectionSnapshot sections = sectionManager.classify(items);
-    if (!nevoBar || !sectionManager.isHiddenDividerCollapsed()) return;
+    if (!sectionManager.isHiddenDividerCollapsed()) return;
     std::vector<BarItem> toShow;
     for (const ScannedBarItem& item : sections[SectionName::hidden]) {
         if (itemMatchesRule(item, visibleIcons)) toShow.emplace_back(item);

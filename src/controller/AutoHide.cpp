@@ -21,7 +21,7 @@ void StatusBarController::startShelfAutoHideTimer() {
 }
 
 void StatusBarController::shelfAutoHideFired() {
-    if (isShelfIn(ShelfController::State::panelVisible)) shelfController->dismissShelf();
+    if (isShelfIn(ShelfState::Kind::panelVisible)) shelfController->dismissShelf();
 }
 
 void StatusBarController::autoHideFired() {

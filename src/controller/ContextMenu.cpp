@@ -24,7 +24,7 @@ void StatusBarController::showContextMenu() {
     isContextMenuShowing = true;
     refreshToggleButton();
     if (shelfController) shelfController->dismissShelf();
-    dismissBar();
+    nevoBar->dismiss();
     if (StatusItemButton* button = sectionManager.toggleItem->button()) {
         platform.menus.popUp(contextMenu(), Point{0, button->bounds().height}, *button);
     }

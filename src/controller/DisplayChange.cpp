@@ -62,6 +62,7 @@ void StatusBarController::screenChanged() {
         auto ownIDs = sectionManager.ownWindowIDs();
         enforceAlwaysHide(ownIDs);
         reassertAlpha(ownIDs);
+        decoyController->followToggle();
         return;
     }
     debugLog("[Nevo] Screen configuration changed, isExpanded=" + describe(appState.isExpanded()));
@@ -77,6 +78,7 @@ void StatusBarController::screenChanged() {
         sectionManager.setDividerLength(*sectionManager.hiddenDivider, false);
         if (StatusItemButton* button = sectionManager.toggleItem->button()) button->setAlpha(1.0);
     }
+    if (nevoBar->isPanelVisible()) nevoBar->dismiss();
     cachedHiddenItems.clear();
     services.scanner.invalidateScanCache();
     lastStableX = -1.0;
@@ -106,6 +108,7 @@ void StatusBarController::pollAfterScreenChange(int attempt, bool reapplyHide) {
                 "[Nevo] Screen change: toggle stable at x={}, waiting 500ms for items to settle",
                 describe(frame->x)));
             savedItemFrame = *frame;
+            decoyController->followToggle();
             platform.runLoop.postAfter(itemsSettle, [weak = weak_from_this(), reapplyHide] {
                 if (auto self = weak.lock()) self->finishScreenChange(reapplyHide);
             });

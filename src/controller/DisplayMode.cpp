@@ -10,11 +10,17 @@ void StatusBarController::displayModeChanged() {
     for (WindowNumber window : sectionManager.alphaHiddenWindows)
         platform.windows.setWindowAlpha(window, 1.0F);
     sectionManager.alphaHiddenWindows.clear();
-    dismissBar();
+    if (shelfController) shelfController->resetForDisplayModeChange();
+    nevoBar->dismiss();
     cachedHiddenItems.clear();
     refreshToggleButton();
     sectionManager.expand(true);
     appState.setIsExpanded(true);
+    if (isShelfMode()) {
+        shelf().bindBarCallbacks();
+    } else {
+        bindBarForPushMode();
+    }
     startItemMonitor();
     services.scanner.invalidateScanCache();
     lastStableX = -1.0;

@@ -190,7 +190,7 @@ Task<> StatusBarController::refreshAfterDrag(std::weak_ptr<StatusBarController> 
     const ScannedBarItems& hidden = self->sectionManager.lastExpandedSnapshot[SectionName::hidden];
     debugLog(fmt::format("[CmdDrag] post-drag snapshot refreshed hidden={}", hidden.size()));
     self->cachedHiddenItems = barItems(hidden);
-    if (self->shelfController) self->shelfController->updateCachedItemsAfterDrag(hidden);
+    if (self->isShelfMode()) self->shelf().updateCachedItemsAfterDrag(hidden);
 }
 
 /// After the toggle has moved the section stays open, so that the program can't trap itself behind
@@ -198,7 +198,7 @@ Task<> StatusBarController::refreshAfterDrag(std::weak_ptr<StatusBarController> 
 void StatusBarController::leaveExpandedAfterDrag() {
     sectionManager.expand(true);
     refreshToggleButton();
-    dismissBar();
+    nevoBar->dismiss();
     cachedHiddenItems.clear();
     appState.setIsExpanded(true);
     if (auto frame = toggleButtonScreenFrame()) savedItemFrame = *frame;

@@ -42,7 +42,7 @@ void StatusBarController::installTriggerMonitors() {
 /// A trigger in the blank area only opens: the hidden section is closed and nothing shows.
 bool StatusBarController::isBlankTriggerEligible() const {
     if (!isShelfMode()) return !appState.isExpanded();
-    return sectionManager.isHiddenDividerCollapsed() && !isPanelVisible();
+    return sectionManager.isHiddenDividerCollapsed() && !nevoBar->isPanelVisible();
 }
 
 bool StatusBarController::isBlankMenuBarPoint(Point point) const {
@@ -70,16 +70,16 @@ void StatusBarController::blankClicked() {
 }
 
 void StatusBarController::clickedOutside() {
-    if (!isPanelVisible()) return;
-    if (!isShelfMode()) {
-        if (!nevoBar->panelFrame().contains(platform.events.mouseLocation())) dismissBar();
-        return;
-    }
+    if (!nevoBar->isPanelVisible()) return;
+    bool shelfMode = isShelfMode();
     // The click that opened the bar isn't a click outside.
-    bool isFresh = shelfController &&
-                   platform.runLoop.now() - shelfController->panelOpenedAt() <= openingClickTime;
-    if (isFresh || nevoBar->panelFrame().contains(platform.events.mouseLocation())) return;
-    if (shelfController) shelfController->dismissShelf();
+    if (shelfMode && !(platform.runLoop.now() - shelf().panelOpenedAt() > openingClickTime)) return;
+    if (nevoBar->panelFrame().contains(platform.events.mouseLocation())) return;
+    if (shelfMode) {
+        shelf().dismissShelf();
+    } else {
+        nevoBar->dismiss();
+    }
 }
 
 void StatusBarController::mouseMoved() {
@@ -121,7 +121,7 @@ void StatusBarController::checkHover(const Rect& area) {
     if (!appState.showOnHover() || appState.isExpanded()) {
         debugLog(fmt::format("[Hover] delayed guard failed: showOnHover={} isExpanded={}",
                              describe(appState.showOnHover()), describe(appState.isExpanded())));
-    } else if (isShelfMode() && isPanelVisible()) {
+    } else if (isShelfMode() && nevoBar->isPanelVisible()) {
         debugLog("[Hover] shelf guard failed: isShelfMode=true nevoBarVisible=true");
     } else if (area.contains(platform.events.mouseLocation())) {
         debugLog("[Hover] triggering toggle()");

@@ -25,7 +25,7 @@ void StatusBarController::startItemMonitor() {
 }
 
 void StatusBarController::monitorPass() {
-    if (isBarInMotion() || isShelfIn(ShelfController::State::presentingItem)) return;
+    if (isBarInMotion() || isShelfIn(ShelfState::Kind::presentingItem)) return;
     auto ownIDs = sectionManager.ownWindowIDs();
     enforceAlwaysShow(ownIDs);
     if (!isShelfMode()) return;
@@ -116,6 +116,7 @@ void StatusBarController::alphaHideStrays(const std::set<WindowNumber>& ownIDs) 
 void StatusBarController::enforceAlwaysHide(const std::set<WindowNumber>& ownIDs) {
     IconRules rules = appState.rules.loadIconRules();
     for (const ScannedBarItem& item : snapshotItems({SectionName::visible})) {
+        // What the program in front wants to be seen isn't hidden under its eyes.
         bool isShownByAppRule = appRuleProtectedWIDs.contains(item.windowID);
         if (ownIDs.contains(item.windowID) || isShownByAppRule) continue;
         if (sectionManager.alphaHiddenWindows.contains(item.windowID)) {
@@ -123,7 +124,9 @@ void StatusBarController::enforceAlwaysHide(const std::set<WindowNumber>& ownIDs
             continue;
         }
         auto rule = rules.find(item.persistedID);
-        if (rule == rules.end() || rule->second != IconRule::alwaysHide) continue;
+        bool hides = rule != rules.end() && rule->second == IconRule::alwaysHide;
+        // Nobody would take back what is done for the sake of a phantom's rule.
+        if (!hides || isPhantomID(item.persistedID)) continue;
         hideByAlpha(item.windowID);
         debugLog(fmt::format("[ItemMonitor] alwaysHide enforced wid={} id={}", item.windowID,
                              item.persistedID));
@@ -132,8 +135,7 @@ void StatusBarController::enforceAlwaysHide(const std::set<WindowNumber>& ownIDs
 
 void StatusBarController::reassertAlpha(const std::set<WindowNumber>& ownIDs) {
     if (isDraggingMenuBarItem) return;
-    if (!sectionManager.isHiddenDividerCollapsed() &&
-        isShelfIn(ShelfController::State::presentingItem))
+    if (!sectionManager.isHiddenDividerCollapsed() && isShelfIn(ShelfState::Kind::presentingItem))
         return;
     for (WindowNumber window : sectionManager.alphaHiddenWindows) {
         if (ownIDs.contains(window) || alwaysShowProtectedWIDs.contains(window)) continue;

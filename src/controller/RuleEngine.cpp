@@ -95,11 +95,11 @@ Task<> StatusBarController::handleRuleChange(std::weak_ptr<StatusBarController> 
         fmt::format("[Rules] handleRuleChange rule={} wid={} id={}", rawValue(rule), *window, id));
     self.reset();
     if (rule == IconRule::alwaysShow) {
-        co_await applyAlwaysShow(owner, *window);
+        co_await applyAlwaysShow(owner, *window, id);
     } else if (rule == IconRule::alwaysHide) {
-        co_await applyAlwaysHide(owner, id, *window);
+        co_await applyAlwaysHide(owner, *window, id);
     } else if (auto held = owner.lock()) {
-        held->applyAutomatic(*window);
+        held->applyAutomatic(*window, id);
     }
 }
 
@@ -153,7 +153,7 @@ std::map<WindowNumber, std::string> StatusBarController::snapshotIDs() const {
     return ids;
 }
 
-void StatusBarController::applyAutomatic(WindowNumber window) {
+void StatusBarController::applyAutomatic(WindowNumber window, const std::string& persistedID) {
     alwaysShowProtectedWIDs.erase(window);
     // The rule of the program in front comes first, as long as it is there.
     bool isOverridden = isHiddenByAppRule(window);
@@ -168,6 +168,7 @@ void StatusBarController::applyAutomatic(WindowNumber window) {
         debugLog(fmt::format("[Rules] auto: restored wid={}", window));
     }
     updateAlwaysHiddenDivider();
+    decoyController->handleRuleChange(persistedID, IconRule::automatic);
 }
 
 bool StatusBarController::hideByAlpha(WindowNumber window) {
@@ -192,7 +193,7 @@ void StatusBarController::showByAlpha(WindowNumber window) {
 }
 
 Task<> StatusBarController::applyAlwaysShow(std::weak_ptr<StatusBarController> owner,
-                                            WindowNumber window) {
+                                            WindowNumber window, std::string persistedID) {
     auto self = owner.lock();
     if (!self) co_return;
     self->showByAlpha(window);
@@ -210,6 +211,7 @@ Task<> StatusBarController::applyAlwaysShow(std::weak_ptr<StatusBarController> o
         if (!self) co_return;
     }
     self->alwaysShowProtectedWIDs.insert(window);
+    self->decoyController->handleRuleChange(persistedID, IconRule::alwaysShow);
 }
 
 std::optional<Point> StatusBarController::alwaysShowTarget(WindowNumber window) {
@@ -248,11 +250,12 @@ bool StatusBarController::stillHides(const std::string& id) const {
 }
 
 Task<> StatusBarController::applyAlwaysHide(std::weak_ptr<StatusBarController> owner,
-                                            std::string id, WindowNumber window) {
+                                            WindowNumber window, std::string id) {
     auto self = owner.lock();
     if (!self) co_return;
     self->alwaysShowProtectedWIDs.erase(window);
     bool ok = self->hideByAlpha(window);
+    self->decoyController->handleRuleChange(id, IconRule::alwaysHide);
     debugLog(fmt::format("[Rules] alwaysHide wid={} alpha=0 ok={}", window, describe(ok)));
     auto frame = self->services.mover.readableFrame(window);
     bool standsOnBar = frame && frame->x > 0;
@@ -274,6 +277,7 @@ Task<> StatusBarController::applyAlwaysHide(std::weak_ptr<StatusBarController> o
     if (!self) co_return;
     self->updateSnapshot(items, false);
     if (self->stillHides(id)) self->hideAgain(window);
+    self->decoyController->handleRuleChange(id, IconRule::alwaysHide);
 }
 
 Task<> StatusBarController::moveBehindDivider(std::weak_ptr<StatusBarController> owner,

@@ -37,7 +37,11 @@ Task<> StatusBarController::replayAllRulesOnStartup(std::weak_ptr<StatusBarContr
     }
     co_await sleep(replaySettle);
     co_await refreshSnapshot(owner, 3.0);
-    if (!owner.expired()) debugLog("[Rules] replayAllRulesOnStartup: done");
+    auto self = owner.lock();
+    if (!self) co_return;
+    self->decoyController->hide();
+    self->decoyController->clearEntries();
+    debugLog("[Rules] replayAllRulesOnStartup: done");
 }
 
 /// A fresh or recent scan becomes the snapshot, without a report on the rules.

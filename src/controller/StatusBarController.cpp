@@ -32,6 +32,7 @@ StatusBarController::StatusBarController(const Platform& desktop, AppState& stat
       popover(desktop.popovers.create()),
       preferences(desktop.defaults),
       checkForUpdates(std::move(updateCheck)) {
+    nevoBar = NevoBar::create(platform);
     lastScreenCount = platform.screens.screens().size();
     if (auto screen = platform.screens.mainScreen()) lastMainScreenFrame = screen->frame;
     popover->setContentSize(popoverSize);
@@ -58,10 +59,15 @@ void StatusBarController::install() {
     observeFrontApplication();
     observeNotifications();
     startItemMonitor();
+    if (!isShelfMode()) bindBarForPushMode();
     // From the start, so that it hears of the first collapse: the rules wait for the snapshot that
     // it then takes.
     decoyController =
         DecoyPanelController::create(platform, appState, sectionManager, services.scanner);
+    decoyController->isBarOpen = [weak] {
+        auto self = weak.lock();
+        return self && self->nevoBar->isOpen();
+    };
     spawn(platform.runLoop, replayAfterStart(weak));
 }
 
@@ -79,6 +85,11 @@ void StatusBarController::observeNotifications() {
                     self->laterOnMain(&StatusBarController::iconOrSpacingChanged);
             }));
     }
+    notificationObservers.push_back(
+        platform.notifications.addObserver(nevoShelfAppearanceChanged, [weak](const Notification&) {
+            if (auto self = weak.lock())
+                self->laterOnMain(&StatusBarController::shelfAppearanceChanged);
+        }));
     observeRules();
     observeAppRules();
     observeWake();
@@ -95,6 +106,14 @@ void StatusBarController::afterDelay(double seconds, void (StatusBarController::
     platform.runLoop.postAfter(seconds, [weak = weak_from_this(), action] {
         if (auto self = weak.lock()) ((*self).*action)();
     });
+}
+
+/// In push mode too: a program's rule may have opened the bar.
+void StatusBarController::shelfAppearanceChanged() {
+    bool isFirstUse = !shelfController;
+    shelf().refreshBarAppearance();
+    // The shelf has taken over what is done with the bar's slots.
+    if (isFirstUse && !isShelfMode()) bindBarForPushMode();
 }
 
 void StatusBarController::iconOrSpacingChanged() {
@@ -149,7 +168,10 @@ void StatusBarController::tearDown() {
     isDisplayTransitioning = false;
     isDraggingMenuBarItem = false;
     ++appRuleGeneration;
-    dismissBar();
+    shelf().endPresentation();
+    nevoBar->dismiss();
+    decoyController->hide();
+    decoyController->stopRefreshing();
     refreshToggleButton();
     sectionManager.expand(true);
     sectionManager.restorePassinglyTransparentWindows();

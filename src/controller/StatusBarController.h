@@ -25,6 +25,7 @@ namespace nevo {
 
 /// The services that live as long as the process and outlive every task.
 struct SharedServices {
+    ScreenCaptureService& screenCapture;
     MenuBarScanner& scanner;
     ItemMover& mover;
     OnboardingCoordinator& onboarding;
@@ -115,6 +116,8 @@ public:
     void startShelfAutoHideTimer();
 
     SectionManager& sections() { return sectionManager; }
+    /// nullptr before its first use.
+    const ShelfController* shelfInUse() const { return shelfController.get(); }
 
 private:
     StatusBarController(const Platform& platform, AppState& appState, SharedServices services,
@@ -155,14 +158,15 @@ private:
     void observeRules();
     static Task<> replayAfterStart(std::weak_ptr<StatusBarController> owner);
     static Task<> filterRuleChange(std::weak_ptr<StatusBarController> owner, UserInfo info);
-    static Task<> applyAlwaysShow(std::weak_ptr<StatusBarController> owner, WindowNumber window);
-    static Task<> applyAlwaysHide(std::weak_ptr<StatusBarController> owner, std::string id,
-                                  WindowNumber window);
+    static Task<> applyAlwaysShow(std::weak_ptr<StatusBarController> owner, WindowNumber window,
+                                  std::string persistedID);
+    static Task<> applyAlwaysHide(std::weak_ptr<StatusBarController> owner, WindowNumber window,
+                                  std::string id);
     static Task<> moveBehindDivider(std::weak_ptr<StatusBarController> owner, std::string id,
                                     WindowNumber window, double y);
     static Task<> refreshSnapshot(std::weak_ptr<StatusBarController> owner, double maxAge);
     static Task<> repairDrift(std::weak_ptr<StatusBarController> owner);
-    void applyAutomatic(WindowNumber window);
+    void applyAutomatic(WindowNumber window, const std::string& persistedID);
     std::optional<Point> alwaysShowTarget(WindowNumber window);
     std::optional<ScannedBarItem> findItem(const std::string& persistedID) const;
     std::optional<WindowNumber> findWindowByProcess(const std::string& persistedID) const;
@@ -221,13 +225,18 @@ private:
     void showByAppRule(const ScannedBarItem& item);
 
     // The floating bar.
-    bool isPanelVisible() const { return nevoBar && nevoBar->isPanelVisible(); }
-    void dismissBar() {
-        if (nevoBar) nevoBar->dismiss();
+    /// Built on first use, from which on the bar's callbacks are its own.
+    ShelfController& shelf();
+    bool isShelfIn(ShelfState::Kind kind) const {
+        return shelfController ? shelfController->isIn(kind) : kind == ShelfState::Kind::collapsed;
     }
-    bool isShelfIn(ShelfController::State state) const {
-        return shelfController && shelfController->state() == state;
-    }
+    void bindBarForPushMode();
+    /// What a bar that has opened, or closed, means for the decoys and the timer.
+    void shelfAppearanceChanged();
+    void shelfHasOpened();
+    void shelfHasClosed();
+    void showShelfScreenRecordingPrompt();
+    void restartNevo();
     void clickedOutside();
     void shelfAutoHideFired();
 
@@ -316,9 +325,9 @@ private:
     /// Goes up with each restore.
     int appRuleGeneration = 0;
 
-    /// Null as long as the desktop has no floating bar.
-    std::unique_ptr<NevoBar> nevoBar;
-    std::unique_ptr<ShelfController> shelfController;
+    std::shared_ptr<NevoBar> nevoBar;
+    std::shared_ptr<ShelfController> shelfController;
+    std::unique_ptr<Prompt> shelfScreenRecordingPrompt;
     std::shared_ptr<DecoyPanelController> decoyController;
 
     /// The displays at the last notification.

@@ -11,6 +11,8 @@ namespace {
 constexpr double toggleGuardTime = 0.1;
 /// The bar's layout needs a moment before the toggle's new place can be read.
 constexpr double collapseSettleTime = 0.08;
+/// The floating bar has opened or closed by then.
+constexpr double shelfSettleTime = 0.3;
 
 }  // namespace
 
@@ -28,7 +30,9 @@ void StatusBarController::toggle() {
         services.onboarding.showPermissions(ready, complete);
         return;
     }
-    if (isShelfMode()) {
+    if (isShelfMode() && !services.screenCapture.hasPermission()) {
+        showShelfScreenRecordingPrompt();
+    } else if (isShelfMode()) {
         toggleShelfMode();
     } else {
         togglePushMode();
@@ -53,9 +57,24 @@ void StatusBarController::togglePushMode() {
 }
 
 void StatusBarController::toggleShelfMode() {
-    // As long as there is no shelf to open, its items come back to the bar, so that they stay
-    // within reach.
-    togglePushMode();
+    if (!services.screenCapture.hasPermission()) {
+        showShelfScreenRecordingPrompt();
+        return;
+    }
+    auto weak = weak_from_this();
+    if (appState.isExpanded() || !sectionManager.isHiddenDividerCollapsed()) {
+        debugLog("[Shelf] toggle repairing expanded shelf section before opening");
+        startCollapse(true, [weak] {
+            if (auto self = weak.lock()) self->shelfHasOpened();
+        });
+        return;
+    }
+    // A change of displays may have put the shelf in force.
+    shelf().bindBarCallbacks();
+    bool wasCollapsed = shelf().isIn(ShelfState::Kind::collapsed);
+    shelf().toggle("toggleShelf");
+    afterDelay(shelfSettleTime, wasCollapsed ? &StatusBarController::shelfHasOpened
+                                             : &StatusBarController::shelfHasClosed);
 }
 
 void StatusBarController::startCollapse(bool repair, std::function<void()> completion) {
@@ -92,10 +111,9 @@ Task<> StatusBarController::collapseAfterScan(std::weak_ptr<StatusBarController>
             debugLog("[Nevo] No shelf items found; collapsing shelf boundary anyway.");
         self->appState.setIsExpanded(false);
         self->performCollapse();
-        if (self->shelfController)
-            self->shelfController->onItemsPushed(hidden, self->savedItemFrame);
+        self->shelf().onItemsPushed(hidden, self->savedItemFrame);
         if (hidden.empty() || !repair) co_return;
-        if (self->shelfController) self->shelfController->toggle("repairShelf");
+        self->shelf().toggle("repairShelf");
         if (completion) completion();
         co_return;
     }

@@ -116,6 +116,11 @@ ShelfAppearanceMode AppState::shelfAppearanceMode() const {
     return shelfAppearanceModeFrom(shelfAppearance()).value_or(ShelfAppearanceMode::system);
 }
 
+ShelfAppearanceTheme AppState::shelfAppearanceTheme() const {
+    Color custom = colorFromHex(shelfCustomColorHex()).value_or(defaultCustomColor);
+    return makeTheme(shelfAppearanceMode(), custom, shelfCustomOpacity());
+}
+
 std::optional<Image> AppState::menuBarIconImage() const {
     return nevo::menuBarIconImage(images, menuBarIconName(), storedCustomIconData());
 }

@@ -6,7 +6,7 @@
 #include <vector>
 
 #include "core/RuleStore.h"
-#include "core/ShelfAppearance.h"
+#include "core/ShelfAppearanceTheme.h"
 #include "core/Signal.h"
 #include "platform/Platform.h"
 
@@ -91,6 +91,7 @@ public:
     // Worked out.
     ShelfBarStyle effectiveShelfBarStyle() const;
     ShelfAppearanceMode shelfAppearanceMode() const;
+    ShelfAppearanceTheme shelfAppearanceTheme() const;
     std::optional<Image> menuBarIconImage() const;
     bool hasCustomIcon() const;
     std::optional<Bytes> customIconData() const;

@@ -60,9 +60,9 @@ std::optional<MenuBarIconKind> kindOf(const std::string& name) {
 std::optional<Image> brandImage(const Images& images, const std::string& asset) {
     auto image = images.named(asset);
     if (!image) return std::nullopt;
-    Image sized = images.redrawn(*image, brandIconSize);
-    sized.isTemplate = true;
-    return sized;
+    image->size = brandIconSize;
+    image->isTemplate = true;
+    return image;
 }
 
 }  // namespace

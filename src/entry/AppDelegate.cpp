@@ -50,12 +50,13 @@ void AppDelegate::startFirstServices() {
         self->hotKeyService = std::make_unique<HotKeyService>(self->platform, self->appState);
         self->registerHotKey();
     };
-    SharedServices services{scanner, mover, onboarding, granted};
+    SharedServices services{screenCapture, scanner, mover, onboarding, granted};
     statusBarController =
         StatusBarController::create(platform, appState, services, [weak](const MenuItem* sender) {
             if (auto self = weak.lock()) self->checkForUpdates(sender);
         });
     if (platform.accessibility.isProcessTrusted()) startFullServices();
+    coverSecondaryBars();
     if (hotKeyService) registerHotKey();
     displayModeObserver =
         platform.notifications.addObserver(nevoDisplayModeChanged, [weak](const Notification&) {
@@ -67,6 +68,25 @@ void AppDelegate::startFirstServices() {
 void AppDelegate::startFullServices() {
     statusBarController->startFirstCollapse();
     hotKeyService = std::make_unique<HotKeyService>(platform, appState);
+}
+
+void AppDelegate::coverSecondaryBars() {
+    secondaryCover = SecondaryMenuBarCoverController::create(platform);
+    applyCoverSetting(appState.hideSecondaryMenuBar());
+    // The one path by which a change of the setting reaches the covers.
+    defaultsObserver = platform.notifications.addObserver(
+        userDefaultsDidChangeNotification, [this, weak = weak_from_this()](const Notification&) {
+            bool wanted = appState.hideSecondaryMenuBar();
+            platform.runLoop.post([weak, wanted] {
+                if (auto self = weak.lock()) self->applyCoverSetting(wanted);
+            });
+        });
+}
+
+void AppDelegate::applyCoverSetting(bool wanted) {
+    if (wanted == secondaryCover->isEnabled) return;
+    secondaryCover->isEnabled = wanted;
+    secondaryCover->update();
 }
 
 void AppDelegate::registerHotKey() {

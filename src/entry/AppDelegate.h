@@ -3,6 +3,7 @@
 #include <memory>
 
 #include "controller/StatusBarController.h"
+#include "shelf/SecondaryMenuBarCoverController.h"
 #include "surfaces/HotKeyService.h"
 
 namespace nevo {
@@ -31,6 +32,8 @@ private:
     void startFirstServices();
     void startFullServices();
     void registerHotKey();
+    void coverSecondaryBars();
+    void applyCoverSetting(bool wanted);
 
     const Platform& platform;
     AppState appState;
@@ -39,6 +42,8 @@ private:
     ItemMover mover;
     OnboardingCoordinator onboarding;
     std::shared_ptr<StatusBarController> statusBarController;
+    std::shared_ptr<SecondaryMenuBarCoverController> secondaryCover;
+    Registration defaultsObserver;
     Registration displayModeObserver;
     /// Stands for the services that need the accessibility permission: nothing before they have
     /// started. A permission that is taken away later stops nothing.

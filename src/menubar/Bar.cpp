@@ -13,6 +13,7 @@
 #include "menubar/Monitors.h"
 #include "menubar/Stacking.h"
 #include "platform/menubar/BarProtocol.h"
+#include "platform/menubar/BarScale.h"
 #include "platform/xcb/Properties.h"
 
 namespace nevo::menubar {
@@ -34,8 +35,9 @@ constexpr auto raiseInterval = 250ms;
 constexpr int smallestSystemArea = 120;
 constexpr int clockMargin = 12;
 /// More than the widest date with its margins takes, so that items needn't make room for the clock
-/// when it comes, or at midnight.
-constexpr int clockWidthOfHeight = 7;
+/// when it comes, or at midnight; and an item that is shown beside the row for a while stands left
+/// of it.
+constexpr int clockWidthOfHeight = 8;
 constexpr std::size_t docksPerPass = 16;
 
 bool hasMonitorAbove(const PixelRect& monitor, const std::vector<PixelRect>& all) {
@@ -51,7 +53,7 @@ Bar::Bar(const Display& x, const Options& chosen, std::unique_ptr<TrayHost> tray
       options(chosen),
       host(std::move(trayHost)),
       owners(desktopEntries),
-      keeper(RowStore::defaultPath()),
+      keeper(RowStore::defaultPath(), pixelsPerPoint(chosen.height)),
       leases(x),
       syntheticInput(x),
       clockFace(x, chosen.height) {

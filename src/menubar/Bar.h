@@ -58,6 +58,14 @@ private:
         Clock::time_point expires;
     };
 
+    /// An item that stands in the bar unseen, out of its slot, for a click.
+    struct Visit {
+        MenuBarRow::Key item = 0;
+        /// Of its middle, root coordinates.
+        int x = 0;
+        xcb_window_t lease = 0;
+    };
+
     // Bar.cpp: setting up and the loop
     void grabDragButton() const;
     void openSignals();
@@ -120,6 +128,11 @@ private:
     void endDrag();
     void cancelDrag();
 
+    // BarVisit.cpp
+    void onVisitMessage(BarItem& item, bool comes, int x, xcb_window_t lease);
+    void endVisit();
+    bool isVisiting(const BarItem& item) const;
+
     const Display& display;
     Options options;
     std::unique_ptr<TrayHost> host;
@@ -140,6 +153,7 @@ private:
     std::deque<DockRequest> dockRequests;
     std::optional<Drag> drag;
     std::optional<Announcement> announcement;
+    std::optional<Visit> visit;
     std::vector<std::uint32_t> publishedList;
     std::vector<std::uint32_t> publishedGeometry;
     int systemAreaWidth = 0;

@@ -170,6 +170,7 @@ void Bar::setInRow(BarItem& item, bool inRow) {
         xcb_map_window(display.get(), item.client);
     } else {
         if (drag && drag->item == item.key) cancelDrag();
+        if (isVisiting(item)) endVisit();
         endFloat(item);
         // Whoever made it transparent loses sight of it now, and couldn't make it opaque again.
         setOpacity(item, fullOpacity, XCB_WINDOW_NONE);

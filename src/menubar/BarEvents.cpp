@@ -119,6 +119,11 @@ void Bar::onConfigureRequest(const xcb_configure_request_event_t& event) {
         bool tooHigh = (event.value_mask & XCB_CONFIG_WINDOW_HEIGHT) != 0 &&
                        event.height > options.height && !item->isStatusItem();
         if (tooHigh) width = width * options.height / event.height;
+        // Some ask for the size of the icon that they had before, and draw the one that fits the
+        // bar's height into it: cut off at both sides.
+        bool isSquare = (event.value_mask & XCB_CONFIG_WINDOW_HEIGHT) != 0 &&
+                        event.width == event.height && !item->isStatusItem();
+        if (isSquare) width = options.height;
         item->requestedWidth = std::clamp(width, least, largestWidth);
     }
     item->awaitsPlace = true;

@@ -41,6 +41,7 @@ void Bar::layout() {
     // What floated to be seen beside a closed divider has its own place in sight again.
     if (dividerOpened) {
         for (BarItem* item : items.all()) endFloat(*item);
+        endVisit();
     }
     bool changed = false;
     std::vector<std::uint32_t> list;
@@ -78,7 +79,7 @@ bool Bar::placeItem(BarItem& item, const MenuBarRow::Slot& slot) {
     return publishSlot(item, slotRect) || moved;
 }
 
-/// Where the frame stands, root coordinates: in its slot, or floating above the row, or in the
+/// Where the frame stands, root coordinates: in its slot, or above the row for a while, or in the
 /// hand.
 PixelRect Bar::realRect(const BarItem& item, const PixelRect& slot) const {
     const PixelRect& bar = windows.front()->rect();
@@ -88,8 +89,9 @@ PixelRect Bar::realRect(const BarItem& item, const PixelRect& slot) const {
         rect.x = slot.x + slot.width - rect.width;
     }
     rect.width = std::max(rect.width, 1);
-    if (item.floatX) {
-        rect.x = std::clamp(*item.floatX, bar.x, std::max(bar.x, bar.x + bar.width - rect.width));
+    auto asked = isVisiting(item) ? std::optional(visit->x - rect.width / 2) : item.floatX;
+    if (asked) {
+        rect.x = std::clamp(*asked, bar.x, std::max(bar.x, bar.x + bar.width - rect.width));
     }
     if (drag && drag->item == item.key && drag->hasMoved) {
         rect.x = drag->pointerX - drag->grabOffset;
@@ -113,8 +115,8 @@ bool Bar::publishSlot(BarItem& item, const PixelRect& slot) {
 
 bool Bar::isVisible(const BarItem& item) const {
     const PixelRect& rect = item.frame->rect();
-    return item.isInRow && item.opacity > 0 && item.slot.width > 0 && rect.x + rect.width > 0 &&
-           rect.x < windows.front()->rect().width;
+    return item.isInRow && item.opacity > 0 && item.slot.width > 0 && !isVisiting(item) &&
+           rect.x + rect.width > 0 && rect.x < windows.front()->rect().width;
 }
 
 void Bar::paint() {
@@ -122,7 +124,7 @@ void Bar::paint() {
         window->beginPaint();
         int width = clockFace.width();
         if (clockFace.picture() != 0) {
-            int right = window->rect().width - (systemAreaWidth - width) / 2;
+            int right = window->rect().width - options.height / 2;
             window->draw(clockFace.picture(), right - width, width, options.height, fullOpacity);
         }
         if (window == windows.front()) {

@@ -31,6 +31,8 @@ void Bar::onClientMessage(const xcb_client_message_event_t& message) {
         if (acceptLease(data[3])) moveItem(*item, signedOf(data[1]), signedOf(data[2]), data[3]);
     } else if (message.type == display.atom(barprotocol::drag)) {
         if (acceptLease(data[4])) onDragMessage(data[0], data[1], signedOf(data[2]), data[4]);
+    } else if (message.type == display.atom(barprotocol::visit)) {
+        if (acceptLease(data[3])) onVisitMessage(*item, data[1] != 0, signedOf(data[2]), data[3]);
     }
 }
 
@@ -76,6 +78,7 @@ void Bar::endLease(xcb_window_t lease) {
         if (item->opacityLease == lease) setOpacity(*item, fullOpacity, XCB_WINDOW_NONE);
         if (item->floatX && item->floatLease == lease) endFloat(*item);
     }
+    if (visit && visit->lease == lease) endVisit();
     if (announcement && announcement->lease == lease) announcement.reset();
     if (drag && drag->lease == lease) cancelDrag();
 }

@@ -11,15 +11,13 @@ const char* const helpText =
     "Usage: nevo-menubar [OPTION]...\n"
     "A menu bar for X11 that holds the status items (system tray icons) of programs.\n"
     "\n"
-    "  --height N              thickness of the bar in pixels, 16 to 128 (default 24)\n"
+    "  --height N              thickness of the bar in pixels, 16 to 128 (default: 24, and more\n"
+    "                          where Xft.dpi is above 96); the size of all else follows it\n"
     "  --no-clock              leave the clock away; the bar then never wakes up by itself\n"
     "  --drag-modifier NAME    key held to drag an item with button 1: super (default), ctrl, alt\n"
     "  --help                  show this text\n";
 
 namespace {
-constexpr int smallestHeight = 16;
-constexpr int largestHeight = 128;
-
 bool parseHeight(const std::string& text, Options& options, std::string& failure) {
     int value = 0;
     auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), value);

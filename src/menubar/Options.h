@@ -8,9 +8,13 @@
 
 namespace nevo::menubar {
 
+/// Of the bar, in pixels.
+inline constexpr int smallestHeight = 16;
+inline constexpr int largestHeight = 128;
+
 struct Options {
-    /// Of the bar, in pixels.
-    int height = 24;
+    /// Of the bar, in pixels; 0 follows the screen's resolution.
+    int height = 0;
     bool clock = true;
     /// Held with button 1 to drag an item.
     std::uint16_t dragModifier = XCB_MOD_MASK_4;

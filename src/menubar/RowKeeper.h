@@ -26,7 +26,8 @@ public:
         double length = 0;
     };
 
-    explicit RowKeeper(std::filesystem::path rowFile) : store(std::move(rowFile)) {}
+    RowKeeper(std::filesystem::path rowFile, double pixelsToPoint)
+        : store(std::move(rowFile), pixelsToPoint) {}
 
     const MenuBarRow& row() const { return current; }
     const std::vector<std::string>& order() const { return store.order(); }

@@ -1,5 +1,6 @@
 #include "menubar/RowStore.h"
 
+#include <cmath>
 #include <cstdlib>
 #include <utility>
 
@@ -16,6 +17,7 @@ constexpr const char* orderKey = "order";
 constexpr std::size_t mostRemembered = 1000;
 constexpr std::size_t mostProblems = 100;
 constexpr int domainsPerSave = 4;
+constexpr double samePlace = 0.001;
 
 std::string lastPositionKey(const std::string& domain, const std::string& name) {
     return "position " + domain + "|" + name;
@@ -42,7 +44,8 @@ std::filesystem::path RowStore::defaultPath() {
     return folder / "nevo" / "menubar-row.json";
 }
 
-RowStore::RowStore(std::filesystem::path rowFile) : row(std::move(rowFile)) {
+RowStore::RowStore(std::filesystem::path rowFile, double pixelsToPoint)
+    : scale(pixelsToPoint), row(std::move(rowFile)) {
     if (auto stored = row.value(orderKey)) {
         if (auto list = std::get_if<std::vector<std::string>>(&*stored)) known = *list;
     }
@@ -66,7 +69,8 @@ std::optional<double> RowStore::position(const std::string& domain, const std::s
     if (!path) return std::nullopt;
     DomainFile file(*path);
     logProblems(file);
-    return numberIn(file.value(domainKey(name)));
+    auto points = numberIn(file.value(domainKey(name)));
+    return points ? std::optional(*points * scale) : std::nullopt;
 }
 
 bool RowStore::isForeign(const std::string& domain, const std::string& name,
@@ -76,11 +80,12 @@ bool RowStore::isForeign(const std::string& domain, const std::string& name,
     auto key = lastPositionKey(domain, name);
     auto unsaved = pending.find(key);
     auto last = numberIn(unsaved == pending.end() ? row.value(key) : unsaved->second);
-    return last != position;
+    // Scaling back and forth loses a little.
+    return !last || std::abs(*last * scale - position) > samePlace;
 }
 
 void RowStore::acknowledge(const std::string& domain, const std::string& name, double position) {
-    if (isForeign(domain, name, position)) note(lastPositionKey(domain, name), position);
+    if (isForeign(domain, name, position)) note(lastPositionKey(domain, name), position / scale);
 }
 
 void RowStore::writePosition(const std::string& domain, const std::string& name, double position) {
@@ -91,7 +96,7 @@ void RowStore::saveDomain(const std::string& domain,
                           const std::map<std::string, double>& positions) {
     DomainFile file(*DomainFile::pathFor(domain));
     DomainFile::Changes changes;
-    for (const auto& [name, position] : positions) changes[domainKey(name)] = position;
+    for (const auto& [name, position] : positions) changes[domainKey(name)] = position / scale;
     bool written = file.update(changes);
     logProblems(file);
     if (!written) return;

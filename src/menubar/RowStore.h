@@ -15,7 +15,9 @@ namespace nevo::menubar {
 /// and each item's position in the domain of its application.
 class RowStore {
 public:
-    explicit RowStore(std::filesystem::path rowFile);
+    /// Positions are pixels here, and in the files points of `pixelsToPoint` each: so they stay
+    /// true when the bar's height changes.
+    RowStore(std::filesystem::path rowFile, double pixelsToPoint);
 
     /// `menubar-row.json` in the user's state folder.
     static std::filesystem::path defaultPath();
@@ -45,6 +47,7 @@ private:
     void saveDomain(const std::string& domain, const std::map<std::string, double>& positions);
     void logProblems(DomainFile& file);
 
+    double scale;
     DomainFile row;
     std::vector<std::string> known;
     DomainFile::Changes pending;

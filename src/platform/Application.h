@@ -16,6 +16,8 @@ public:
     /// The bundle identifier; empty if none.
     virtual std::string bundleIdentifier() const = 0;
     virtual ProcessId processIdentifier() const = 0;
+    /// Where the application is installed (`NSBundle.mainBundle.bundlePath`).
+    virtual std::string bundlePath() const = 0;
     virtual void setActivationPolicy(ActivationPolicy policy) = 0;
     virtual ActivationPolicy activationPolicy() const = 0;
     /// `activateIgnoringOtherApps:` true.

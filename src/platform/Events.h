@@ -48,6 +48,7 @@ struct Event {
 
 /// Fields of a synthetic event (`CGEventField`).
 enum class EventField {
+    clickState = 1,
     targetProcess = 40,
     windowNumber = 51,
     windowUnderPointer = 91,

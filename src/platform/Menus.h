@@ -5,6 +5,7 @@
 #include <string>
 #include <vector>
 
+#include "platform/Panels.h"
 #include "platform/StatusBar.h"
 
 namespace nevo {
@@ -33,6 +34,13 @@ public:
     /// (`popUpMenuPositioningItem:atLocation:inView:`). The loop turns meanwhile.
     virtual void popUp(const std::vector<MenuItem>& items, Point location,
                        StatusItemButton& button) = 0;
+
+    /// Shows a menu at `location` of a panel's content (points, origin at its bottom left), with
+    /// its first row there. No row's action is run: `didClose` is told which row was highlighted
+    /// when the menu closed, counted from 0, or nothing (`menuDidClose:`, `highlightedItem`).
+    /// Returns when the menu has closed; the loop turns meanwhile.
+    virtual void popUp(const std::vector<MenuItem>& items, Point location, Panel& panel,
+                       std::function<void(std::optional<std::size_t> highlighted)> didClose) = 0;
 };
 
 /// A row of text in the popover; the first is its status line.

@@ -8,6 +8,8 @@
 #include "platform/LogOutput.h"
 #include "platform/Menus.h"
 #include "platform/NotificationCenter.h"
+#include "platform/Panels.h"
+#include "platform/Prompts.h"
 #include "platform/RunLoop.h"
 #include "platform/ScreenCapture.h"
 #include "platform/Screens.h"
@@ -36,8 +38,11 @@ struct Platform {
     Accessibility& accessibility;
     ScreenCapture& screenCapture;
     Images& images;
+    Panels& panels;
     Menus& menus;
     Popovers& popovers;
+    Prompts& prompts;
+    ChildProcesses& childProcesses;
     LogOutput& log;
 };
 

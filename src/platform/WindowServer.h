@@ -61,6 +61,9 @@ public:
     /// The picture of one window (`CGWindowListCreateImage(CGRectNull, 8, window, 9)`), in pixels;
     /// nothing when it can't be had.
     virtual std::optional<Image> windowImage(WindowNumber window) const = 0;
+    /// How many pixels of such a picture make a point: 2 where pictures come at the best
+    /// resolution whatever the display, else what the items are drawn at.
+    virtual double pixelsPerPoint() const = 0;
     /// One picture of all of `windows` in their places, as large as the union of their frames
     /// (`CGWindowListCreateImageFromArray(CGRectNull, windows, 9)`), in pixels; nothing when it
     /// can't be had.

@@ -23,6 +23,7 @@ const std::vector<EventKind>& eventKinds();
 
 // The groups that make up the table.
 std::vector<EventKind> handEvents();
+std::vector<EventKind> shelfEvents();
 std::vector<EventKind> programEvents();
 std::vector<EventKind> nevoEvents();
 std::vector<EventKind> desktopEvents();

@@ -73,6 +73,7 @@ void Invariants::noteTrace(const std::string& line) {
     // Where nothing is left to hide, the section stays as a change of displays has opened it.
     if (has(line, "[Nevo] Screen configuration changed")) mayBeOpenUnasked = true;
     noteReason(line);
+    noteShelf(line);
 }
 
 /// What hides single items until somebody shows them again, beside the rule "always hide".
@@ -113,6 +114,8 @@ void Invariants::noteStart() {
     // moment.
     if (nevo && isShelfMode(desktop.screens, nevo->delegate().state())) {
         mayBeClosedUnasked = mayBeOpenUnasked = true;
+    } else {
+        mayBarDiffer = true;
     }
     if (running == wasRunning) return;
     wasRunning = running;
@@ -121,6 +124,7 @@ void Invariants::noteStart() {
         mayBeClosedUnasked = mayBeOpenUnasked = ownPlacesWritten = false;
         hiddenWithReason.clear();
         shownForNow.clear();
+        broughtOut.clear();
         bundlesOfSeveral.clear();
         if (!isAnythingTransparent())
             alphaFailuresAtStart = desktop.faults.struckCount(SimOperation::setWindowAlpha);
@@ -153,11 +157,7 @@ std::optional<Broken> Invariants::checkCursor() const {
 
 std::optional<Broken> Invariants::checkRow() {
     std::vector<WindowNumber> order = desktop.bar.order();
-    std::set<std::string> bundles;
-    for (WindowNumber window : order) {
-        const std::string& bundle = desktop.bar.find(window)->domain;
-        if (!bundles.insert(bundle).second) bundlesOfSeveral.insert(bundle);
-    }
+    noteBundles(order);
     std::size_t expected = 0;
     for (const SimOtherProgram& program : desktop.applications.all()) {
         for (const SimItemPlan& plan : program.items) {
@@ -174,6 +174,19 @@ std::optional<Broken> Invariants::checkRow() {
     if (order.size() == expected + static_cast<std::size_t>(own)) return std::nullopt;
     return Broken{"row", fmt::format("{} items stand in the bar instead of {} and {} own ones",
                                      order.size(), expected, own)};
+}
+
+/// Which programs have several items, as the window server tells it: it may take another program
+/// for the owner of one.
+void Invariants::noteBundles(const std::vector<WindowNumber>& order) {
+    std::set<std::string> seen;
+    for (WindowNumber window : order) {
+        const SimOtherProgram* owner =
+            desktop.applications.runningWithPid(desktop.windows.find(window)->pid);
+        if (owner == nullptr) continue;
+        const std::string& bundle = owner->application.bundleIdentifier;
+        if (!seen.insert(bundle).second) bundlesOfSeveral.insert(bundle);
+    }
 }
 
 std::optional<Broken> Invariants::checkRules() {
@@ -211,6 +224,8 @@ std::optional<Broken> Invariants::checkEnd() {
     if (desktop.loop.tasks().liveCount() > 0)
         return left("tasks", desktop.loop.tasks().liveCount());
     if (desktop.statusBar.itemCount() > 0) return left("items", desktop.statusBar.itemCount());
+    if (desktop.panels.count() > 0) return left("panels", desktop.panels.count());
+    if (desktop.prompts.open() != nullptr) return left("prompts", 1);
 
     bool due = leftoversDueAt && desktop.loop.now() >= *leftoversDueAt && desktop.bar.hasSettled();
     if (!due) return std::nullopt;

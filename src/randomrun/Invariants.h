@@ -7,6 +7,7 @@
 
 #include "core/RuleStore.h"
 #include "scenario/ScenarioRun.h"
+#include "shelf/ShelfController.h"
 
 namespace nevo {
 
@@ -31,6 +32,8 @@ public:
     std::optional<Broken> afterLine();
     /// Whether nothing is under way but what waits for an event or a timer.
     bool isAtRest() const;
+    /// Whether it has to come to that by itself.
+    bool mustComeToRest() const;
     /// What has to hold then.
     std::optional<Broken> atRest();
     /// Looks at the section before a click on the toggle: whether it has to open or close it, with
@@ -43,7 +46,10 @@ private:
     void noteRule(const Notification& told);
     void noteAppRule(const Notification& told);
     void noteReason(const std::string& line);
+    void noteShelf(const std::string& line);
     void noteStart();
+
+    void noteBundles(const std::vector<WindowNumber>& order);
 
     std::optional<Broken> checkClock();
     std::optional<Broken> checkCursor() const;
@@ -54,10 +60,22 @@ private:
     std::optional<Broken> checkToggle() const;
     std::optional<Broken> checkTransparency() const;
     std::optional<Broken> checkOpenSection();
+    std::optional<Broken> checkShelf();
+    std::optional<Broken> checkDecoys() const;
+    std::optional<Broken> checkPresentation();
     std::optional<Broken> checkGrowth() const;
 
     /// Whether nothing but Nevo's own doing can have put the toggle off the screen.
     bool mustBeInReach(WindowNumber toggle) const;
+    const ShelfController* shelf() const;
+    /// Whether the shelf, or the bar that a program's rule opens, can be seen.
+    bool isBarShown() const;
+    /// How often one of the operations failed that bring an item out and take it back.
+    int moveFailures() const;
+    std::size_t mostTasks() const;
+    bool isClickable() const;
+    bool mustAnswerInPushMode() const;
+    bool mustAnswerInShelfMode() const;
     bool isRuledHidden(WindowNumber window) const;
     bool isSomethingToHide() const;
     bool isAnythingTransparent() const;
@@ -89,6 +107,16 @@ private:
     bool mayBeClosedUnasked = false;
     bool mayBeOpenUnasked = false;
     bool ownPlacesWritten = false;
+    /// Why the shelf may be closed or open without its controller's doing.
+    bool mayBarDiffer = false;
+    struct BroughtOut {
+        WindowNumber window = 0;
+        /// As they were when it began.
+        int moveFailures = 0;
+    };
+    /// Items that the shelf brings out, now and since they were last seen in their places.
+    WindowNumber comingOut = 0;
+    std::vector<BroughtOut> broughtOut;
 
     /// Windows that may be transparent in an open section, as the log tells.
     std::set<WindowNumber> hiddenWithReason;
@@ -97,6 +125,7 @@ private:
     std::set<std::string> bundlesOfSeveral;
     /// At the last click of which something was expected.
     std::optional<bool> wasExpandedBeforeClick;
+    std::optional<bool> wasShelfShownBeforeClick;
 };
 
 }  // namespace nevo

@@ -14,8 +14,6 @@ namespace {
 constexpr std::size_t mostTimers = 6;
 constexpr std::size_t mostMonitors = 10;
 constexpr std::size_t mostObservers = 14;
-/// The replay of rules waits for a first scan without end.
-constexpr std::size_t mostTasks = 1;
 
 constexpr const char* outerDivider = "always-hidden-divider";
 
@@ -23,9 +21,23 @@ constexpr const char* outerDivider = "always-hidden-divider";
 
 bool Invariants::isAtRest() const {
     auto nevo = run.nevo();
-    return !nevo ||
-           (nevo->delegate().itemMover().programmaticMoveCount() == 0 &&
-            desktop.loop.tasks().liveCount() <= mostTasks && desktop.loop.programWorkCount() == 0);
+    return !nevo || (nevo->delegate().itemMover().programmaticMoveCount() == 0 &&
+                     desktop.loop.tasks().liveCount() <= mostTasks() &&
+                     desktop.loop.programWorkCount() == 0);
+}
+
+/// Right of a toggle that somebody has put out of its place there may be no room for items that are
+/// to be shown: Nevo tries again without end.
+bool Invariants::mustComeToRest() const {
+    SimStatusItem* toggle = run.ownItem("toggle");
+    return toggle == nullptr || mustBeInReach(toggle->window());
+}
+
+/// The replay of rules waits for a first scan without end, and an item that was brought out for a
+/// minute.
+std::size_t Invariants::mostTasks() const {
+    bool isItemOut = shelf() != nullptr && shelf()->hasItemOut();
+    return isItemOut ? 2 : 1;
 }
 
 std::optional<Broken> Invariants::atRest() {
@@ -35,6 +47,9 @@ std::optional<Broken> Invariants::atRest() {
     if (auto broken = checkToggle()) return broken;
     if (auto broken = checkTransparency()) return broken;
     if (auto broken = checkOpenSection()) return broken;
+    if (auto broken = checkShelf()) return broken;
+    if (auto broken = checkDecoys()) return broken;
+    if (auto broken = checkPresentation()) return broken;
     return checkGrowth();
 }
 
@@ -139,58 +154,19 @@ bool Invariants::isRuledHidden(WindowNumber window) const {
     });
 }
 
-bool Invariants::beforeClick() {
-    wasExpandedBeforeClick.reset();
-    auto nevo = run.nevo();
-    if (!nevo || nevo->delegate().controller() == nullptr || !isAtRest()) return false;
-    const AppState& state = nevo->delegate().state();
-    const SimPointer& hand = desktop.events.state();
-    SimStatusItem* toggle = run.ownItem("toggle");
-    bool asked = state.autoHideEnabled() || state.showOnHover() || state.triggerMode() != "click";
-    bool able = desktop.permissions.accessibility && !isShelfMode(desktop.screens, state) &&
-                !hand.leftDown && hand.modifiers == 0 && desktop.bar.isOnScreen(toggle->window()) &&
-                desktop.bar.layoutDelay < 0.1;
-    bool must = able && !asked && !desktop.faults.isAnyPending() &&
-                (!state.isExpanded() || isSomethingToHide());
-    if (must) wasExpandedBeforeClick = state.isExpanded();
-    return must;
-}
-
-/// An ordinary item left of the toggle, which every scan takes.
-bool Invariants::isSomethingToHide() const {
-    double toggleX = desktop.windows.find(run.ownItem("toggle")->window())->frame.x;
-    for (const SimOtherProgram& program : desktop.applications.all()) {
-        for (const SimItemPlan& plan : program.items) {
-            bool ordinary = program.running && plan.layer == statusItemWindowLevel &&
-                            plan.windowOwner.empty() && plan.name == "Item-0" && plan.width >= 10 &&
-                            plan.width <= 100;
-            if (ordinary && desktop.windows.find(plan.window)->frame.maxX() <= toggleX) return true;
-        }
-    }
-    return false;
-}
-
-std::optional<Broken> Invariants::afterClick() const {
-    auto nevo = run.nevo();
-    if (!nevo || !wasExpandedBeforeClick) return std::nullopt;
-    bool expanded = nevo->delegate().state().isExpanded();
-    bool closed = run.ownItem("divider")->length() > 0;
-    if (expanded != *wasExpandedBeforeClick && closed != expanded) return std::nullopt;
-    return Broken{"click", fmt::format("after a click the divider is {} and isExpanded {}, as it "
-                                       "was before",
-                                       closed ? "closed" : "open", expanded)};
-}
-
 std::optional<Broken> Invariants::checkGrowth() const {
     struct Bound {
         const char* what;
         std::size_t count;
         std::size_t most;
     };
-    for (const Bound& bound : {Bound{"tasks", desktop.loop.tasks().liveCount(), mostTasks},
+    // The shelf or the decoys, and a cover on each display but the main one.
+    std::size_t mostPanels = 1 + std::max<std::size_t>(1, desktop.screens.displays().size());
+    for (const Bound& bound : {Bound{"tasks", desktop.loop.tasks().liveCount(), mostTasks()},
                                Bound{"timers", desktop.loop.programTimerCount(), mostTimers},
                                Bound{"monitors", desktop.events.monitorCount(), mostMonitors},
                                Bound{"observers", observerCount(), mostObservers},
+                               Bound{"panels", desktop.panels.count(), mostPanels},
                                Bound{"hot keys", desktop.hotKeys.count(), 1}}) {
         if (bound.count <= bound.most) continue;
         return Broken{"growth", fmt::format("Nevo has {} {} at rest", bound.count, bound.what)};

@@ -72,7 +72,7 @@ private:
             result.broken = invariants.afterClick();
         } else if (invariants.isAtRest()) {
             result.broken = invariants.atRest();
-        } else if (then == Then::demandRest) {
+        } else if (then == Then::demandRest && invariants.mustComeToRest()) {
             result.broken = Broken{"rest", "Nevo doesn't come to rest"};
         }
     }
@@ -151,6 +151,7 @@ private:
             if (!lines.empty()) ++player.outcome().eventCounts[kind.name];
         }
         ++player.outcome().steps;
+        player.outcome().stepsInShelfMode += stage.isShelfInForce() ? 1 : 0;
         ++sinceRest;
     }
 

@@ -31,8 +31,9 @@ struct PlayedLine {
 struct RandomResult {
     /// Nothing when every invariant held.
     std::optional<Broken> broken;
-    /// Events played.
+    /// Events played, and how many of them while the shelf was in force.
     int steps = 0;
+    int stepsInShelfMode = 0;
     /// Seconds on the virtual clock.
     double time = 0;
     /// Of the whole trace.

@@ -5,6 +5,7 @@
 #include <algorithm>
 
 #include "entry/NevoApp.h"
+#include "scenario/commandSupport.h"
 
 namespace nevo {
 
@@ -54,6 +55,19 @@ std::string Stage::anyItemInReach() {
 bool Stage::isToggleInReach() const {
     SimStatusItem* toggle = run.ownItem("toggle");
     return toggle != nullptr && isInReach(toggle->window());
+}
+
+std::string Stage::anyPicture(const char* kind) {
+    std::vector<std::string> names;
+    for (WindowNumber window : desktop.bar.order()) {
+        if (pictureOf(run, kind, window)) names.push_back(desktop.bar.find(window)->label);
+    }
+    return names.empty() ? "" : random.oneOf(names);
+}
+
+bool Stage::isShelfInForce() const {
+    auto nevo = run.nevo();
+    return nevo && isShelfMode(desktop.screens, nevo->delegate().state());
 }
 
 bool Stage::isInReach(WindowNumber window) const {

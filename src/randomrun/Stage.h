@@ -22,6 +22,7 @@ public:
     RandomSource& random;
 
     bool isNevoRunning() const { return desktop.application.isRunning(); }
+    bool isShelfInForce() const;
 
     // Names as scenarios write them; empty when there is nothing of the kind.
     /// Another program's item that stands in the bar.
@@ -29,6 +30,8 @@ public:
     /// One that a hand can reach.
     std::string anyItemInReach();
     bool isToggleInReach() const;
+    /// An item of which a "slot" of the shelf or a "decoy" shows a picture.
+    std::string anyPicture(const char* kind);
     /// The same, Nevo's own too.
     std::string anyBarItem();
     /// A program that runs, or one that doesn't.

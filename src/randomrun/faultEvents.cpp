@@ -21,6 +21,19 @@ Lines fault(Stage& stage, bool forGood) {
 Lines shortFault(Stage& stage) { return fault(stage, false); }
 Lines lastingFault(Stage& stage) { return fault(stage, true); }
 
+/// No way to an item's picture works, in a Nevo that has none yet.
+Lines pictureFaults(Stage& stage) {
+    if (stage.isCalm || !stage.isNevoRunning()) return {};
+    const char* capture = stage.random.oneOf({"captureImage", "captureImage", "shareableContent"});
+    Lines lines{"crash", "start"};
+    for (const char* operation : {"windowImage", capture, "compositeImage"}) {
+        lines.push_back(fmt::format("fault {} times 4", operation));
+        stage.faults.insert(operation);
+    }
+    lines.push_back("wait 3");
+    return lines;
+}
+
 Lines mend(Stage& stage) {
     if (stage.faults.empty()) return {};
     std::string operation = *std::next(
@@ -36,6 +49,7 @@ std::vector<EventKind> faultEvents() {
     return {
         {"fault", 8, shortFault, either},
         {"lasting fault", 3, lastingFault, either},
+        {"picture faults", 1, pictureFaults},
         {"mend", 6, mend, either},
     };
 }

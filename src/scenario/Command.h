@@ -64,5 +64,6 @@ std::vector<Command> storeCommands();
 std::vector<Command> timeCommands();
 std::vector<Command> barExpectations();
 std::vector<Command> nevoExpectations();
+std::vector<Command> panelCommands();
 
 }  // namespace nevo

@@ -24,6 +24,12 @@ Step withOwnItem(const std::string& name,
 /// The domain that scenarios call `name`: nevo, a program's handle, or the domain's own name.
 std::string domainNamed(ScenarioRun& run, const std::string& name);
 
+/// Where a visible panel shows the item with that window: in a slot of the shelf ("slot") or as a
+/// decoy ("decoy"); origin at the top left. Nothing when none does.
+std::optional<Rect> pictureOf(ScenarioRun& run, const std::string& kind, WindowNumber window);
+/// The visible panel with a view of which the key begins so; nullptr when there is none.
+SimPanel* panelWith(ScenarioRun& run, const std::string& keyPrefix);
+
 std::string yesOrNo(bool value);
 
 }  // namespace nevo

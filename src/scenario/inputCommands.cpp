@@ -10,8 +10,10 @@ namespace {
 constexpr double dragStep = 0.1;
 constexpr int dragSteps = 4;
 
-/// An item, whose centre is meant, or a place.
+/// An item or a picture of one in a panel, whose centre is meant, or a place.
 struct Target {
+    /// "slot" or "decoy"; empty for the item itself.
+    std::string picture;
     std::string item;
     Point place;
 };
@@ -21,6 +23,7 @@ Target readTarget(LineReader& reader) {
     if (reader.atNumber()) {
         target.place = readPlace(reader);
     } else {
+        if (auto picture = reader.takeOneOf({"slot", "decoy"})) target.picture = *picture;
         target.item = reader.word("ITEM or X Y");
     }
     return target;
@@ -32,6 +35,15 @@ Step atTarget(const Target& target, std::function<void(ScenarioRun&, Point)> act
             action(run, place);
             return Outcome{};
         };
+    }
+    if (!target.picture.empty()) {
+        return withWindow(target.item, [target, action](ScenarioRun& run, WindowNumber window) {
+            auto place = pictureOf(run, target.picture, window);
+            if (!place)
+                return Outcome::unreadable("no " + target.picture + " shows " + target.item);
+            action(run, place->center());
+            return Outcome{};
+        });
     }
     return withWindow(target.item,
                       [action = std::move(action)](ScenarioRun& run, WindowNumber window) {
@@ -86,12 +98,12 @@ Step readHold(LineReader& reader) {
     };
 }
 
-void dragByHand(ScenarioRun& run, Point from, Point to) {
+void dragByHand(ScenarioRun& run, Point from, Point to, ModifierFlags keys) {
     SimEvents& hand = run.desktop().events;
     SimRunLoop& loop = run.desktop().loop;
     ModifierFlags held = hand.modifierFlags();
     hand.move(from);
-    hand.setModifiers(held | commandModifier);
+    hand.setModifiers(held | keys);
     hand.press(false);
     for (int step = 1; step <= dragSteps; ++step) {
         double part = static_cast<double>(step) / dragSteps;
@@ -111,8 +123,9 @@ Step readDrag(LineReader& reader) {
     double x = reader.number("X");
     std::optional<double> y;
     if (reader.atNumber()) y = reader.number("Y");
-    return atTarget(from, [x, y](ScenarioRun& run, Point place) {
-        dragByHand(run, place, Point{x, y.value_or(place.y)});
+    ModifierFlags keys = reader.take("bare") ? 0 : commandModifier;
+    return atTarget(from, [x, y, keys](ScenarioRun& run, Point place) {
+        dragByHand(run, place, Point{x, y.value_or(place.y)}, keys);
     });
 }
 
@@ -120,12 +133,12 @@ Step readDrag(LineReader& reader) {
 
 std::vector<Command> inputCommands() {
     return {
-        {"pointer", "ITEM|X Y",
+        {"pointer", "[slot|decoy] ITEM|X Y",
          "Moves the pointer to an item's centre or a place; drags while the left button is down.",
          readPointer},
-        {"click", "ITEM|X Y [command] [option] [shift] [control]", "A left click, keys held.",
-         [](LineReader& reader) { return readClick(reader, false); }},
-        {"right-click", "ITEM|X Y [command] [option] [shift] [control]",
+        {"click", "[slot|decoy] ITEM|X Y [command] [option] [shift] [control]",
+         "A left click, keys held.", [](LineReader& reader) { return readClick(reader, false); }},
+        {"right-click", "[slot|decoy] ITEM|X Y [command] [option] [shift] [control]",
          "A right click, keys held.", [](LineReader& reader) { return readClick(reader, true); }},
         {"press", "[right]", "Presses a button where the pointer is.",
          [](LineReader& reader) { return readPress(reader, true); }},
@@ -134,9 +147,9 @@ std::vector<Command> inputCommands() {
         {"hold", "[command] [option] [shift] [control]",
          "Holds these keys from now on; none lets go of all.", readHold},
         {"disable-tap", "timeout|user", "The system disables Nevo's event tap.", readDisableTap},
-        {"drag", "ITEM|X Y to X [Y]",
-         "A drag by hand with Command held, to a place: the button goes down, the pointer moves in "
-         "four steps, the button comes up, 0.1 s each.",
+        {"drag", "[slot|decoy] ITEM|X Y to X [Y] [bare]",
+         "A drag by hand with Command held, or without with bare, to a place: the button goes "
+         "down, the pointer moves in four steps, the button comes up, 0.1 s each.",
          readDrag, true},
     };
 }

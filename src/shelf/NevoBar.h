@@ -1,30 +1,109 @@
 #pragma once
 
+#include <functional>
+#include <map>
+#include <memory>
+#include <optional>
+#include <set>
 #include <vector>
 
 #include "core/BarItem.h"
+#include "core/ShelfAppearanceTheme.h"
+#include "platform/Platform.h"
+#include "shelf/ClickableItemView.h"
+#include "shelf/ShelfIconRenderPolicy.h"
 
 namespace nevo {
 
-/// The floating bar under the toggle that shows hidden items as a row of slots, as its users see
-/// it. A desktop without one has none of these, and nobody misses it.
-class NevoBar {
+/// The floating bar under the toggle: a row of slots, one for each hidden item, with live pictures.
+/// Knows nothing of sections or rules; what is done with it is told by callbacks. Its panel exists
+/// while it is open and for the time of its fade. Main thread only.
+class NevoBar : public std::enable_shared_from_this<NevoBar> {
 public:
-    virtual ~NevoBar() = default;
+    static std::shared_ptr<NevoBar> create(const Platform& platform);
 
-    /// Opens the bar with these items; none closes it.
-    virtual void show(const std::vector<BarItem>& items) = 0;
+    /// Opens the bar with these items; with none it closes.
+    void show(std::vector<BarItem> items);
     /// Closes the bar. Safe when it is closed.
-    virtual void dismiss() = 0;
-    /// Whether the panel exists and can be seen.
-    virtual bool isPanelVisible() const = 0;
-    /// The panel's frame, origin at the bottom left; empty without a panel.
-    virtual Rect panelFrame() const = 0;
+    void dismiss();
+    /// Applies `appearanceTheme` and the style's border to what is on the screen.
+    void applyAppearance();
+    /// Rebuilds an open panel after `barStyle` has changed.
+    void relayoutForStyle();
 
-    /// Fades and slides.
+    /// Whether the panel exists and can be seen, which it can while it fades.
+    bool isPanelVisible() const { return panel && panel->isVisible(); }
+    /// The same, and it isn't on its way out.
+    bool isOpen() const { return isPanelVisible() && !isClosing; }
+    /// Origin at the bottom left of the main display; empty without a panel.
+    Rect panelFrame() const { return panel ? panel->frame() : Rect{}; }
+    /// nullptr without a panel.
+    Panel* openPanel() { return panel.get(); }
+
+    ShelfAppearanceTheme appearanceTheme = makeTheme(ShelfAppearanceMode::system, {}, 1);
+    ShelfBarStyle barStyle = ShelfBarStyle::classic;
+    bool isReorderingEnabled = false;
+    /// Fades of the whole bar.
     bool animationsEnabled = true;
+    /// The bar has closed itself by then.
+    std::function<void(const BarItem&)> onItemClicked;
+    /// With the place on the screen; the bar stays open.
+    std::function<void(const BarItem&, Point)> onItemRightClicked;
+    /// All items in their new order.
+    std::function<void(const std::vector<BarItem>&)> onItemsReordered;
     /// The toggle's x: the bar's anchor.
     double nevoIconX = 0;
+
+private:
+    explicit NevoBar(const Platform& platform);
+
+    // The panel.
+    void buildPanel(const Screen& screen);
+    std::vector<PanelView> backgroundViews(Size size);
+    void addSlot(const BarItem& item, double x);
+    void bindSlot(ClickableItemView& slot, const BarItem& item);
+    void handle(const PanelEvent& event);
+    void clearViews();
+    void closePanel();
+    Color overlayColor() const;
+    Color effectiveBorderColor() const;
+    double effectiveBorderWidth() const;
+    Color normalSlotColor() const;
+    const ShelfBarStyleConfiguration& configuration() const { return configurationOf(barStyle); }
+
+    // Pictures.
+    void startRefreshTimer();
+    void refreshPictures();
+    void setImage(ClickableItemView& slot, WindowNumber window, const Image& image);
+
+    // What a slot's user does.
+    void slotClicked(const BarItem& item);
+    void slotRightClicked(const BarItem& item, Point onScreen);
+    void dragBegins(const BarItem& item);
+    void dragged(const BarItem& item, Point inPanel);
+    void dragEnds(const BarItem& item);
+    std::optional<std::size_t> indexOf(const BarItem& item) const;
+    std::size_t dropIndex(std::size_t from, double x) const;
+    void slideSlots(std::optional<std::size_t> leftOut);
+    void settleSlot(WindowNumber window);
+
+    const Platform& platform;
+    std::unique_ptr<Panel> panel;
+    /// In slot order.
+    std::vector<BarItem> items;
+    /// Same order as `items`.
+    std::vector<std::shared_ptr<ClickableItemView>> itemSlotViews;
+    /// The slots that show a picture, by window.
+    std::map<WindowNumber, std::shared_ptr<ClickableItemView>> itemImageViews;
+    std::map<WindowNumber, ShelfIconRenderPolicy> itemRenderPolicies;
+    /// The slots that show a label instead.
+    std::vector<std::shared_ptr<ClickableItemView>> itemTextFields;
+    /// The tint above the blur; nothing without slots.
+    std::optional<PanelView> backgroundOverlayView;
+    std::optional<WindowNumber> draggingWindowID;
+    Registration refreshTimer;
+    /// The panel fades away.
+    bool isClosing = false;
 };
 
 }  // namespace nevo

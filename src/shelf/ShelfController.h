@@ -1,31 +1,133 @@
 #pragma once
 
 #include <functional>
+#include <memory>
+#include <optional>
 #include <string>
 
-#include "core/ScannedBarItem.h"
-#include "platform/Geometry.h"
+#include "core/AppState.h"
+#include "discovery/MenuBarScanner.h"
+#include "placement/ItemMover.h"
+#include "placement/SectionManager.h"
+#include "platform/Task.h"
+#include "shelf/NevoBar.h"
 
 namespace nevo {
 
-/// What decides when the floating bar opens and closes in shelf mode, as the controller sees it.
-class ShelfController {
+struct ShelfState {
+    enum class Kind {
+        /// A hidden item has been moved into view for the user to click.
+        presentingItem,
+        /// The bar is closed and nothing is presented.
+        collapsed,
+        /// The bar has been opened and not closed by the controller.
+        panelVisible
+    };
+    Kind kind = Kind::collapsed;
+    /// Of the presented item; 0 otherwise.
+    WindowNumber presented = 0;
+};
+
+/// "collapsed", "panelVisible" or "presentingItem(12)", for the log.
+std::string describe(ShelfState state);
+
+/// Decides when the floating bar opens and closes in shelf mode, keeps the list of items that it
+/// shows, answers what is done with its slots, and brings a clicked item out for a while. Main
+/// thread only; its tasks hold it weakly.
+class ShelfController : public std::enable_shared_from_this<ShelfController> {
 public:
-    /// `presentingItem`: a hidden item stands beside the toggle for the user to click.
-    enum class State { presentingItem, collapsed, panelVisible };
+    /// The arguments outlive it. Takes over the bar's callbacks.
+    static std::shared_ptr<ShelfController> create(const Platform& platform, AppState& appState,
+                                                   std::shared_ptr<NevoBar> nevoBar,
+                                                   SectionManager& sectionManager,
+                                                   MenuBarScanner& scanner, ItemMover& mover);
 
-    virtual ~ShelfController() = default;
+    ShelfState state() const { return shelfState; }
+    bool isIn(ShelfState::Kind kind) const { return shelfState.kind == kind; }
+    /// Whether an item has been brought out and not been taken back, whatever the state is.
+    bool hasItemOut() const { return activePresentation.has_value(); }
+    /// Seconds on the run loop's clock; long ago before the first opening.
+    double panelOpenedAt() const { return openedAt; }
 
-    virtual State state() const = 0;
-    /// Seconds on the run loop's clock.
-    virtual double panelOpenedAt() const = 0;
-    /// Opens or closes the bar; `from` names the caller for the log.
-    virtual void toggle(const std::string& from) = 0;
+    /// Called when the bar has closed, or an item been taken back, by anything but `toggle`.
+    std::function<void()> onClosed;
+
+    /// Opens or closes the bar, in a task; `from` names the caller for the log. While one runs
+    /// another is ignored.
+    void toggle(const std::string& from);
+    /// Takes the hidden items that a collapse has just pushed away, and the toggle's frame.
+    void onItemsPushed(const ScannedBarItems& items, const Rect& toggleFrame);
+    void updateCachedItemsAfterDrag(const ScannedBarItems& items);
+    /// Copies the current appearance settings into the bar.
+    void refreshBarAppearance();
     /// Closes the bar if it is open.
-    virtual void dismissShelf() = 0;
-    /// Takes the items that a collapse has just pushed away, and the toggle's frame.
-    virtual void onItemsPushed(const ScannedBarItems& items, const Rect& toggleFrame) = 0;
-    virtual void updateCachedItemsAfterDrag(const ScannedBarItems& items) = 0;
+    void dismissShelf();
+    /// Takes the bar's callbacks over again.
+    void bindBarCallbacks();
+
+    /// Brings the real item out beside the toggle, for the user to click; back after a minute, or
+    /// when something else interrupts.
+    void presentItem(const ScannedBarItem& item);
+    /// Ends what is presented and closes the bar, without waiting for the item to be back.
+    void resetForDisplayModeChange();
+    /// The first steps of the same, for the end of the program.
+    void endPresentation();
+
+private:
+    struct ActivePresentation {
+        ScannedBarItem item;
+        /// Of its window before it was moved; origin at the top left.
+        Point hiddenCenter;
+    };
+
+    ShelfController(const Platform& platform, AppState& appState, std::shared_ptr<NevoBar> bar,
+                    SectionManager& sectionManager, MenuBarScanner& scanner, ItemMover& mover);
+    static Task<> runToggle(std::weak_ptr<ShelfController> owner);
+    void performToggle();
+    void showShelf();
+    void showShelfPanel(const ScannedBarItems& items);
+    static Task<> refresh(std::weak_ptr<ShelfController> owner, ScannedBarItems reference);
+    ScannedBarItems displayItems() const;
+    ScannedBarItems snapshotSection(SectionName section) const;
+    std::optional<Rect> usableToggleFrame() const;
+    void take(const Rect& toggleFrame);
+    void copyAppearance();
+
+    void onItemClicked(const BarItem& item);
+    void onItemRightClicked(const BarItem& item);
+    void onSelect(std::size_t index, const BarItem& item);
+    void onItemsReordered(const std::vector<BarItem>& items);
+
+    // Presentation.
+    static Task<> runPresentation(std::weak_ptr<ShelfController> owner, int run,
+                                  ScannedBarItem item);
+    static Task<> finishPresentation(std::weak_ptr<ShelfController> owner, int run);
+    static Task<> moveBack(std::weak_ptr<ShelfController> owner);
+    std::optional<Point> beginPresentation(const ScannedBarItem& item, int openingsBefore);
+    void concludePresentation(int run);
+    ScannedBarItem resolveItem(const ScannedBarItem& item) const;
+
+    const Platform& platform;
+    AppState& appState;
+    std::shared_ptr<NevoBar> nevoBar;
+    SectionManager& sectionManager;
+    MenuBarScanner& scanner;
+    ItemMover& mover;
+
+    /// The last usable screen frame of the toggle's button.
+    Rect savedFrame;
+    /// The hidden items as last pushed or scanned.
+    ScannedBarItems cachedItems;
+    std::optional<ActivePresentation> activePresentation;
+    std::optional<TaskHandle> presentationTask;
+    /// Counts the runs: one that was cancelled must not let go of the next one's handle.
+    int presentationRun = 0;
+    /// From the start of `toggle` to the end of its task.
+    bool isTransitioning = false;
+    double openedAt;
+    /// How often the bar was opened.
+    int openings = 0;
+    ShelfState shelfState;
 };
 
 }  // namespace nevo

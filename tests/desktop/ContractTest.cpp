@@ -1,6 +1,7 @@
 // What both desktops must do alike, so that the simulated one can't drift from the real one.
 
 #include <algorithm>
+#include <csignal>
 
 #include "desktop/ContractSessions.h"
 #include "platform/menubar/BarProtocol.h"
@@ -194,6 +195,40 @@ TYPED_TEST(Contract, anEndedProgramsItemGoesAndItsNumberIsNeverUsedAgain) {
     this->show("left");
     EXPECT_TRUE(this->soon([&] { return this->frame("left") == this->left; }));
     EXPECT_NE(this->number("left"), window);
+}
+
+class ContractOnX11 : public Contract<X11Session> {
+protected:
+    Item barItem(const std::string& label) {
+        for (const Item& item : items()) {
+            if (item.pid == pids.at(label)) return item;
+        }
+        throw Failed("there is no item of " + label);
+    }
+    std::optional<float> alpha(const std::string& label) {
+        return windows().windowAlpha(number(label));
+    }
+};
+
+TEST_F(ContractOnX11, whatIsMadeTransparentTwiceIsHeldByBothAndByALaterBar) {
+    auto holder = std::make_unique<LeaseHolder>();
+    for (const char* label : {"left", "right"}) {
+        holder->bar().setOpacity(barItem(label), 0, holder->window());
+        ASSERT_TRUE(soon([&] { return alpha(label) == 0.0F; }));
+    }
+    // Asking again for what one holds costs nothing, and does no harm.
+    for (int i = 0; i < 2; ++i) EXPECT_TRUE(windows().setWindowAlpha(number("right"), 0));
+    holder.reset();
+    EXPECT_TRUE(soon([&] { return alpha("left") == 1.0F; }));
+    EXPECT_EQ(alpha("right"), 0.0F);
+
+    kill(bar(), SIGTERM);
+    startBar();
+    ASSERT_TRUE(soon([&] { return alpha("right") == 1.0F; }));
+    EXPECT_TRUE(windows().setWindowAlpha(number("right"), 0));
+    EXPECT_EQ(alpha("right"), 0.0F);
+    EXPECT_TRUE(windows().setWindowAlpha(number("right"), 1));
+    EXPECT_EQ(alpha("right"), 1.0F);
 }
 
 }  // namespace

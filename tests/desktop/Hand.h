@@ -39,7 +39,9 @@ private:
 };
 
 inline constexpr xcb_keysym_t returnKey = 0xff0d;
+inline constexpr xcb_keysym_t escapeKey = 0xff1b;
 inline constexpr xcb_keysym_t upKey = 0xff52;
+inline constexpr xcb_keysym_t downKey = 0xff54;
 inline constexpr xcb_keysym_t numLockKey = 0xff7f;
 inline constexpr xcb_keysym_t leftShiftKey = 0xffe1;
 inline constexpr xcb_keysym_t capsLockKey = 0xffe5;

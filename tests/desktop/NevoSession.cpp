@@ -7,6 +7,10 @@ namespace nevo::desktoptest {
 
 void NevoSession::startAll(const std::string& moreValues) {
     startDesktop();
+    startUsing(moreValues);
+}
+
+void NevoSession::startUsing(const std::string& moreValues) {
     auto file = defaultsFile("com.nevoapp.Nevo");
     std::filesystem::create_directories(file.parent_path());
     std::ofstream(file) << R"({"nevo_onboarding_completed": true)" << moreValues << "}";

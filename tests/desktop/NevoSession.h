@@ -11,6 +11,8 @@ protected:
     /// waits for the first collapse, which hides all five. `moreValues`: more stored values, JSON
     /// members after a comma.
     void startAll(const std::string& moreValues = {});
+    /// The same for programs that run already.
+    void startUsing(const std::string& moreValues);
     /// Clicks the toggle and waits until exactly these programs' items can be seen.
     void toggle(const Names& expectedOnScreen);
     /// Shows all items, and Super-drags the toggle so that `count` items stand right of it.

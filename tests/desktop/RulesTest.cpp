@@ -21,6 +21,7 @@ std::string bytesValue(const std::string& key, const char* json) {
 class Rules : public NevoSession {
 protected:
     void startPinned(const std::string& mode = "push") {
+        isShelfMode = mode == "shelf";
         startAll(bytesValue("nevo_icon_rules", iconRules) + bytesValue("nevo_app_rules", appRules) +
                  R"(, "displayMode": ")" + mode + "\"");
         waitForLog("[Rules] replayAllRulesOnStartup: done");
@@ -45,9 +46,17 @@ protected:
     }
     /// The programs of the pinned items, then Nevo, well and badly.
     void restartEverything();
-    /// Opens or closes the hidden section, where one of the items stays hidden.
+    /// Opens or closes the hidden section, where one of the items stays hidden; or the shelf, which
+    /// brings no item out.
     void toggleAroundHidden(bool opens) {
+        auto windows = windowsBelowBar().size();
         click(toggleItem());
+        if (isShelfMode) {
+            waitFor(opens ? "the shelf is open" : "the shelf is closed", [&] {
+                return windowsBelowBar().size() == (opens ? windows + 1 : windows - 1);
+            });
+            return waitUntilPinned();
+        }
         waitFor(opens ? "the section is open" : "the section is closed", [&] {
             Names seen = namesOnScreen();
             std::sort(seen.begin(), seen.end());
@@ -55,6 +64,8 @@ protected:
                                   : Names{"parcellite"});
         });
     }
+
+    bool isShelfMode = false;
 };
 
 void Rules::restartEverything() {

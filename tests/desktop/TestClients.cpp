@@ -29,6 +29,7 @@ xcb_window_t makeWindow(const xcb::Connection& server, std::uint32_t events) {
     return window;
 }
 
+constexpr std::uint8_t depth = 24;
 constexpr const char* traySelection = "_NET_SYSTEM_TRAY_S0";
 
 }  // namespace
@@ -36,9 +37,8 @@ constexpr const char* traySelection = "_NET_SYSTEM_TRAY_S0";
 Probe::Probe() : connection(connect()) {
     auto c = connection->get();
     xcb::Atoms atoms(c, {});
-    icon = makeWindow(*connection, XCB_EVENT_MASK_BUTTON_PRESS);
-    std::array<std::uint32_t, 2> info{0, 1};
-    xcb::writeNumbers(c, icon, atoms["_XEMBED_INFO"], atoms["_XEMBED_INFO"], info);
+    iconWindow = makeWindow(*connection, XCB_EVENT_MASK_BUTTON_PRESS);
+    setShown(true);
     Reply<xcb_get_selection_owner_reply_t> owner(xcb_get_selection_owner_reply(
         c, xcb_get_selection_owner(c, atoms[traySelection]), nullptr));
     if (!owner || owner->owner == XCB_WINDOW_NONE) throw Failed("there is no tray to dock to");
@@ -47,9 +47,41 @@ Probe::Probe() : connection(connect()) {
     message.format = 32;
     message.window = owner->owner;
     message.type = atoms["_NET_SYSTEM_TRAY_OPCODE"];
-    message.data.data32[2] = icon;
+    message.data.data32[2] = iconWindow;
     xcb_send_event(c, 0, owner->owner, XCB_EVENT_MASK_NO_EVENT,
                    reinterpret_cast<const char*>(&message));
+    connection->flush();
+}
+
+void Probe::setShown(bool shown) {
+    auto c = connection->get();
+    xcb::Atoms atoms(c, {});
+    std::array<std::uint32_t, 2> info{0, shown ? 1U : 0U};
+    xcb::writeNumbers(c, iconWindow, atoms["_XEMBED_INFO"], atoms["_XEMBED_INFO"], info);
+    connection->flush();
+}
+
+std::vector<std::uint32_t> Probe::icon(std::uint32_t left, std::uint32_t right) {
+    std::vector<std::uint32_t> pixels;
+    for (int i = 0; i < size * size; ++i) pixels.push_back(i % size < size / 2 ? left : right);
+    return pixels;
+}
+
+void Probe::paint(std::uint32_t left, std::uint32_t right) {
+    auto c = connection->get();
+    auto pixels = icon(left, right);
+    auto side = static_cast<std::uint16_t>(size);
+    xcb_pixmap_t picture = xcb_generate_id(c);
+    xcb_gcontext_t context = xcb_generate_id(c);
+    xcb_create_pixmap(c, depth, picture, iconWindow, side, side);
+    xcb_create_gc(c, context, picture, 0, nullptr);
+    xcb_put_image(c, XCB_IMAGE_FORMAT_Z_PIXMAP, picture, context, side, side, 0, 0, 0, depth,
+                  static_cast<std::uint32_t>(pixels.size() * 4),
+                  reinterpret_cast<const std::uint8_t*>(pixels.data()));
+    xcb_change_window_attributes(c, iconWindow, XCB_CW_BACK_PIXMAP, &picture);
+    xcb_clear_area(c, 0, iconWindow, 0, 0, 0, 0);
+    xcb_free_gc(c, context);
+    xcb_free_pixmap(c, picture);
     connection->flush();
 }
 
@@ -60,13 +92,13 @@ int Probe::clicks() {
     return clickCount;
 }
 
-ForeignTray::ForeignTray() : connection(connect()) {
+SelectionHolder::SelectionHolder(const char* selection) : connection(connect()) {
     auto c = connection->get();
     xcb::Atoms atoms(c, {});
     xcb_window_t window = makeWindow(*connection, 0);
-    xcb_set_selection_owner(c, window, atoms[traySelection], XCB_CURRENT_TIME);
-    std::free(xcb_get_selection_owner_reply(c, xcb_get_selection_owner(c, atoms[traySelection]),
-                                            nullptr));
+    xcb_set_selection_owner(c, window, atoms[selection], XCB_CURRENT_TIME);
+    std::free(
+        xcb_get_selection_owner_reply(c, xcb_get_selection_owner(c, atoms[selection]), nullptr));
 }
 
 }  // namespace nevo::desktoptest

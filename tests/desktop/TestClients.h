@@ -1,6 +1,7 @@
 #pragma once
 
 #include <memory>
+#include <vector>
 
 #include "platform/Geometry.h"
 #include "platform/xcb/Atoms.h"
@@ -12,22 +13,43 @@ namespace nevo::desktoptest {
 class Probe {
 public:
     Probe();
-    xcb_window_t window() const { return icon; }
+    xcb_window_t window() const { return iconWindow; }
     int clicks();
+    /// Withdraws its icon, or shows it again.
+    void setShown(bool shown);
+
+    /// The side of its icon in a bar of the usual height.
+    static constexpr int size = 24;
+    /// Shows an icon whose left and right halves are of these colours, 0xRRGGBB.
+    void paint(std::uint32_t left, std::uint32_t right);
+    /// Such an icon's pixels, row by row.
+    static std::vector<std::uint32_t> icon(std::uint32_t left, std::uint32_t right);
 
 private:
     std::unique_ptr<xcb::Connection> connection;
-    xcb_window_t icon = 0;
+    xcb_window_t iconWindow = 0;
     int clickCount = 0;
 };
 
-/// Somebody else's tray host: owns the selection, for as long as it lives.
-class ForeignTray {
+/// A program that owns a selection, for as long as it lives.
+class SelectionHolder {
 public:
-    ForeignTray();
+    explicit SelectionHolder(const char* selection);
 
 private:
     std::unique_ptr<xcb::Connection> connection;
+};
+
+/// Somebody else's tray host.
+class ForeignTray : public SelectionHolder {
+public:
+    ForeignTray() : SelectionHolder("_NET_SYSTEM_TRAY_S0") {}
+};
+
+/// Says that it composes the screen, and leaves it as it is.
+class IdleCompositor : public SelectionHolder {
+public:
+    IdleCompositor() : SelectionHolder("_NET_WM_CM_S0") {}
 };
 
 }  // namespace nevo::desktoptest

@@ -4,6 +4,7 @@
 
 #include "entry/NevoApp.h"
 #include "randomrun/RandomRun.h"
+#include "scenario/commandSupport.h"
 
 namespace nevo {
 namespace {
@@ -11,7 +12,8 @@ namespace {
 /// A desktop with an item, on which Nevo has hidden it.
 class InvariantsTest : public testing::Test {
 protected:
-    InvariantsTest() {
+    explicit InvariantsTest(const char* displayMode = "push") {
+        desktop.defaults.write("com.nevoapp.Nevo", "displayMode", std::string(displayMode));
         SimOtherProgram program;
         program.handle = "mail";
         program.application.bundleIdentifier = "com.example.mail";
@@ -119,6 +121,13 @@ TEST_F(InvariantsTest, AfterTheEndNothingIsLeft) {
     left.reset();
     left = desktop.loop.timer(1, true, [] {});
     EXPECT_EQ(afterLine(), "left-over");
+    left.reset();
+    EXPECT_EQ(afterLine(), "");
+    auto panel = desktop.panels.create({});
+    EXPECT_EQ(afterLine(), "left-over");
+    panel.reset();
+    auto prompt = desktop.prompts.create({});
+    EXPECT_EQ(afterLine(), "left-over");
 }
 
 TEST_F(InvariantsTest, AfterTheEndNothingIsHidden) {
@@ -127,6 +136,84 @@ TEST_F(InvariantsTest, AfterTheEndNothingIsHidden) {
     EXPECT_EQ(afterLine(), "");
     run.pass(2);
     EXPECT_EQ(afterLine(), "still-hidden");
+}
+
+/// The same with the shelf in force.
+class ShelfInvariantsTest : public InvariantsTest {
+protected:
+    ShelfInvariantsTest() : InvariantsTest("shelf") { desktop.bar.layoutDelay = 0; }
+
+    SimPanel* slots() { return panelWith(run, "slot:"); }
+    void clickSlot() {
+        auto place = pictureOf(run, "slot", letters());
+        ASSERT_TRUE(place);
+        desktop.events.move(place->center());
+        desktop.events.press(false);
+        desktop.events.release(false);
+        run.pass(1);
+    }
+};
+
+TEST_F(ShelfInvariantsTest, TheShelfIsWhatItsStateSays) {
+    open();
+    ASSERT_NE(slots(), nullptr);
+    EXPECT_EQ(atRest(), "");
+    slots()->orderOut();
+    EXPECT_EQ(atRest(), "shelf");
+    invariants.noteTrace("     1.000  log      [AppRule] Restoring overrides for com.example.mail");
+    EXPECT_EQ(atRest(), "");
+}
+
+TEST_F(ShelfInvariantsTest, AClickOpensAndClosesIt) {
+    EXPECT_TRUE(invariants.beforeClick());
+    EXPECT_EQ(named(invariants.afterClick()), "click");
+    open();
+    EXPECT_EQ(named(invariants.afterClick()), "");
+    EXPECT_TRUE(invariants.beforeClick());
+    EXPECT_EQ(named(invariants.afterClick()), "click");
+    open();
+    EXPECT_EQ(named(invariants.afterClick()), "");
+    desktop.permissions.screenRecording = false;
+    EXPECT_FALSE(invariants.beforeClick());
+}
+
+TEST_F(ShelfInvariantsTest, DecoysStandForWhatCanBeSeenNowhereElse) {
+    ASSERT_NE(panelWith(run, "decoy:"), nullptr);
+    run.ownItem("divider")->setLength(0);
+    run.pass(1);
+    EXPECT_EQ(atRest(), "decoys");
+    run.ownItem("divider")->setLength(10000);
+    run.pass(1);
+    EXPECT_EQ(atRest(), "");
+    open();
+    EXPECT_EQ(atRest(), "");
+    auto panel = desktop.panels.create({});
+    PanelView view;
+    view.key = "decoy:1";
+    panel->setViews({view});
+    panel->orderFront();
+    EXPECT_EQ(atRest(), "decoys");
+}
+
+TEST_F(ShelfInvariantsTest, WhatWasBroughtOutGoesBack) {
+    open();
+    clickSlot();
+    EXPECT_TRUE(desktop.bar.find(letters())->floating);
+    EXPECT_EQ(atRest(), "");
+    run.pass(62);
+    EXPECT_FALSE(desktop.bar.find(letters())->floating);
+    desktop.bar.moveDirectly(letters(), {600, 0});
+    run.pass(1);
+    EXPECT_EQ(atRest(), "brought-out");
+    desktop.bar.rejoinAll();
+    run.pass(1);
+    EXPECT_EQ(atRest(), "");
+}
+
+TEST_F(ShelfInvariantsTest, PanelsDontPileUp) {
+    std::vector<std::unique_ptr<Panel>> hoard;
+    for (int i = 0; i < 4; ++i) hoard.push_back(desktop.panels.create({}));
+    EXPECT_EQ(atRest(), "growth");
 }
 
 TEST(Replay, BreaksWhereTheRunBrokeAndShrinksToTheLinesThatMatter) {

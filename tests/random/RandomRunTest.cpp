@@ -12,19 +12,24 @@ namespace {
 TEST(RandomRun, WhateverHappensTheInvariantsHold) {
     Probes probes;
     std::map<std::string, int> struck;
+    int steps = 0;
+    int stepsInShelfMode = 0;
     for (std::uint64_t seed = 1; seed <= 10; ++seed) {
         RandomResult result = runRandom(seed, NEVO_RANDOM_STEPS);
         EXPECT_FALSE(result.broken) << failureReport(seed, result);
         probes.add(result.probes);
+        steps += result.steps;
+        stepsInShelfMode += result.stepsInShelfMode;
         for (const auto& [operation, count] : result.faultCounts) struck[operation] += count;
     }
     if (HasFailure() || NEVO_RANDOM_STEPS < 10000) return;
     // A run that doesn't get about proves little.
     EXPECT_LE(probes.neverReached().size(), Probes::texts().size() / 10)
         << testing::PrintToString(probes.neverReached());
-    // Nothing leads to a page of the system's settings yet.
-    struck.erase("openUrl");
     for (const auto& [operation, count] : struck) EXPECT_GT(count, 0) << operation;
+    // Both modes get their share.
+    EXPECT_GT(stepsInShelfMode, steps / 4);
+    EXPECT_LT(stepsInShelfMode, steps * 3 / 4);
 }
 
 TEST(RandomRun, TheSameSeedGivesTheSameTraceAndSoDoItsLines) {

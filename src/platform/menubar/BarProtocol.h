@@ -56,8 +56,11 @@ enum DragPhase : std::uint32_t {
     dragEnded = 3,
 };
 
+/// frame, 1 to come and 0 to go, x of its middle (root coordinates, signed), lease window.
+inline constexpr const char* visit = "_NEVO_BAR_VISIT";
+
 // On a docked client's own window, set by a program that plays a native status item.
-/// CARDINAL/INTEGER: the slot's width in points times 1000; -1000 means as wide as the client asks.
+/// CARDINAL/INTEGER: the slot's width in pixels times 1000; -1000 means as wide as the client asks.
 /// No minimum.
 inline constexpr const char* statusItemLength = "_NEVO_STATUS_ITEM_LENGTH";
 /// UTF8_STRING: the name under which the item's place is saved; a change places the item anew.

@@ -13,6 +13,7 @@ public:
 
     std::string bundleIdentifier() const override { return program.bundleIdentifier; }
     ProcessId processIdentifier() const override { return program.pid; }
+    std::string bundlePath() const override { return "/Applications/" + program.name + ".app"; }
     void setActivationPolicy(ActivationPolicy policy) override { workspace.ownPolicy = policy; }
     ActivationPolicy activationPolicy() const override { return workspace.ownPolicy; }
     void activate() override { workspace.activate(program.pid); }

@@ -67,6 +67,8 @@ public:
     /// elsewhere. Only one is under way at a time.
     void beginDrag(WindowNumber window, Point pointer);
     bool isDragging() const { return dragged != 0; }
+    /// 0 outside of a drag.
+    WindowNumber draggedWindow() const { return dragged; }
     void dragTo(Point pointer);
     /// Drops the item and saves its position.
     void endDrag(Point pointer);

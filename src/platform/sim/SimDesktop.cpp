@@ -11,7 +11,8 @@ SimDesktop::SimDesktop()
       bar(loop, windows, screens, defaults, trace),
       statusBar(bar, windows, screens, faults, program),
       windowServer(bar, windows, screens, faults, permissions, trace),
-      events(loop, bar, statusBar, screens, faults, trace),
+      panels(loop, windows, screens, program, trace),
+      events(loop, bar, statusBar, panels, screens, faults, trace),
       hotKeys(loop, faults),
       applications(bar, windows, trace),
       workspace(loop, workspaceNotifications, applications, program, faults, trace),
@@ -20,6 +21,8 @@ SimDesktop::SimDesktop()
       images(faults),
       menus(trace),
       popovers(trace),
+      prompts(trace),
+      childProcesses(trace),
       application(loop, program, workspace, trace) {
     defaults.setOwnDomain(program.bundleIdentifier);
     events.pressedElsewhere = [this] { popovers.closeAll(); };
@@ -41,8 +44,11 @@ Platform SimDesktop::platform() {
                     accessibility,
                     screenCapture,
                     images,
+                    panels,
                     menus,
                     popovers,
+                    prompts,
+                    childProcesses,
                     log};
 }
 

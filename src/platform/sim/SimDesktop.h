@@ -6,6 +6,7 @@
 #include "platform/sim/SimHotKeys.h"
 #include "platform/sim/SimImages.h"
 #include "platform/sim/SimMenus.h"
+#include "platform/sim/SimPrompts.h"
 #include "platform/sim/SimScreenCapture.h"
 
 namespace nevo {
@@ -52,6 +53,7 @@ public:
     SimBar bar;
     SimStatusBar statusBar;
     SimWindowServer windowServer;
+    SimPanels panels;
     SimEvents events;
     SimHotKeys hotKeys;
     SimApplications applications;
@@ -61,6 +63,8 @@ public:
     SimImages images;
     SimMenus menus;
     SimPopovers popovers;
+    SimPrompts prompts;
+    SimChildProcesses childProcesses;
     SimApplication application;
 
 private:

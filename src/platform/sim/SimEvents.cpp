@@ -23,11 +23,12 @@ bool isRelease(EventType type) {
 }
 }  // namespace
 
-SimEvents::SimEvents(SimRunLoop& runLoop, SimBar& row, SimStatusBar& ownItems,
+SimEvents::SimEvents(SimRunLoop& runLoop, SimBar& row, SimStatusBar& ownItems, SimPanels& ownPanels,
                      SimScreens& allScreens, SimFaults& scripted, SimTrace& to)
     : loop(runLoop),
       bar(row),
       statusBar(ownItems),
+      panels(ownPanels),
       screens(allScreens),
       faults(scripted),
       trace(to),
@@ -123,7 +124,14 @@ void SimEvents::post(const MouseEvent& event) {
     // Outside every display there is no place for the pointer: the event goes to the window that it
     // names, and to nobody else.
     if (!onAnyDisplay(screens, event.location)) {
-        handleBar(event.type, event.flags, named, event.location);
+        WindowNumber draggedBefore = bar.draggedWindow();
+        // A drag of another window goes on as if nothing had come.
+        if (draggedBefore == 0 || draggedBefore == named)
+            handleBar(event.type, event.flags, named, event.location);
+        const SimBar::Item* item = bar.find(named);
+        bool isClick =
+            isPress(event.type) && draggedBefore != named && bar.draggedWindow() != named;
+        if (isClick && item != nullptr && !item->own) noteClick(*item, event.type);
         return;
     }
     pointer.location = event.location;
@@ -150,14 +158,16 @@ void SimEvents::release(bool right) {
 
 void SimEvents::handle(EventType type, ModifierFlags flags, WindowNumber named) {
     bool draggingBefore = bar.isDragging();
-    handleBar(type, flags, named, pointer.location);
+    // A panel covers the bar, but not from what was made for one of its windows.
+    bool covered = named == 0 && panels.at(pointer.location) != nullptr;
+    if (draggingBefore || !covered) handleBar(type, flags, named, pointer.location);
     bool barTookIt = draggingBefore || bar.isDragging();
 
-    const SimBar::Item* under = bar.itemAt(pointer.location);
     // A drag belongs to the bar, whoever's item it moves.
-    WindowNumber own = under != nullptr && under->own && !barTookIt ? under->window : 0;
+    WindowNumber own = barTookIt ? 0 : ownWindowUnder();
     if (isPress(type)) pressedWindow = own;
-    if (!barTookIt && under != nullptr && !under->own && isPress(type)) noteClick(*under, type);
+    const SimBar::Item* under = bar.itemAt(pointer.location);
+    if (!barTookIt && own == 0 && under != nullptr && isPress(type)) noteClick(*under, type);
     if (isPress(type) && own == 0 && pressedElsewhere) pressedElsewhere();
 
     Event event;
@@ -168,6 +178,12 @@ void SimEvents::handle(EventType type, ModifierFlags flags, WindowNumber named) 
     event.window = follows ? pressedWindow : own;
     if (isRelease(type)) pressedWindow = 0;
     deliver(event);
+}
+
+WindowNumber SimEvents::ownWindowUnder() const {
+    if (const SimPanel* panel = panels.at(pointer.location)) return panel->window();
+    const SimBar::Item* item = bar.itemAt(pointer.location);
+    return item != nullptr && item->own ? item->window : 0;
 }
 
 void SimEvents::handleBar(EventType type, ModifierFlags flags, WindowNumber named, Point place) {
@@ -236,7 +252,12 @@ void SimEvents::hear(const Event& event) {
         return;
     }
     bool swallowed = call(held->local, [&](auto& handler) { return handler(event); });
-    if (!swallowed && event.type == EventType::leftMouseUp) statusBar.click(event.window);
+    if (swallowed) return;
+    if (SimPanel* panel = panels.find(event.window)) {
+        panel->deliver(event);
+    } else if (event.type == EventType::leftMouseUp) {
+        statusBar.click(event.window);
+    }
 }
 
 int SimEvents::clickCount(const std::string& label) const {

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "platform/Events.h"
+#include "platform/sim/SimPanels.h"
 #include "platform/sim/SimStatusBar.h"
 
 namespace nevo {
@@ -23,8 +24,8 @@ struct SimPointer {
 /// so it comes later while the program blocks.
 class SimEvents : public Events {
 public:
-    SimEvents(SimRunLoop& runLoop, SimBar& row, SimStatusBar& ownItems, SimScreens& allScreens,
-              SimFaults& scripted, SimTrace& to);
+    SimEvents(SimRunLoop& runLoop, SimBar& row, SimStatusBar& ownItems, SimPanels& ownPanels,
+              SimScreens& allScreens, SimFaults& scripted, SimTrace& to);
 
     Point mouseLocation() const override { return screens.flipped(pointer.location); }
     ModifierFlags modifierFlags() const override { return pointer.modifiers; }
@@ -87,6 +88,8 @@ private:
     void handle(EventType type, ModifierFlags flags, WindowNumber named);
     void handleBar(EventType type, ModifierFlags flags, WindowNumber named, Point place);
     void noteClick(const SimBar::Item& item, EventType type);
+    /// The program's own window under the pointer, or 0.
+    WindowNumber ownWindowUnder() const;
     void deliver(const Event& event);
     void hear(const Event& event);
     void hearByTaps(const Event& event);
@@ -94,6 +97,7 @@ private:
     SimRunLoop& loop;
     SimBar& bar;
     SimStatusBar& statusBar;
+    SimPanels& panels;
     SimScreens& screens;
     SimFaults& faults;
     SimTrace& trace;

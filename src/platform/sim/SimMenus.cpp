@@ -5,6 +5,24 @@
 namespace nevo {
 
 void SimMenus::popUp(const std::vector<MenuItem>& items, Point, StatusItemButton&) {
+    show(items);
+    for (const MenuItem& item : items) {
+        if (!chosen.empty() && item.key == chosen && item.action) item.action();
+    }
+}
+
+void SimMenus::popUp(const std::vector<MenuItem>& items, Point, Panel&,
+                     std::function<void(std::optional<std::size_t> highlighted)> didClose) {
+    show(items);
+    auto row = std::find_if(items.begin(), items.end(), [this](const MenuItem& item) {
+        return !chosen.empty() && item.key == chosen;
+    });
+    std::optional<std::size_t> index;
+    if (row != items.end()) index = static_cast<std::size_t>(row - items.begin());
+    didClose(index);
+}
+
+void SimMenus::show(const std::vector<MenuItem>& items) {
     std::string text;
     for (const MenuItem& item : items) {
         text += text.empty() ? "" : ", ";
@@ -17,9 +35,6 @@ void SimMenus::popUp(const std::vector<MenuItem>& items, Point, StatusItemButton
     if (whileOpen) whileOpen();
     isOpen = false;
     trace.note("menu", chosen.empty() ? "dismissed" : "chosen: " + chosen);
-    for (const MenuItem& item : items) {
-        if (!chosen.empty() && item.key == chosen && item.action) item.action();
-    }
 }
 
 bool SimMenus::choose(const std::string& key) {

@@ -12,6 +12,8 @@ public:
 
     void popUp(const std::vector<MenuItem>& items, Point location,
                StatusItemButton& button) override;
+    void popUp(const std::vector<MenuItem>& items, Point location, Panel& panel,
+               std::function<void(std::optional<std::size_t> highlighted)> didClose) override;
 
     /// The rows of the menu that is open now; nullptr when none is.
     const std::vector<MenuItem>* openMenu() const { return isOpen ? &rows : nullptr; }
@@ -26,6 +28,9 @@ public:
     std::function<void()> whileOpen;
 
 private:
+    /// Shows the rows until the menu has closed.
+    void show(const std::vector<MenuItem>& items);
+
     SimTrace& trace;
     bool isOpen = false;
     std::vector<MenuItem> rows;

@@ -38,6 +38,7 @@ public:
     /// Without the screen recording permission a program sees only its own windows' pictures.
     std::optional<Image> windowImage(WindowNumber window) const override;
     std::optional<Image> compositeImage(const std::vector<WindowNumber>& numbers) const override;
+    double pixelsPerPoint() const override { return 2; }
     void setSetsCursorInBackground(bool sets) override { cursorInBackground = sets; }
 
     /// The picture of a window, whoever asks: one colour, the window's own.

@@ -6,6 +6,7 @@
 #include <thread>
 
 #include "platform/menubar/BarProtocol.h"
+#include "platform/menubar/BarScale.h"
 #include "platform/xcb/Properties.h"
 
 namespace nevo {
@@ -189,6 +190,8 @@ void BarClient::readBar() {
                      ? Rect{asSigned((*geometry)[0]), asSigned((*geometry)[1]),
                             asSigned((*geometry)[2]), asSigned((*geometry)[3])}
                      : Rect{};
+    // A bar that is away for a moment comes back as high as it was.
+    if (frameOfBar.height > 0) server.coordinates.scale = pixelsPerPoint(frameOfBar.height);
     rebuildList(frames);
 }
 

@@ -20,6 +20,7 @@ public:
     bool isAvailable() const { return opcode != 0; }
     /// Listening wakes this program at each motion: only while somebody wants to know.
     void setListening(bool listens);
+    bool listens() const { return isListening; }
 
 private:
     XServer& server;

@@ -65,6 +65,17 @@ void SyntheticInput::post(EventType type, Point root, ModifierFlags flags, xcb_w
     server.flush();
 }
 
+void SyntheticInput::click(Point root) {
+    auto state = queryPointer(server);
+    if (!hasXTest || !state) return;
+    fakeMotion(root);
+    fake(XCB_BUTTON_PRESS, leftButton);
+    fake(XCB_BUTTON_RELEASE, leftButton);
+    fakeMotion(state->root);
+    // The answer comes after all that.
+    queryPointer(server);
+}
+
 void SyntheticInput::press(Point root, ModifierFlags flags, xcb_window_t frame) {
     auto state = queryPointer(server);
     // With the real button down the server would swallow the press, and the release would end the

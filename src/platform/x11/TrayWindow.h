@@ -23,7 +23,7 @@ public:
     int width() const { return currentWidth; }
     int height() const { return currentHeight; }
 
-    /// Points; -1 is as wide as `contentWidth`.
+    /// Pixels; -1 is as wide as `contentWidth`.
     void setLength(double length, int contentWidth);
     void setName(const std::string& name);
     /// Whether the item takes a slot at all.

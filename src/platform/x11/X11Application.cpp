@@ -58,9 +58,14 @@ std::string X11Application::bundleIdentifier() const { return applicationId; }
 
 ProcessId X11Application::processIdentifier() const { return getpid(); }
 
+std::string X11Application::bundlePath() const {
+    return QApplication::applicationFilePath().toStdString();
+}
+
 void X11Application::activate() {
     for (QWidget* widget : QApplication::topLevelWidgets()) {
-        if (!widget->isVisible()) continue;
+        bool takesFocus = !(widget->windowFlags() & Qt::WindowDoesNotAcceptFocus);
+        if (!widget->isVisible() || !takesFocus) continue;
         widget->raise();
         widget->activateWindow();
     }

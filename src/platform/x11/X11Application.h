@@ -16,6 +16,7 @@ public:
 
     std::string bundleIdentifier() const override;
     ProcessId processIdentifier() const override;
+    std::string bundlePath() const override;
     void setActivationPolicy(ActivationPolicy newPolicy) override { policy = newPolicy; }
     ActivationPolicy activationPolicy() const override { return policy; }
     void activate() override;

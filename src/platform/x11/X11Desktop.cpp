@@ -14,6 +14,8 @@
 #include "platform/x11/X11Images.h"
 #include "platform/x11/X11LogOutput.h"
 #include "platform/x11/X11Menus.h"
+#include "platform/x11/X11Panel.h"
+#include "platform/x11/X11Prompts.h"
 #include "platform/x11/X11RunLoop.h"
 #include "platform/x11/X11ScreenCapture.h"
 #include "platform/x11/X11Screens.h"
@@ -74,8 +76,12 @@ struct X11Desktop::Parts {
     NoExtras accessibility;
     X11ScreenCapture capture;
     X11Images images;
+    Compositor compositor;
+    X11Panels panels;
     X11Menus menus;
     X11Popovers popovers;
+    X11Prompts prompts;
+    X11ChildProcesses childProcesses;
 
     Parts(XServer& x, int& argc, char** argv)
         : server(watchingRoot(x)),
@@ -98,8 +104,11 @@ struct X11Desktop::Parts {
           frontApplication(server, pump, identities, workspaceNotifications, log),
           loginSession(workspaceNotifications, log),
           capture(windows),
-          menus(server, bar, images),
-          popovers(server, bar, images) {
+          compositor(server, pump),
+          panels(server, screens, monitors, numbers, compositor),
+          menus(server, bar, images, compositor),
+          popovers(server, bar, images, compositor),
+          prompts(images) {
         screens.setBar(&bar);
     }
 };
@@ -133,8 +142,11 @@ Platform X11Desktop::platform() {
             p.accessibility,
             p.capture,
             p.images,
+            p.panels,
             p.menus,
             p.popovers,
+            p.prompts,
+            p.childProcesses,
             p.log};
 }
 

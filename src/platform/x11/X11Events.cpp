@@ -3,8 +3,7 @@
 #include <unistd.h>
 #include <xcb/xfixes.h>
 
-#include <QGuiApplication>
-#include <QWindow>
+#include <QWidget>
 #include <algorithm>
 #include <cmath>
 
@@ -21,11 +20,13 @@ X11Events::X11Events(XServer& x, EventPump& pump, Keyboard& keyboard, BarClient&
       screens(theScreens),
       localMonitors(monitors),
       synthetic(x, client, keyboard),
+      itemClick(x, client, synthetic),
       raw(x, pump, [this](RawInput::Kind kind, std::uint32_t button) { noteRaw(kind, button); }),
       listeners(raw) {
     motionTimer.setSingleShot(true);
     motionTimer.setInterval(motionMilliseconds);
     QObject::connect(&motionTimer, &QTimer::timeout, &motionTimer, [this] { tellMotion(); });
+    itemClick.clicked = [this] { unheard = raw.listens() ? 2 : 0; };
     releaseSyntheticDevices(server);
     const auto* fixes = xcb_get_extension_data(server.get(), &xcb_xfixes_id);
     if (fixes == nullptr || fixes->present == 0) return;
@@ -71,6 +72,10 @@ void X11Events::noteRaw(RawInput::Kind kind, std::uint32_t button) {
         if (!motionTimer.isActive()) motionTimer.start();
         return;
     }
+    if (unheard > 0) {
+        --unheard;
+        return;
+    }
     bool isLeft = button == XCB_BUTTON_INDEX_1;
     if (!isLeft && button != XCB_BUTTON_INDEX_3) return;
     auto state = queryPointer(server);
@@ -103,25 +108,45 @@ void X11Events::tell(EventType type, const PointerState& state) {
     event.location = server.coordinates.flipped(server.coordinates.fromRoot(state.root));
     event.modifiers = modifiersFromState(state.mask);
     listeners.tellTaps(event);
-    if (!listeners.isWantedByMonitors(type) || isOverOwnWindow(state.root)) return;
+    bool isPress = type == EventType::leftMouseDown || type == EventType::rightMouseDown;
+    if (isPress) pressedOwnWindow = isOverOwnWindow(state.root);
+    if (!listeners.isWantedByMonitors(type) || isForOwn(type, state.root)) return;
     listeners.tellMonitors(event);
 }
 
-bool X11Events::isOverOwnWindow(Point root) const {
+bool X11Events::isForOwn(EventType type, Point root) const {
     const auto& items = bar.items();
-    bool isOwnItem = std::any_of(items.begin(), items.end(), [&](const BarItemInfo* item) {
+    bool isOverOwnItem = std::any_of(items.begin(), items.end(), [&](const BarItemInfo* item) {
         // Not its slot: a divider's may take up the whole bar, with nothing of it to be seen.
         return item->pid == getpid() && item->geometry.contains(root);
     });
-    QPoint place(static_cast<int>(root.x), static_cast<int>(root.y));
-    return isOwnItem || QGuiApplication::topLevelAt(place) != nullptr;
+    if (isOverOwnItem) return true;
+    // What began in a window goes on there, wherever the pointer is, and if that window has gone.
+    bool goesOn = type == EventType::leftMouseDragged || type == EventType::leftMouseUp ||
+                  type == EventType::rightMouseUp;
+    return goesOn ? pressedOwnWindow : isOverOwnWindow(root);
+}
+
+/// Asks the server, which knows where a window takes no input.
+bool X11Events::isOverOwnWindow(Point root) const {
+    auto x = static_cast<std::int16_t>(root.x);
+    auto y = static_cast<std::int16_t>(root.y);
+    xcb_window_t window = server.root();
+    while (window != XCB_NONE) {
+        xcb::Reply<xcb_translate_coordinates_reply_t> inside(xcb_translate_coordinates_reply(
+            server.get(), xcb_translate_coordinates(server.get(), server.root(), window, x, y),
+            nullptr));
+        window = inside ? inside->child : static_cast<xcb_window_t>(XCB_NONE);
+        if (window != XCB_NONE && QWidget::find(window) != nullptr) return true;
+    }
+    return false;
 }
 
 std::unique_ptr<EventSource> X11Events::createEventSource() {
     // While a hand holds the button, the server takes no other press: a drag would only move the
-    // hand's own along.
+    // hand's own along. What it pressed in a window of ours is a wish that may need events.
     auto state = queryPointer(server);
-    bool isHeld = state && (state->mask & XCB_BUTTON_MASK_1) != 0;
+    bool isHeld = state && (state->mask & XCB_BUTTON_MASK_1) != 0 && !isOverOwnWindow(state->root);
     return synthetic.isAvailable() && !isHeld ? std::make_unique<EventSource>() : nullptr;
 }
 
@@ -131,20 +156,26 @@ std::optional<MouseEvent> X11Events::createMouseEvent(EventSource&, EventType ty
     return MouseEvent{type, location, 0, {}};
 }
 
-xcb_window_t X11Events::frameNamedBy(const MouseEvent& event) const {
+const BarItemInfo* X11Events::itemNamedBy(const MouseEvent& event) const {
     auto field = event.fields.find(EventField::windowNumber);
-    if (field == event.fields.end()) return 0;
-    const auto* item = bar.itemOfNumber(static_cast<WindowNumber>(field->second));
-    return item ? item->frame : 0;
+    if (field == event.fields.end()) return nullptr;
+    return bar.itemOfNumber(static_cast<WindowNumber>(field->second));
 }
 
 void X11Events::post(const MouseEvent& event) {
+    const auto* item = itemNamedBy(event);
+    // With Command it is dragged.
+    if (item != nullptr && (event.flags & commandModifier) == 0) {
+        if (event.type == EventType::leftMouseDown) itemClick.press(item->number);
+        if (event.type == EventType::leftMouseUp) itemClick.release();
+        return;
+    }
     auto monitors = screens.screens();
     bool isOnScreen = std::any_of(monitors.begin(), monitors.end(), [&](const Screen& screen) {
         return server.coordinates.flipped(screen.frame).contains(event.location);
     });
     synthetic.post(event.type, server.coordinates.toRoot(event.location), event.flags,
-                   frameNamedBy(event), isOnScreen);
+                   item != nullptr ? item->frame : 0, isOnScreen);
 }
 
 void X11Events::warpCursor(Point location) {

@@ -4,6 +4,7 @@
 
 #include "platform/Events.h"
 #include "platform/Screens.h"
+#include "platform/x11/ItemClick.h"
 #include "platform/x11/LocalMonitors.h"
 #include "platform/x11/RawListeners.h"
 #include "platform/x11/SyntheticInput.h"
@@ -35,18 +36,26 @@ private:
     void noteRaw(RawInput::Kind kind, std::uint32_t button);
     void tellMotion();
     void tell(EventType type, const PointerState& state);
+    bool isForOwn(EventType type, Point root) const;
+    /// Whether one of this program's windows takes the mouse there.
     bool isOverOwnWindow(Point root) const;
-    xcb_window_t frameNamedBy(const MouseEvent& event) const;
+    /// Nothing when it names none, or one that has gone.
+    const BarItemInfo* itemNamedBy(const MouseEvent& event) const;
 
     XServer& server;
     BarClient& bar;
     Screens& screens;
     LocalMonitors& localMonitors;
     SyntheticInput synthetic;
+    ItemClick itemClick;
     RawInput raw;
     QTimer motionTimer;
     RawListeners listeners;
     bool canHideCursor = false;
+    /// Raw presses and releases to come from clicks on items: they are nobody's.
+    int unheard = 0;
+    /// Whether the last press was on one of this program's windows.
+    bool pressedOwnWindow = false;
 };
 
 }  // namespace nevo

@@ -16,18 +16,22 @@ namespace nevo {
 namespace {
 
 constexpr int mostMegabytes = 64;
+/// A point of a picture that is made here holds as many pixels across: enough for every scale.
+constexpr int pixelsAcrossPoint = 4;
 constexpr int mostPixelsASide = 8192;
 constexpr std::string_view brandPrefix = "Brand";
 
 std::optional<Image> drawing(const QString& path, const std::string& source) {
     QSvgRenderer renderer;
     if (!QFile::exists(path) || !renderer.load(path)) return std::nullopt;
-    QImage canvas(renderer.defaultSize(), QImage::Format_ARGB32_Premultiplied);
+    QSize size = renderer.defaultSize();
+    QImage canvas(size * pixelsAcrossPoint, QImage::Format_ARGB32_Premultiplied);
     canvas.fill(Qt::transparent);
     QPainter painter(&canvas);
     renderer.render(&painter);
     painter.end();
     Image image = fromQImage(canvas);
+    image.size = {static_cast<double>(size.width()), static_cast<double>(size.height())};
     image.source = source;
     return image;
 }
@@ -81,8 +85,11 @@ std::optional<Image> X11Images::systemSymbol(const std::string& name, const std:
 }
 
 Image X11Images::redrawn(const Image& image, Size size) const {
-    QSize pixels(static_cast<int>(std::clamp(std::ceil(size.width), 0.0, 8192.0)),
-                 static_cast<int>(std::clamp(std::ceil(size.height), 0.0, 8192.0)));
+    auto pixelsOf = [](double points) {
+        double pixels = std::ceil(points) * pixelsAcrossPoint;
+        return static_cast<int>(std::clamp<double>(pixels, 0, mostPixelsASide));
+    };
+    QSize pixels(pixelsOf(size.width), pixelsOf(size.height));
     Image plain = image;
     plain.isTemplate = false;
     Image result = fromQImage(rendered(plain, pixels, {}));

@@ -1,13 +1,12 @@
 #include "platform/x11/X11Menus.h"
 
-#include <QGuiApplication>
 #include <QKeyEvent>
 #include <QMenu>
-#include <QScreen>
 #include <algorithm>
 
 #include "platform/x11/Panel.h"
 #include "platform/x11/Pictures.h"
+#include "platform/x11/QtScale.h"
 #include "platform/x11/X11Popover.h"
 
 namespace nevo {
@@ -49,6 +48,21 @@ QIcon symbolIcon(const Images& images, const std::string& name, const QPalette& 
     return icon;
 }
 
+QAction* addRow(QMenu& menu, const Images& images, const MenuItem& item) {
+    if (item.isSeparator()) return menu.addSeparator();
+    // An ampersand would underline the next letter.
+    QAction* action = menu.addAction(symbolIcon(images, item.symbol, menu.palette()),
+                                     QString::fromStdString(item.title).replace('&', "&&"));
+    action->setIconVisibleInMenu(true);
+    action->setEnabled(item.isEnabled);
+    if (!item.keyEquivalent.empty()) {
+        // What is Command there is Control in the menus of this desktop.
+        action->setShortcut(QKeySequence("Ctrl+" + QString::fromStdString(item.keyEquivalent)));
+        action->setShortcutVisibleInContextMenu(true);
+    }
+    return action;
+}
+
 }  // namespace
 
 Point hangingPlace(XServer& server, BarClient& bar, const StatusItemButton& button, double width) {
@@ -57,49 +71,50 @@ Point hangingPlace(XServer& server, BarClient& bar, const StatusItemButton& butt
     Rect toggle = frame ? server.coordinates.flipped(*frame)
                         : Rect{server.coordinates.fromRoot(barFrame).maxX(), 0, 0, 0};
     Point place = server.coordinates.toRoot(
-        Point{width > 0 ? toggle.midX() - width * 0.5 : toggle.x, toggle.maxY()});
+        Point{width > 0 ? toggle.midX() - width / server.coordinates.scale * 0.5 : toggle.x,
+              toggle.maxY()});
     place.y = std::max(place.y, barFrame.maxY());
     return place;
 }
 
-X11Menus::X11Menus(XServer& x, BarClient& client, const Images& pictures)
-    : server(x), bar(client), images(pictures) {}
+X11Menus::X11Menus(XServer& x, BarClient& client, const Images& pictures, const Compositor& manager)
+    : server(x), bar(client), images(pictures), compositor(manager) {}
 
 void X11Menus::popUp(const std::vector<MenuItem>& items, Point, StatusItemButton& button) {
-    KeyedMenu menu;
-    stylePanel(menu, "QMenu");
-    QAction* chosen = nullptr;
-    std::vector<std::pair<QAction*, std::function<void()>>> actions;
-    for (const MenuItem& item : items) {
-        if (item.isSeparator()) {
-            menu.addSeparator();
-            continue;
-        }
-        // An ampersand would underline the next letter.
-        QAction* action = menu.addAction(symbolIcon(images, item.symbol, menu.palette()),
-                                         QString::fromStdString(item.title).replace('&', "&&"));
-        action->setIconVisibleInMenu(true);
-        action->setEnabled(item.isEnabled);
-        if (!item.keyEquivalent.empty()) {
-            // What is Command there is Control in the menus of this desktop.
-            action->setShortcut(QKeySequence("Ctrl+" + QString::fromStdString(item.keyEquivalent)));
-            action->setShortcutVisibleInContextMenu(true);
-        }
-        actions.emplace_back(action, item.action);
-    }
-    QObject::connect(&menu, &QMenu::triggered, &menu, [&](QAction* action) { chosen = action; });
-    Point place = hangingPlace(server, bar, button, 0);
-    menu.exec(QPoint(static_cast<int>(place.x), static_cast<int>(place.y)));
-    for (const auto& [action, run] : actions) {
-        if (action == chosen && run) run();
-    }
+    auto chosen = choose(items, hangingPlace(server, bar, button, 0));
+    if (chosen && items[*chosen].action) items[*chosen].action();
 }
 
-X11Popovers::X11Popovers(XServer& x, BarClient& client, const Images& pictures)
-    : server(x), bar(client), images(pictures) {}
+void X11Menus::popUp(const std::vector<MenuItem>& items, Point location, Panel& panel,
+                     std::function<void(std::optional<std::size_t> highlighted)> didClose) {
+    Rect frame = panel.frame();
+    Point place{frame.x + location.x, frame.y + location.y};
+    const Coordinates& coordinates = server.coordinates;
+    // The panel may be gone when the menu closes.
+    auto chosen = choose(items, coordinates.toRoot(coordinates.flipped(place)));
+    if (didClose) didClose(chosen);
+}
+
+std::optional<std::size_t> X11Menus::choose(const std::vector<MenuItem>& items, Point root) const {
+    KeyedMenu menu;
+    stylePanel(menu, "QMenu", compositor.isRunning());
+    for (std::size_t row = 0; row < items.size(); ++row) {
+        QAction* action = addRow(menu, images, items[row]);
+        action->setData(QVariant::fromValue(row));
+    }
+    std::optional<std::size_t> chosen;
+    QObject::connect(&menu, &QMenu::triggered, &menu,
+                     [&](QAction* action) { chosen = action->data().value<std::size_t>(); });
+    menu.exec(QtScale::at(root).fromRoot(root));
+    return chosen;
+}
+
+X11Popovers::X11Popovers(XServer& x, BarClient& client, const Images& pictures,
+                         const Compositor& manager)
+    : server(x), bar(client), images(pictures), compositor(manager) {}
 
 std::unique_ptr<Popover> X11Popovers::create() {
-    return std::make_unique<X11Popover>(server, bar, images);
+    return std::make_unique<X11Popover>(server, bar, images, compositor);
 }
 
 }  // namespace nevo

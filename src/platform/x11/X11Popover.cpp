@@ -8,6 +8,7 @@
 
 #include "platform/x11/Panel.h"
 #include "platform/x11/Pictures.h"
+#include "platform/x11/QtScale.h"
 #include "platform/x11/X11Menus.h"
 
 namespace nevo {
@@ -55,8 +56,9 @@ QLayout* helpRow(const Images& images, const PopoverRow& row) {
 
 }  // namespace
 
-X11Popover::X11Popover(XServer& x, BarClient& client, const Images& pictures)
-    : server(x), bar(client), images(pictures) {}
+X11Popover::X11Popover(XServer& x, BarClient& client, const Images& pictures,
+                       const Compositor& manager)
+    : server(x), bar(client), images(pictures), compositor(manager) {}
 
 X11Popover::~X11Popover() { delete panel; }
 
@@ -69,8 +71,9 @@ void X11Popover::performClose() {
 void X11Popover::show(Rect, StatusItemButton& button, int) {
     delete panel;
     panel = build();
-    Point place = hangingPlace(server, bar, button, size.width);
-    QPoint at(static_cast<int>(place.x), static_cast<int>(place.y) + 4);
+    Point left = hangingPlace(server, bar, button, 0);
+    Point place = hangingPlace(server, bar, button, size.width * QtScale::at(left).factor);
+    QPoint at = QtScale::at(left).fromRoot(place) + QPoint(0, 4);
     if (const QScreen* screen = QGuiApplication::screenAt(at)) {
         // Never over the edge of the screen.
         int right = screen->geometry().right() - panel->width() - 4;
@@ -84,7 +87,7 @@ QFrame* X11Popover::build() const {
     auto* frame = new QFrame(nullptr, Qt::Popup);
     frame->setObjectName("popover");
     frame->setAttribute(Qt::WA_DeleteOnClose);
-    stylePanel(*frame, "QFrame#popover");
+    stylePanel(*frame, "QFrame#popover", compositor.isRunning());
     frame->setFixedSize(static_cast<int>(size.width), static_cast<int>(size.height));
     auto* column = new QVBoxLayout(frame);
     column->setContentsMargins(margin, margin, margin, margin);

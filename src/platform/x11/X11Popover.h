@@ -6,13 +6,14 @@
 #include "platform/Images.h"
 #include "platform/Menus.h"
 #include "platform/x11/BarClient.h"
+#include "platform/x11/Compositor.h"
 
 namespace nevo {
 
 /// A panel of text rows that closes at a click elsewhere or Escape.
 class X11Popover : public Popover {
 public:
-    X11Popover(XServer& x, BarClient& client, const Images& pictures);
+    X11Popover(XServer& x, BarClient& client, const Images& pictures, const Compositor& manager);
     ~X11Popover() override;
 
     void setContentSize(Size newSize) override { size = newSize; }
@@ -32,6 +33,7 @@ private:
     XServer& server;
     BarClient& bar;
     const Images& images;
+    const Compositor& compositor;
     Size size{300, 280};
     std::function<std::vector<PopoverRow>()> content;
     QPointer<QFrame> panel;

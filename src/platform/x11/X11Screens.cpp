@@ -82,8 +82,9 @@ void X11Screens::read() {
             {1, {0, 0, static_cast<double>(root->width), static_cast<double>(root->height)}});
     }
     const Rect& primary = monitors.front().frame;
-    server.coordinates = {static_cast<int>(primary.x), static_cast<int>(primary.y),
-                          static_cast<int>(primary.height)};
+    server.coordinates.originX = static_cast<int>(primary.x);
+    server.coordinates.originY = static_cast<int>(primary.y);
+    server.coordinates.primaryHeight = static_cast<int>(primary.height);
 }
 
 bool X11Screens::isOfRow(const xcb_generic_event_t& event) const {
@@ -123,9 +124,12 @@ std::vector<Screen> X11Screens::screens() const {
         const auto& coordinates = server.coordinates;
         Screen screen;
         screen.id = monitor.id;
+        screen.backingScale = coordinates.scale;
         screen.frame = coordinates.flipped(coordinates.fromRoot(monitor.frame));
         screen.visibleFrame = screen.frame;
-        if (monitor.frame.intersects(barFrame)) screen.visibleFrame.height -= barFrame.height;
+        if (monitor.frame.intersects(barFrame)) {
+            screen.visibleFrame.height -= barFrame.height / coordinates.scale;
+        }
         result.push_back(screen);
     }
     return result;

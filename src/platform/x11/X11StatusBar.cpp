@@ -2,14 +2,10 @@
 
 #include <algorithm>
 
+#include "platform/menubar/BarScale.h"
 #include "platform/x11/X11StatusItem.h"
 
 namespace nevo {
-
-namespace {
-/// Until a bar has told its height.
-constexpr double usualThickness = 24;
-}  // namespace
 
 X11StatusBar::X11StatusBar(XServer& x, EventPump& pump, BarClient& client, RunLoop& loop,
                            Screens& screens, LocalMonitors& monitors,
@@ -43,7 +39,7 @@ std::unique_ptr<StatusItem> X11StatusBar::statusItem(double length) {
 
 double X11StatusBar::thickness() const {
     double height = context->bar.barFrame().height;
-    return height > 0 ? height : usualThickness;
+    return height > 0 ? height / context->server.coordinates.scale : usualBarThickness;
 }
 
 }  // namespace nevo

@@ -14,14 +14,16 @@ namespace {
 /// The bar's text colour.
 const QColor barText(255, 255, 255);
 const QColor highlight(255, 255, 255, 60);
-constexpr int padding = 4;
-constexpr int leastWidth = 8;
+// Points.
+constexpr double padding = 4;
+constexpr double leastWidth = 8;
+constexpr double textSize = 13;
 /// A wider window is a divider's, which shows nothing.
 constexpr int widestPainted = 1024;
 
-QFont barFont() {
+QFont barFont(double scale) {
     QFont font;
-    font.setPixelSize(13);
+    font.setPixelSize(static_cast<int>(std::lround(textSize * scale)));
     return font;
 }
 }  // namespace
@@ -29,7 +31,7 @@ QFont barFont() {
 X11StatusItem::X11StatusItem(const std::shared_ptr<StatusBarContext>& shared, double length)
     : context(shared), window(shared->server, shared->bar), itemLength(length) {
     shared->items.push_back(this);
-    window.setLength(length, contentWidth());
+    updateLength();
     // At the next turn, when the creator has given it its name: so it comes to its place at once.
     shared->loop.post([this, alive = std::weak_ptr(life)] {
         auto held = context.lock();
@@ -106,9 +108,10 @@ std::optional<WindowNumber> X11StatusItem::windowNumber() const {
 Rect X11StatusItem::bounds() const {
     auto held = context.lock();
     const auto* item = held ? held->bar.itemOfClient(window.id()) : nullptr;
-    if (item != nullptr) return {0, 0, item->slot.width, item->slot.height};
-    double width = itemLength < 0 ? contentWidth() : itemLength;
-    return {0, 0, width, held ? held->bar.barFrame().height : 0};
+    double points = scale();
+    if (item != nullptr) return {0, 0, item->slot.width / points, item->slot.height / points};
+    double width = itemLength < 0 ? contentWidth() / points : itemLength;
+    return {0, 0, width, held ? held->bar.barFrame().height / points : 0};
 }
 
 std::optional<Rect> X11StatusItem::screenFrame() const {
@@ -136,18 +139,31 @@ std::optional<Rect> X11StatusItem::windowScreenFrame() const {
     return std::nullopt;
 }
 
+double X11StatusItem::scale() const {
+    auto held = context.lock();
+    return held ? held->server.coordinates.scale : 1;
+}
+
 int X11StatusItem::contentWidth() const {
     double width = 0;
-    if (picture) width += picture->size.width;
+    if (picture) width += picture->size.width * scale();
     bool showsText = !text.empty() && !(imageOnly && picture);
-    if (showsText) width += QFontMetrics(barFont()).horizontalAdvance(QString::fromStdString(text));
-    return std::max(leastWidth, static_cast<int>(std::ceil(width)) + 2 * padding);
+    if (showsText) {
+        QFontMetrics metrics(barFont(scale()));
+        width += metrics.horizontalAdvance(QString::fromStdString(text));
+    }
+    double most = std::max(leastWidth * scale(), std::ceil(width) + 2 * padding * scale());
+    return static_cast<int>(std::ceil(most));
+}
+
+void X11StatusItem::updateLength() {
+    window.setLength(itemLength < 0 ? itemLength : itemLength * scale(), contentWidth());
 }
 
 void X11StatusItem::changed() {
     auto held = context.lock();
     if (!held) return;
-    window.setLength(itemLength, contentWidth());
+    updateLength();
     held->server.flush();
     // Looks often change several at a time: painted once.
     if (std::exchange(paintScheduled, true)) return;
@@ -175,16 +191,19 @@ void X11StatusItem::paintContent(QPainter& painter, QRect area) const {
     if (isLit) {
         painter.setPen(Qt::NoPen);
         painter.setBrush(highlight);
-        painter.drawRoundedRect(QRectF(area).adjusted(0, 1, 0, -1), 4, 4);
+        painter.drawRoundedRect(QRectF(area).adjusted(0, scale(), 0, -scale()), 4 * scale(),
+                                4 * scale());
     }
     bool showsText = !text.empty() && !(imageOnly && picture);
-    int left = padding;
+    int left = static_cast<int>(std::lround(padding * scale()));
     if (picture) {
         // Scaled down in proportion, never up.
-        double scale = std::min({1.0, area.width() / std::max(1.0, picture->size.width),
-                                 area.height() / std::max(1.0, picture->size.height)});
-        QSize size(static_cast<int>(std::lround(picture->size.width * scale)),
-                   static_cast<int>(std::lround(picture->size.height * scale)));
+        double width = picture->size.width * scale();
+        double height = picture->size.height * scale();
+        double part = std::min(
+            {1.0, area.width() / std::max(1.0, width), area.height() / std::max(1.0, height)});
+        QSize size(static_cast<int>(std::lround(width * part)),
+                   static_cast<int>(std::lround(height * part)));
         int x = showsText ? left : (area.width() - size.width()) / 2;
         painter.drawImage(QPoint(x, (area.height() - size.height()) / 2),
                           rendered(*picture, size, barText));
@@ -192,7 +211,7 @@ void X11StatusItem::paintContent(QPainter& painter, QRect area) const {
     }
     if (!showsText) return;
     painter.setPen(barText);
-    painter.setFont(barFont());
+    painter.setFont(barFont(scale()));
     painter.drawText(area.adjusted(left, 0, 0, 0), Qt::AlignVCenter, QString::fromStdString(text));
 }
 

@@ -44,7 +44,11 @@ private:
     std::optional<Rect> screenFrame() const override;
     std::optional<Rect> windowScreenFrame() const override;
 
+    /// Pixels to a point.
+    double scale() const;
+    /// Pixels.
     int contentWidth() const;
+    void updateLength();
     void changed();
     void paint();
     void paintContent(QPainter& painter, QRect area) const;

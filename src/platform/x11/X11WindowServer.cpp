@@ -127,6 +127,15 @@ bool X11WindowServer::setWindowAlpha(WindowNumber window, float alpha) {
     if (item == nullptr || std::isnan(alpha)) return false;
     auto asked = static_cast<std::uint32_t>(
         std::llround(std::clamp(static_cast<double>(alpha), 0.0, 1.0) * 0xffffffff));
+    // The logic asks again and again. What others hold at this opacity isn't held by us: it ends
+    // when they do.
+    bool isOpaque = asked == 0xffffffff;
+    if (item->opacity == asked && (isOpaque || alphaHeld.contains(window))) return true;
+    if (isOpaque) {
+        alphaHeld.erase(window);
+    } else {
+        alphaHeld.insert(window);
+    }
     barClient.send(bar::setOpacity, item->frame, asked, server.lease(), 0, 0);
     return barClient.waitUntil([&] {
         const auto* now = barClient.itemOfNumber(window);
@@ -165,7 +174,9 @@ std::optional<Image> X11WindowServer::windowImage(WindowNumber window) const {
     } else if (windowLevel(window)) {
         image = pictureOfWindow(server, numbers.window(window).value_or(0));
     }
-    if (image) image->source = "window:" + std::to_string(window);
+    if (!image) return std::nullopt;
+    image->size = {image->size.width / pixelsPerPoint(), image->size.height / pixelsPerPoint()};
+    image->source = "window:" + std::to_string(window);
     return image;
 }
 
@@ -177,8 +188,9 @@ std::optional<Image> X11WindowServer::compositeImage(
         auto frame = windowFrame(window);
         auto image = frame ? windowImage(window) : std::nullopt;
         if (!image) continue;
-        whole = whole.unionWith(*frame);
-        parts.emplace_back(*frame, std::move(*image));
+        Rect pixels = server.coordinates.toRoot(*frame);
+        whole = whole.unionWith(pixels);
+        parts.emplace_back(pixels, std::move(*image));
     }
     if (whole.isEmpty() || whole.width * whole.height > mostComposedPixels) return std::nullopt;
     auto bitmap = std::make_shared<Bitmap>();
@@ -191,7 +203,7 @@ std::optional<Image> X11WindowServer::compositeImage(
         drawOver(*bitmap, *part->second.bitmap, static_cast<int>(part->first.x - whole.x),
                  static_cast<int>(part->first.y - whole.y));
     }
-    Size size{whole.width, whole.height};
+    Size size{whole.width / pixelsPerPoint(), whole.height / pixelsPerPoint()};
     return Image{std::move(bitmap), size, false, "windows"};
 }
 

@@ -1,5 +1,7 @@
 #pragma once
 
+#include <set>
+
 #include "platform/Screens.h"
 #include "platform/WindowServer.h"
 #include "platform/x11/BarClient.h"
@@ -25,6 +27,8 @@ public:
     std::optional<float> windowAlpha(WindowNumber window) const override;
     bool moveWindow(WindowNumber window, Point origin) override;
     std::optional<Image> windowImage(WindowNumber window) const override;
+    /// A pixel is a point here.
+    double pixelsPerPoint() const override { return server.coordinates.scale; }
     std::optional<Image> compositeImage(const std::vector<WindowNumber>& windows) const override;
     /// Any client may move the cursor here.
     void setSetsCursorInBackground(bool) override {}
@@ -40,6 +44,9 @@ private:
     ClientWindows& clients;
     Screens& screens;
     WindowNumbers& numbers;
+    /// The items that were made transparent here. Numbers don't come back: those of a bar that has
+    /// gone do no harm.
+    std::set<WindowNumber> alphaHeld;
 };
 
 }  // namespace nevo

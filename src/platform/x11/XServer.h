@@ -14,19 +14,29 @@
 namespace nevo {
 
 /// Between the server's coordinates (origin at the corner of the whole desktop) and the logic's
-/// (origin at the primary monitor's corner, top or bottom left). A pixel is a point.
+/// (points, origin at the primary monitor's corner, top or bottom left).
 struct Coordinates {
     /// The primary monitor in root coordinates.
     int originX = 0;
     int originY = 0;
     int primaryHeight = 0;
+    /// Pixels to a point, everywhere: follows the bar's height.
+    double scale = 1;
 
-    Rect fromRoot(Rect r) const { return {r.x - originX, r.y - originY, r.width, r.height}; }
-    Point fromRoot(Point p) const { return {p.x - originX, p.y - originY}; }
-    Point toRoot(Point p) const { return {p.x + originX, p.y + originY}; }
+    Rect fromRoot(Rect r) const {
+        return {(r.x - originX) / scale, (r.y - originY) / scale, r.width / scale,
+                r.height / scale};
+    }
+    Point fromRoot(Point p) const { return {(p.x - originX) / scale, (p.y - originY) / scale}; }
+    Point toRoot(Point p) const { return {p.x * scale + originX, p.y * scale + originY}; }
+    Rect toRoot(Rect r) const {
+        return {r.x * scale + originX, r.y * scale + originY, r.width * scale, r.height * scale};
+    }
     /// Turns top-left into bottom-left, and back.
-    Rect flipped(Rect r) const { return {r.x, primaryHeight - r.y - r.height, r.width, r.height}; }
-    Point flipped(Point p) const { return {p.x, primaryHeight - p.y}; }
+    Rect flipped(Rect r) const {
+        return {r.x, primaryHeight / scale - r.y - r.height, r.width, r.height};
+    }
+    Point flipped(Point p) const { return {p.x, primaryHeight / scale - p.y}; }
 };
 
 /// The manager's own connection to the X server, with what every part of the desktop needs of it.

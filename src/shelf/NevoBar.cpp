@@ -1,0 +1,143 @@
+#include "shelf/NevoBar.h"
+
+#include <fmt/format.h>
+
+#include <utility>
+
+#include "core/debugLog.h"
+#include "core/describe.h"
+
+namespace nevo {
+
+namespace {
+constexpr Animation fadeIn{0.15};
+constexpr Animation fadeOut{0.12};
+constexpr double refreshInterval = 0.5;
+}  // namespace
+
+NevoBar::NevoBar(const Platform& desktop) : platform(desktop) {}
+
+std::shared_ptr<NevoBar> NevoBar::create(const Platform& platform) {
+    return std::shared_ptr<NevoBar>(new NevoBar(platform));
+}
+
+void NevoBar::show(std::vector<BarItem> newItems) {
+    dismiss();
+    items = std::move(newItems);
+    auto screen = platform.screens.mainScreen();
+    if (items.empty() || !screen) {
+        debugLog("[NevoBar] No items found, not showing panel");
+        return;
+    }
+    // A panel that still fades goes at once: its fade must not end in the new one's place.
+    buildPanel(*screen);
+    startRefreshTimer();
+    if (!animationsEnabled) return;
+    panel->setAlpha(0.0);
+    panel->animateAlpha(1.0, fadeIn);
+}
+
+void NevoBar::dismiss() {
+    clearViews();
+    if (!panel) return;
+    isClosing = true;
+    if (!animationsEnabled) {
+        closePanel();
+        return;
+    }
+    // The panel takes this along when it goes before its time.
+    panel->animateAlpha(0.0, fadeOut, [weak = weak_from_this()] {
+        auto self = weak.lock();
+        if (!self) return;
+        // The animation is the panel's own: it isn't destroyed from inside of it.
+        self->platform.runLoop.post([weak, fading = self->panel.get()] {
+            auto held = weak.lock();
+            if (held && held->panel.get() == fading) held->closePanel();
+        });
+    });
+}
+
+void NevoBar::clearViews() {
+    refreshTimer.reset();
+    itemImageViews.clear();
+    itemRenderPolicies.clear();
+    itemSlotViews.clear();
+    itemTextFields.clear();
+    backgroundOverlayView.reset();
+    draggingWindowID.reset();
+}
+
+void NevoBar::closePanel() {
+    panel->orderOut();
+    panel.reset();
+}
+
+void NevoBar::relayoutForStyle() {
+    if (!isPanelVisible()) return;
+    if (isClosing) {
+        // It would come back for good: its fade goes with the old panel.
+        closePanel();
+        return;
+    }
+    auto screen = panel->screen();
+    if (!screen) screen = platform.screens.mainScreen();
+    if (!screen) return;
+    clearViews();
+    closePanel();
+    buildPanel(*screen);
+    startRefreshTimer();
+}
+
+void NevoBar::startRefreshTimer() {
+    refreshTimer = platform.runLoop.timer(refreshInterval, true, [weak = weak_from_this()] {
+        auto self = weak.lock();
+        if (!self) return;
+        self->platform.runLoop.post([weak] {
+            if (auto held = weak.lock()) held->refreshPictures();
+        });
+    });
+}
+
+void NevoBar::refreshPictures() {
+    if (!isPanelVisible()) return;
+    for (const auto& [window, slot] : itemImageViews) {
+        auto picture = platform.windows.windowImage(window);
+        // Most of the time nothing has changed, and looking at each pixel again would be for
+        // nothing.
+        const auto& shown = slot->view.image;
+        if (!picture) continue;
+        double scale = platform.windows.pixelsPerPoint();
+        picture->size = {picture->bitmap->width / scale, picture->bitmap->height / scale};
+        bool isSame = shown && shown->size == picture->size && *shown->bitmap == *picture->bitmap;
+        if (isSame) continue;
+        setImage(*slot, window, *picture);
+        panel->setView(slot->view);
+    }
+}
+
+void NevoBar::setImage(ClickableItemView& slot, WindowNumber window, const Image& image) {
+    ShelfIconRenderPolicy policy = renderPolicy(image);
+    itemRenderPolicies[window] = policy;
+    bool isTinted = policy == ShelfIconRenderPolicy::templateTint;
+    slot.view.image = image;
+    slot.view.image->isTemplate = isTinted;
+    slot.view.contentTintColor =
+        isTinted ? std::optional(appearanceTheme.templateIconTintColor) : std::nullopt;
+}
+
+void NevoBar::slotClicked(const BarItem& item) {
+    debugLog(fmt::format("[NevoBar] Item clicked: {} wid={} callback={}", item.label, item.windowID,
+                         describe(static_cast<bool>(onItemClicked))));
+    auto callback = onItemClicked;
+    dismiss();
+    if (callback) callback(item);
+}
+
+void NevoBar::slotRightClicked(const BarItem& item, Point onScreen) {
+    debugLog(fmt::format("[NevoBar] Item right-clicked: {} wid={} callback={}", item.label,
+                         item.windowID, describe(static_cast<bool>(onItemRightClicked))));
+    auto callback = onItemRightClicked;
+    if (callback) callback(item, onScreen);
+}
+
+}  // namespace nevo

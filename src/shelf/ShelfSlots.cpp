@@ -1,0 +1,116 @@
+#include <fmt/format.h>
+
+#include <algorithm>
+#include <array>
+
+#include "core/Texts.h"
+#include "core/debugLog.h"
+#include "core/describe.h"
+#include "shelf/ShelfController.h"
+
+namespace nevo {
+
+namespace {
+
+/// The rows of a slot's menu.
+struct RuleOption {
+    const char* key;
+    IconRule rule;
+};
+constexpr std::array<RuleOption, 1> ruleOptions{{{"icon_rule.always_show", IconRule::alwaysShow}}};
+
+}  // namespace
+
+void ShelfController::bindBarCallbacks() {
+    auto weak = weak_from_this();
+    nevoBar->onItemClicked = [weak](const BarItem& item) {
+        if (auto self = weak.lock()) self->onItemClicked(item);
+    };
+    nevoBar->onItemRightClicked = [weak](const BarItem& item, Point) {
+        if (auto self = weak.lock()) self->onItemRightClicked(item);
+    };
+    nevoBar->onItemsReordered = [weak](const std::vector<BarItem>& items) {
+        if (auto self = weak.lock()) self->onItemsReordered(items);
+    };
+}
+
+void ShelfController::onItemClicked(const BarItem& item) {
+    auto cached =
+        std::find_if(cachedItems.begin(), cachedItems.end(),
+                     [&](const ScannedBarItem& each) { return each.windowID == item.windowID; });
+    ScannedBarItem record;
+    if (cached != cachedItems.end()) {
+        record = *cached;
+    } else {
+        record.bundleID = item.bundleID;
+        record.ownerPID = item.ownerPID;
+        record.label = item.label;
+        record.persistedID = item.persistedID;
+        record.centerX = item.centerX;
+        record.width = item.width;
+        record.icon = item.icon;
+        record.windowID = item.windowID;
+    }
+    presentItem(record);
+}
+
+void ShelfController::onItemRightClicked(const BarItem& item) {
+    Panel* panel = nevoBar->openPanel();
+    if (!isIn(ShelfState::Kind::panelVisible) || panel == nullptr) return;
+    std::vector<MenuItem> rows;
+    for (const RuleOption& option : ruleOptions) {
+        MenuItem row;
+        row.key = option.key;
+        row.title = text(option.key);
+        rows.push_back(row);
+    }
+    Point mouse = platform.events.mouseLocation();
+    Rect frame = panel->frame();
+    auto closed = [weak = weak_from_this(), &runLoop = platform.runLoop,
+                   item](std::optional<std::size_t> highlighted) {
+        if (!highlighted) return;
+        // The menu has to have finished closing.
+        runLoop.post([weak, index = *highlighted, item] {
+            if (auto self = weak.lock()) self->onSelect(index, item);
+        });
+    };
+    platform.menus.popUp(rows, {mouse.x - frame.x, mouse.y - frame.y}, *panel, closed);
+}
+
+void ShelfController::onSelect(std::size_t index, const BarItem& item) {
+    if (index >= ruleOptions.size()) return;
+    const RuleOption& option = ruleOptions[index];
+    debugLog(
+        fmt::format("[Shelf] context menu applied: {} for {}", text(option.key), item.persistedID));
+    IconRules rules = appState.rules.loadIconRules();
+    auto stored = rules.find(item.persistedID);
+    IconRule current = stored == rules.end() ? IconRule::automatic : stored->second;
+    if (option.rule == current) appState.rules.setIconRule(IconRule::automatic, item.persistedID);
+    appState.rules.setIconRule(option.rule, item.persistedID);
+    dismissShelf();
+    switch (option.rule) {
+        case IconRule::automatic:
+            debugLog("[Shelf] auto: clearing rule for " + item.persistedID);
+            break;
+        case IconRule::alwaysHide: {
+            bool ok = platform.windows.setWindowAlpha(item.windowID, 0.0F);
+            sectionManager.alphaHiddenWindows.insert(item.windowID);
+            debugLog(fmt::format("[Shelf] alwaysHide: alpha=0 wid={} ok={}", item.windowID,
+                                 describe(ok)));
+            break;
+        }
+        case IconRule::alwaysShow:
+            sectionManager.alphaHiddenWindows.erase(item.windowID);
+            platform.windows.setWindowAlpha(item.windowID, 1.0F);
+            break;
+    }
+}
+
+void ShelfController::onItemsReordered(const std::vector<BarItem>& items) {
+    std::vector<std::string> ids;
+    for (const BarItem& item : items) ids.push_back(item.persistedID);
+    appState.rules.saveShelfItemOrder(ids);
+    debugLog(fmt::format("[Shelf] saved custom order count={}", ids.size()));
+}
+
+}  // namespace nevo
