@@ -6,25 +6,20 @@ from contextlib import ExitStack
 from dataclasses import dataclass
 
 import proc
-from stage import CLIPMAN, PARCELLITE, QLIPPER, VOLUMEICON, Failure, selectionOwner, stage
+from shelf import shelf
+from stage import CLIPMAN, PARCELLITE, VOLUMEICON, Failure, stage
 from table import Row, middle, percentile
+from trays import FEW, HOSTS, startTray, trayIcons
 
 CLICKS = 60  # on the toggle, each way
 BAD_CLICKS = 100
 WARM_UP = 5  # seconds after which memory is looked at
-FEW = [PARCELLITE, VOLUMEICON, CLIPMAN, QLIPPER]
 MANY = 30
 DRAGS = 60
-TRAY_ICONS = 10
+HOST_ICONS = [PARCELLITE, VOLUMEICON, CLIPMAN]
 RULES = {"Parcellite >>> parcellite": "alwaysShow", "volumeicon >>> volumeicon": "alwaysShow",
          "icon-1 >>> bench-probe": "alwaysShow", "Clipboard Manager >>> xfce4-clipman": "alwaysHide",
          "icon-2 >>> bench-probe": "alwaysHide"}
-
-
-def trayIcons(desktop, count=TRAY_ICONS):
-    """Real programs and, for the rest, icons that do nothing."""
-    return FEW + [(desktop.ours("bench-probe"), "icon", f"icon-{i}")
-                  for i in range(count - len(FEW))]
 
 
 def collapse(programs, options):
@@ -56,25 +51,6 @@ class HostRun:
     shown: float
     pss: int
     rss: int
-
-
-TRAYER = ("trayer", "--edge", "top", "--align", "right", "--widthtype", "request",
-          "--heighttype", "pixel", "--height", "24", "--SetDockType", "true")
-HOST_ICONS = [PARCELLITE, VOLUMEICON, CLIPMAN]
-
-
-def tint2(desktop):
-    configuration = desktop.home / "tint2rc"
-    configuration.write_text("panel_items = S\npanel_size = 100% 24\npanel_position = top right\n")
-    return "tint2", "-c", str(configuration)
-
-
-HOSTS = {
-    "nevo-menubar": lambda desktop: (desktop.ours("nevo-menubar"),),
-    "nevo-menubar --no-clock": lambda desktop: (desktop.ours("nevo-menubar"), "--no-clock"),
-    "trayer": lambda desktop: TRAYER,
-    "tint2": tint2,
-}
 
 
 def startHost(desktop, command):
@@ -175,19 +151,6 @@ def keepCrowding(desktop, probe):
         desktop.stop(crowd)
 
 
-def startTray(desktop, command):
-    """Another tray, with the same icons as Nevo's."""
-    probe = desktop.startProbe("host", str(TRAY_ICONS))
-    probe.stdout.readline()  # "watching"
-    process = desktop.launch(*command)
-    desktop.wait("it owns the tray", lambda: selectionOwner(
-        desktop.environment["DISPLAY"], "_NET_SYSTEM_TRAY_S0"))
-    for icon in trayIcons(desktop):
-        desktop.launch(*icon)
-    desktop.finish(probe)
-    return process
-
-
 def nevo(programs, options):
     """Nevo at rest in both modes, and other trays with the same icons: each on a display of its
     own, through the same minute."""
@@ -205,7 +168,7 @@ def nevo(programs, options):
                 memory = proc.memory(watched[f"nevo, {mode}"].pid)
         for name in ("trayer", "tint2"):
             desktop = displays.enter_context(stage(programs))
-            watched[name] = startTray(desktop, HOSTS[name](desktop))
+            watched[name] = startTray(desktop, HOSTS[name](desktop), trayIcons(desktop))
         time.sleep(WARM_UP)
         works = proc.idle([process.pid for process in watched.values()], options.idle)
     return [Row("nevo: PSS", memory.pss, "kB"), Row("nevo: RSS", memory.rss, "kB"),
@@ -247,4 +210,4 @@ def drag(programs, options):
     return rows
 
 
-ALL = {"collapse": collapse, "hosts": hosts, "bad": bad, "nevo": nevo, "drag": drag}
+ALL = {"collapse": collapse, "shelf": shelf, "hosts": hosts, "bad": bad, "nevo": nevo, "drag": drag}

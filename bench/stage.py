@@ -24,6 +24,11 @@ class Stage(Desktop):
         self.folder = programs
         self.bar = Bar(self)
 
+    @property
+    def server(self):
+        """The display's process."""
+        return self.processes[0]
+
     def ours(self, name):
         return str(self.folder / name)
 
@@ -37,6 +42,11 @@ class Stage(Desktop):
         for count, command in enumerate(commands, len(self.bar.items() or []) + 1):
             self.launch(*command)
             self.wait(f"{command[0]} has docked", lambda n=count: len(self.bar.items() or []) >= n)
+
+    def startCompositor(self):
+        self.launch("picom", "--backend", "xrender", "--config", "/dev/null")
+        self.wait("a compositor runs",
+                  lambda: selectionOwner(self.environment["DISPLAY"], "_NET_WM_CM_S0"))
 
     def startNevo(self, **stored):
         """Nevo as on any day but the first, with more stored values; it hides everything left of

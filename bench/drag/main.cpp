@@ -43,8 +43,11 @@ Platform withLoop(RunLoop& loop, const Platform& p) {
             p.accessibility,
             p.screenCapture,
             p.images,
+            p.panels,
             p.menus,
             p.popovers,
+            p.prompts,
+            p.childProcesses,
             p.log};
 }
 

@@ -12,6 +12,14 @@ namespace nevo::bench {
 /// "collapse-painted" or "expand-painted" with those until the bar had drawn it.
 void timeToggle(const Server& server, int count);
 
+/// Opens and closes the shelf `count` times by clicks on Nevo's toggle. Prints "open" with the
+/// milliseconds from the button's release until its window was on the screen, "open-painted" with
+/// those until all of it was painted, and "close" with those until it was gone again.
+void timeShelf(const Server& server, int count);
+
+/// Clicks Nevo's toggle and waits until the shelf is open.
+void openShelf(const Server& server);
+
 /// Prints "watching", waits for a tray host, and prints "owned" with the moment at which it had the
 /// tray, and "shown" with that at which `icons` icons could be seen. Seconds on the system's
 /// monotonic clock.
@@ -24,5 +32,8 @@ void timeClicks(const Server& server, int count);
 
 /// Docks an icon of that name, and keeps it there until it is ended.
 void showIcon(const Server& server, const std::string& name);
+
+/// The same with an icon that looks different ten times a second.
+void showChangingIcon(const Server& server, const std::string& name);
 
 }  // namespace nevo::bench

@@ -12,6 +12,10 @@ using xcb::Reply;
 namespace {
 
 constexpr std::uint16_t iconSize = 22;
+constexpr std::chrono::milliseconds changeInterval{100};
+/// A number of them that no rhythm of looking at the icon has as a divisor.
+constexpr std::array<std::uint32_t, 7> changingColors{0x33cc66, 0xcc3366, 0x3366cc, 0xcccc33,
+                                                      0x33cccc, 0xcc33cc, 0xff8800};
 
 xcb_window_t createIcon(const Server& server, const std::string& name, std::uint32_t events) {
     auto c = server.get();
@@ -74,6 +78,17 @@ std::optional<Point> middleOf(const Server& server, xcb_window_t window) {
 void showIcon(const Server& server, const std::string& name) {
     dockIcon(server, name, XCB_EVENT_MASK_NO_EVENT);
     while (true) server.next(std::chrono::hours(1));
+}
+
+void showChangingIcon(const Server& server, const std::string& name) {
+    xcb_window_t window = dockIcon(server, name, XCB_EVENT_MASK_NO_EVENT);
+    for (std::size_t turn = 0;; ++turn) {
+        std::uint32_t color = changingColors[turn % changingColors.size()];
+        xcb_change_window_attributes(server.get(), window, XCB_CW_BACK_PIXEL, &color);
+        xcb_clear_area(server.get(), 0, window, 0, 0, 0, 0);
+        server.settle();
+        rest(changeInterval);
+    }
 }
 
 }  // namespace nevo::bench

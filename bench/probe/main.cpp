@@ -8,9 +8,12 @@ namespace {
 
 constexpr const char* usage =
     "Usage: bench-probe toggle COUNT   time clicks on Nevo's toggle\n"
+    "       bench-probe shelf COUNT    time openings of Nevo's shelf\n"
+    "       bench-probe open           open Nevo's shelf\n"
     "       bench-probe host ICONS     time a tray host's start\n"
     "       bench-probe click COUNT    time clicks on an icon\n"
-    "       bench-probe icon NAME      be an icon\n";
+    "       bench-probe icon NAME      be an icon\n"
+    "       bench-probe change NAME    be an icon that changes all the time\n";
 
 int numberOf(const std::string& text) {
     int value = 0;
@@ -22,18 +25,23 @@ int numberOf(const std::string& text) {
 
 int main(int argc, char** argv) {
     using namespace nevo::bench;
-    std::string what = argc == 3 ? argv[1] : "";
+    std::string what = argc >= 2 ? argv[1] : "";
     std::string value = argc == 3 ? argv[2] : "";
     int number = numberOf(value);
-    bool takesNumber = what == "toggle" || what == "host" || what == "click";
-    if ((what != "icon" && !takesNumber) || (takesNumber && number < 1)) {
+    bool takesNumber = what == "toggle" || what == "shelf" || what == "host" || what == "click";
+    bool takesName = what == "icon" || what == "change";
+    bool isRight = takesNumber ? number > 0 : takesName ? argc == 3 : what == "open" && argc == 2;
+    if (!isRight) {
         std::fputs(usage, stderr);
         return 2;
     }
     Server server;
     if (what == "toggle") timeToggle(server, number);
+    if (what == "shelf") timeShelf(server, number);
+    if (what == "open") openShelf(server);
     if (what == "host") watchHost(server, number);
     if (what == "click") timeClicks(server, number);
     if (what == "icon") showIcon(server, value);
+    if (what == "change") showChangingIcon(server, value);
     return 0;
 }
