@@ -45,32 +45,20 @@ ShelfAppearanceTheme customTheme(Color customColor, double opacity) {
 ShelfAppearanceTheme makeTheme(ShelfAppearanceMode mode, Color customColor, double opacity) {
     switch (mode) {
         case ShelfAppearanceMode::dark:
-            return {mode,
-                    black.withAlpha(0.76),
-                    white.withAlpha(0.12),
-                    white.withAlpha(0.28),
-                    white,
-                    white,
-                    white.withAlpha(0.16)};
+            return {
+                mode,  black.withAlpha(0.76), white.withAlpha(0.12), white.withAlpha(0.28), white,
+                white, white.withAlpha(0.16)};
         case ShelfAppearanceMode::highContrast:
-            return {mode,
-                    black.withAlpha(0.94),
-                    white.withAlpha(0.18),
-                    white.withAlpha(0.34),
-                    white,
-                    white,
-                    white.withAlpha(0.34)};
+            return {
+                mode,  black.withAlpha(0.94), white.withAlpha(0.18), white.withAlpha(0.34), white,
+                white, white.withAlpha(0.34)};
         case ShelfAppearanceMode::custom:
             return customTheme(customColor, opacity);
         case ShelfAppearanceMode::system:
             break;
     }
-    return {ShelfAppearanceMode::system,
-            Color::clear(),
-            white.withAlpha(0.10),
-            white.withAlpha(0.25),
-            white,
-            Color::label(),
+    return {ShelfAppearanceMode::system, Color::clear(), white.withAlpha(0.10),
+            white.withAlpha(0.25),       white,          Color::label(),
             black.withAlpha(0.10)};
 }
 
@@ -84,7 +72,8 @@ std::optional<Color> colorFromHex(std::string_view text) {
     auto [end, problem] = std::from_chars(text.data(), text.data() + text.size(), value, 16);
     bool isWhole = problem == std::errc() && end == text.data() + text.size();
     if (text.size() != 6 || !isWhole) return std::nullopt;
-    return Color{static_cast<double>(value >> 16U) / 255, static_cast<double>(value >> 8U & 255U) / 255,
+    return Color{static_cast<double>(value >> 16U) / 255,
+                 static_cast<double>(value >> 8U & 255U) / 255,
                  static_cast<double>(value & 255U) / 255, 1.0};
 }
 
@@ -93,8 +82,7 @@ std::string hexFromColor(Color color) {
     auto byte = [](double component) {
         return static_cast<int>(std::lround(std::clamp(component, 0.0, 1.0) * 255));
     };
-    return fmt::format("#{:02X}{:02X}{:02X}", byte(known.red), byte(known.green),
-                       byte(known.blue));
+    return fmt::format("#{:02X}{:02X}{:02X}", byte(known.red), byte(known.green), byte(known.blue));
 }
 
 double relativeLuminance(Color color) {

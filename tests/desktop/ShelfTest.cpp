@@ -174,9 +174,10 @@ TEST_F(Shelf, aSlotShowsWhatItsProgramDraws) {
     Rect open = openShelf();
     Rect slot = *iconIn(open, red, blue);
     EXPECT_LT(probeItem().place.maxX(), 0);
-    for (auto [left, right] : {std::pair{yellow, red}, {blue, yellow}}) {
-        probe->paint(left, right);
-        waitFor("the slot shows the new icon", [&] { return iconIn(open, left, right) == slot; });
+    for (const auto& icon : {std::pair{yellow, red}, {blue, yellow}}) {
+        probe->paint(icon.first, icon.second);
+        waitFor("the slot shows the new icon",
+                [&] { return iconIn(open, icon.first, icon.second) == slot; });
     }
 }
 

@@ -49,10 +49,11 @@ void SimPanel::bringViewToFront(const std::string& key) {
 
 void SimPanel::animateAlpha(double alpha, Animation animation, std::function<void()> done) {
     panelAlpha = alpha;
-    panels.loop.postAfter(animation.seconds, [stillThere = std::weak_ptr(alive), call = std::move(done)] {
-        auto there = stillThere.lock();
-        if (there && *there && call) call();
-    });
+    panels.loop.postAfter(animation.seconds,
+                          [stillThere = std::weak_ptr(alive), call = std::move(done)] {
+                              auto there = stillThere.lock();
+                              if (there && *there && call) call();
+                          });
 }
 
 void SimPanel::orderFront() {
@@ -62,8 +63,8 @@ void SimPanel::orderFront() {
     if (window.mapped) return;
     window.mapped = true;
     const Rect& place = configuration.frame;
-    panels.trace.note("panel", fmt::format("{}x{} at {},{}", place.width, place.height, place.x,
-                                           place.y));
+    panels.trace.note("panel",
+                      fmt::format("{}x{} at {},{}", place.width, place.height, place.x, place.y));
 }
 
 void SimPanel::orderOut() {

@@ -65,8 +65,8 @@ private:
 /// The program's panels.
 class SimPanels : public Panels {
 public:
-    SimPanels(SimRunLoop& runLoop, SimWindows& allWindows, SimScreens& allScreens,
-              SimProgram& self, SimTrace& to)
+    SimPanels(SimRunLoop& runLoop, SimWindows& allWindows, SimScreens& allScreens, SimProgram& self,
+              SimTrace& to)
         : loop(runLoop), windows(allWindows), screens(allScreens), program(self), trace(to) {}
 
     std::unique_ptr<Panel> create(const PanelConfiguration& configuration) override;
