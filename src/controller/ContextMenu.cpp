@@ -39,9 +39,8 @@ std::vector<MenuItem> StatusBarController::contextMenu() {
             if (auto self = weak.lock()) ((*self).*action)();
         };
     };
-    MenuItem settings = row("menu_bar.context_menu.settings", ",", "gearshape", nullptr);
-    // There is no settings window yet.
-    settings.isEnabled = false;
+    MenuItem settings = row("menu_bar.context_menu.settings", ",", "gearshape",
+                            bound(&StatusBarController::openSettings));
     MenuItem updates =
         row("menu_bar.context_menu.check_for_updates", "", "arrow.clockwise", nullptr);
     updates.action = [weak, updates] {
@@ -62,6 +61,8 @@ void StatusBarController::checkForUpdatesFromMenu(const MenuItem& item) {
     platform.application.activate();
     checkForUpdates(&item);
 }
+
+void StatusBarController::openSettings() { services.openSettings(); }
 
 void StatusBarController::openAbout() {
     platform.application.activate();

@@ -3,6 +3,7 @@
 #include "controller/StatusBarController.h"
 #include "core/Texts.h"
 #include "core/debugLog.h"
+#include "surfaces/controls.h"
 
 namespace nevo {
 
@@ -13,15 +14,25 @@ constexpr double promptSymbolSize = 88;
 /// A moment after this process has gone.
 constexpr const char* restartScript = "sleep 0.7; open \"$1\"";
 
-PromptText line(const std::string& name, double size) {
-    std::string key = "shelf.screen_recording_prompt." + name;
-    return {key, text(key), size};
-}
+/// What the prompt offers.
+struct ShelfScreenRecordingPromptView {
+    std::function<void()> openSettings;
+    std::function<void()> restartNevo;
+    std::function<void()> close;
 
-PromptButton button(const std::string& name, std::function<void()> action) {
-    std::string key = "shelf.screen_recording_prompt." + name;
-    return {key, text(key), std::move(action)};
-}
+    Control content() const {
+        const std::string key = "shelf.screen_recording_prompt.";
+        Control symbol;
+        symbol.kind = Control::Kind::symbol;
+        symbol.symbol = "rectangle.on.rectangle.badge.gearshape";
+        symbol.number = promptSymbolSize;
+        return columnOf(
+            {symbol, textOf(key + "title", Control::TextStyle::largeTitle), textOf(key + "body"),
+             textOf(key + "note", Control::TextStyle::note),
+             rowOf({buttonOf(key + "open_settings", openSettings), buttonOf(key + "not_now", close),
+                    buttonOf(key + "restart", restartNevo)})});
+    }
+};
 
 }  // namespace
 
@@ -59,32 +70,28 @@ void StatusBarController::shelfHasClosed() {
 
 void StatusBarController::showShelfScreenRecordingPrompt() {
     if (shelfScreenRecordingPrompt && shelfScreenRecordingPrompt->isVisible()) {
-        shelfScreenRecordingPrompt->bringToFront();
+        shelfScreenRecordingPrompt->makeKeyAndOrderFront();
         platform.application.activate();
         return;
     }
     auto weak = weak_from_this();
-    PromptContent content;
-    content.windowTitle = text("shelf.screen_recording_prompt.window_title");
-    content.size = promptSize;
-    content.symbol = "rectangle.on.rectangle.badge.gearshape";
-    content.symbolSize = promptSymbolSize;
-    content.texts = {line("title", 24), line("body", 14), line("note", 12)};
-    content.buttons = {button("open_settings",
-                              [weak] {
-                                  if (auto self = weak.lock())
-                                      self->services.screenCapture.openScreenRecordingSettings();
-                              }),
-                       button("not_now",
-                              [weak] {
-                                  if (auto self = weak.lock())
-                                      self->shelfScreenRecordingPrompt.reset();
-                              }),
-                       button("restart", [weak] {
-                           if (auto self = weak.lock()) self->restartNevo();
-                       })};
-    shelfScreenRecordingPrompt = platform.prompts.create(std::move(content));
-    shelfScreenRecordingPrompt->bringToFront();
+    ShelfScreenRecordingPromptView view{
+        [weak] {
+            if (auto self = weak.lock()) self->services.screenCapture.openScreenRecordingSettings();
+        },
+        [weak] {
+            if (auto self = weak.lock()) self->restartNevo();
+        },
+        [weak] {
+            if (auto self = weak.lock()) self->shelfScreenRecordingPrompt.reset();
+        }};
+    WindowConfiguration made;
+    made.name = "screen-recording-prompt";
+    made.title = text("shelf.screen_recording_prompt.window_title");
+    made.size = promptSize;
+    shelfScreenRecordingPrompt = platform.surfaceWindows.create(made);
+    shelfScreenRecordingPrompt->setContent(view.content());
+    shelfScreenRecordingPrompt->makeKeyAndOrderFront();
     platform.application.activate();
 }
 

@@ -29,6 +29,8 @@ struct SharedServices {
     MenuBarScanner& scanner;
     ItemMover& mover;
     OnboardingCoordinator& onboarding;
+    /// Opens the settings window.
+    std::function<void()> openSettings;
     /// Told when a flow that the controller opened has brought the accessibility permission.
     std::function<void()> accessibilityGranted;
 };
@@ -268,6 +270,7 @@ private:
     void showContextMenu();
     std::vector<MenuItem> contextMenu();
     void checkForUpdatesFromMenu(const MenuItem& item);
+    void openSettings();
     void openAbout();
     void quitApp();
 
@@ -327,7 +330,7 @@ private:
 
     std::shared_ptr<NevoBar> nevoBar;
     std::shared_ptr<ShelfController> shelfController;
-    std::unique_ptr<Prompt> shelfScreenRecordingPrompt;
+    std::unique_ptr<Window> shelfScreenRecordingPrompt;
     std::shared_ptr<DecoyPanelController> decoyController;
 
     /// The displays at the last notification.

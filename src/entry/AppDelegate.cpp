@@ -12,9 +12,11 @@ AppDelegate::AppDelegate(const Platform& desktop)
       screenCapture(desktop),
       scanner(desktop, screenCapture),
       mover(desktop),
-      onboarding(desktop.defaults) {}
+      accessibility(desktop),
+      onboarding(OnboardingCoordinator::create(desktop, accessibility)) {}
 
 void AppDelegate::applicationDidFinishLaunching() {
+    startUpdater();
     appState.setIsExpanded(true);
     startServices();
 
@@ -22,13 +24,19 @@ void AppDelegate::applicationDidFinishLaunching() {
     auto start = [weak] {
         if (auto self = weak.lock()) self->startServices();
     };
-    onboarding.onReady = start;
-    onboarding.onComplete = start;
+    onboarding->onReady = start;
+    onboarding->onComplete = [weak] {
+        auto self = weak.lock();
+        if (!self) return;
+        self->startServices();
+        self->accessibility.promptMoveToApplicationsIfNeeded();
+    };
     if (storedBool(platform.defaults.standard(), onboardingCompletedKey)) {
-        onboarding.notifyReady();
+        onboarding->notifyReady();
         startServices();
+        accessibility.promptMoveToApplicationsIfNeeded();
     } else {
-        onboarding.show(OnboardingStep::welcome);
+        onboarding->show(OnboardingStep::welcome);
     }
 }
 
@@ -50,7 +58,20 @@ void AppDelegate::startFirstServices() {
         self->hotKeyService = std::make_unique<HotKeyService>(self->platform, self->appState);
         self->registerHotKey();
     };
-    SharedServices services{screenCapture, scanner, mover, onboarding, granted};
+    settings =
+        SettingsWindowController::create({platform, appState, scanner, accessibility,
+                                          [weak] {
+                                              if (auto self = weak.lock())
+                                                  self->checkForUpdates(nullptr);
+                                          },
+                                          [weak]() -> Updater* {
+                                              auto self = weak.lock();
+                                              return self ? self->updaterController.get() : nullptr;
+                                          }});
+    auto openSettings = [window = std::weak_ptr(settings)] {
+        if (auto open = window.lock()) open->showSettings();
+    };
+    SharedServices services{screenCapture, scanner, mover, *onboarding, openSettings, granted};
     statusBarController =
         StatusBarController::create(platform, appState, services, [weak](const MenuItem* sender) {
             if (auto self = weak.lock()) self->checkForUpdates(sender);
@@ -105,10 +126,8 @@ void AppDelegate::registerHotKey() {
 void AppDelegate::applicationWillTerminate() {
     if (statusBarController) statusBarController->tearDown();
     if (hotKeyService) hotKeyService->unregister();
-}
-
-void AppDelegate::checkForUpdates(const MenuItem*) {
-    debugLog("[Updates] check requested but Sparkle updater is unavailable");
+    onboarding->close();
+    if (settings) settings->close();
 }
 
 }  // namespace nevo

@@ -5,6 +5,7 @@
 #include "controller/StatusBarController.h"
 #include "shelf/SecondaryMenuBarCoverController.h"
 #include "surfaces/HotKeyService.h"
+#include "surfaces/SettingsWindowController.h"
 
 namespace nevo {
 
@@ -22,7 +23,7 @@ public:
     void checkForUpdates(const MenuItem* sender);
 
     AppState& state() { return appState; }
-    OnboardingCoordinator& onboardingCoordinator() { return onboarding; }
+    OnboardingCoordinator& onboardingCoordinator() { return *onboarding; }
     const ItemMover& itemMover() const { return mover; }
     /// nullptr before the first services have started.
     StatusBarController* controller() { return statusBarController.get(); }
@@ -34,17 +35,29 @@ private:
     void registerHotKey();
     void coverSecondaryBars();
     void applyCoverSetting(bool wanted);
+    // Updates.
+    /// Whether the installation says by which key its updates are signed.
+    bool hasUpdateKey() const;
+    void startUpdater();
+    void comeForUpdates();
+    void restoreActivationPolicy();
 
     const Platform& platform;
     AppState appState;
     ScreenCaptureService screenCapture;
     MenuBarScanner scanner;
     ItemMover mover;
-    OnboardingCoordinator onboarding;
+    AccessibilityService accessibility;
+    std::shared_ptr<OnboardingCoordinator> onboarding;
+    std::shared_ptr<SettingsWindowController> settings;
     std::shared_ptr<StatusBarController> statusBarController;
     std::shared_ptr<SecondaryMenuBarCoverController> secondaryCover;
     Registration defaultsObserver;
     Registration displayModeObserver;
+    /// nullptr where the program isn't updated by itself.
+    std::unique_ptr<Updater> updaterController;
+    /// To be put back when an update session ends.
+    std::optional<ActivationPolicy> updateCheckPreviousActivationPolicy;
     /// Stands for the services that need the accessibility permission: nothing before they have
     /// started. A permission that is taken away later stops nothing.
     std::unique_ptr<HotKeyService> hotKeyService;

@@ -22,6 +22,9 @@ public:
     virtual ~Accessibility() = default;
     /// `AXIsProcessTrusted`. Never prompts.
     virtual bool isProcessTrusted() const = 0;
+    /// Has the system ask the user for that trust (`AXIsProcessTrustedWithOptions` with the
+    /// prompt).
+    virtual void promptForTrust() = 0;
     /// The children ("AXChildren") of the application's "AXExtrasMenuBar"; nothing when it has no
     /// such bar, or doesn't answer.
     virtual std::optional<std::vector<AccessibilityElement>> extrasMenuBarChildren(

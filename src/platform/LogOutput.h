@@ -11,6 +11,8 @@ public:
     virtual void writeStandardError(std::string_view text) = 0;
     /// Standard output, for what is said outside the log.
     virtual void writeStandardOutput(std::string_view text) = 0;
+    /// The system's own log, at its default level (`os_log`).
+    virtual void writeSystemLog(std::string_view text) = 0;
     /// Appends to `nevo_debug.log` in the user's home directory, or makes it.
     virtual void appendToLogFile(std::string_view text) = 0;
 };

@@ -1,21 +1,26 @@
 #pragma once
 
 #include "platform/Accessibility.h"
+#include "platform/Alerts.h"
 #include "platform/Application.h"
+#include "platform/ChildProcesses.h"
 #include "platform/Events.h"
+#include "platform/Files.h"
 #include "platform/HotKeys.h"
 #include "platform/Images.h"
 #include "platform/LogOutput.h"
+#include "platform/LoginItem.h"
 #include "platform/Menus.h"
 #include "platform/NotificationCenter.h"
 #include "platform/Panels.h"
-#include "platform/Prompts.h"
 #include "platform/RunLoop.h"
 #include "platform/ScreenCapture.h"
 #include "platform/Screens.h"
 #include "platform/StatusBar.h"
+#include "platform/Updates.h"
 #include "platform/UserDefaults.h"
 #include "platform/WindowServer.h"
+#include "platform/Windows.h"
 #include "platform/Workspace.h"
 
 namespace nevo {
@@ -41,7 +46,11 @@ struct Platform {
     Panels& panels;
     Menus& menus;
     Popovers& popovers;
-    Prompts& prompts;
+    Windows& surfaceWindows;
+    Alerts& alerts;
+    Files& files;
+    LoginItem& loginItem;
+    Updaters& updaters;
     ChildProcesses& childProcesses;
     LogOutput& log;
 };

@@ -7,6 +7,7 @@
 
 #include "platform/Geometry.h"
 #include "platform/Image.h"
+#include "platform/Result.h"
 
 namespace nevo {
 
@@ -14,13 +15,6 @@ namespace nevo {
 struct ShareableWindow {
     WindowNumber windowID = 0;
     Rect frame;
-};
-
-/// A result of an asynchronous call: a value, or the text of what went wrong.
-template <typename T>
-struct Result {
-    std::optional<T> value;
-    std::string error;
 };
 
 /// How one window is captured (`SCStreamConfiguration`).

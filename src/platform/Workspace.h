@@ -35,6 +35,8 @@ public:
     /// The first running instance (`runningApplicationsWithBundleIdentifier:`).
     virtual std::optional<RunningApplication> runningApplication(
         const std::string& bundleIdentifier) const = 0;
+    /// The one whose windows take the keys (`frontmostApplication`); nothing when that is unknown.
+    virtual std::optional<RunningApplication> frontmostApplication() const = 0;
     /// `activateWithOptions:` 0. False when it is gone.
     virtual bool activate(ProcessId pid) = 0;
 

@@ -225,7 +225,7 @@ std::optional<Broken> Invariants::checkEnd() {
         return left("tasks", desktop.loop.tasks().liveCount());
     if (desktop.statusBar.itemCount() > 0) return left("items", desktop.statusBar.itemCount());
     if (desktop.panels.count() > 0) return left("panels", desktop.panels.count());
-    if (desktop.prompts.open() != nullptr) return left("prompts", 1);
+    if (desktop.controlWindows.count() > 0) return left("windows", desktop.controlWindows.count());
 
     bool due = leftoversDueAt && desktop.loop.now() >= *leftoversDueAt && desktop.bar.hasSettled();
     if (!due) return std::nullopt;

@@ -82,12 +82,13 @@ Lines clickDecoy(Stage& stage) {
 }
 
 Lines answerPrompt(Stage& stage) {
-    const PromptContent* prompt = stage.desktop.prompts.open();
-    if (prompt == nullptr) return {};
-    std::vector<std::string> keys;
-    for (const PromptButton& button : prompt->buttons) keys.push_back(button.key);
-    Lines lines{stage.random.chance(30) ? "close-prompt"
-                                        : "press-button " + stage.random.oneOf(keys)};
+    if (stage.desktop.controlWindows.named("screen-recording-prompt") == nullptr) return {};
+    const char* button = stage.random.oneOf({"open_settings", "not_now", "restart"});
+    bool isInFront =
+        stage.desktop.controlWindows.front()->configuration.name == "screen-recording-prompt";
+    Lines lines{isInFront && stage.random.chance(30)
+                    ? std::string("close-front")
+                    : std::string("press-button shelf.screen_recording_prompt.") + button};
     if (stage.random.chance(60)) lines.push_back("permission screen-recording granted");
     return lines;
 }

@@ -9,9 +9,9 @@ namespace nevo {
 const std::vector<Command>& commands() {
     static const std::vector<Command> table = [] {
         std::vector<Command> all;
-        for (auto group :
-             {displayCommands, programCommands, nevoCommands, inputCommands, storeCommands,
-              timeCommands, barExpectations, nevoExpectations, panelCommands}) {
+        for (auto group : {displayCommands, programCommands, nevoCommands, inputCommands,
+                           storeCommands, timeCommands, barExpectations, nevoExpectations,
+                           panelCommands, controlCommands, installationCommands}) {
             for (Command& command : group()) all.push_back(std::move(command));
         }
         return all;

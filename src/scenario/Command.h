@@ -65,5 +65,7 @@ std::vector<Command> timeCommands();
 std::vector<Command> barExpectations();
 std::vector<Command> nevoExpectations();
 std::vector<Command> panelCommands();
+std::vector<Command> controlCommands();
+std::vector<Command> installationCommands();
 
 }  // namespace nevo

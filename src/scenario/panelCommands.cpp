@@ -102,34 +102,6 @@ Step readCovers(LineReader& reader) {
     };
 }
 
-Step readPrompt(LineReader& reader) {
-    std::string expected = reader.choice("the state", {"shown", "closed"});
-    return [expected](ScenarioRun& run) {
-        bool shown = run.desktop().prompts.open() != nullptr;
-        return Outcome::compare("the prompt", expected, shown ? "shown" : "closed");
-    };
-}
-
-Step readPressButton(LineReader& reader) {
-    std::string key = reader.word("KEY");
-    return [key](ScenarioRun& run) {
-        if (run.desktop().prompts.press(key)) return Outcome{};
-        const PromptContent* open = run.desktop().prompts.open();
-        if (open == nullptr) return Outcome::unreadable("no prompt is open");
-        std::vector<std::string> keys;
-        for (const PromptButton& button : open->buttons) keys.push_back(button.key);
-        return Outcome::unreadable("the prompt has no button \"" + key + "\"; it has " +
-                                   listed(keys));
-    };
-}
-
-Step readClosePrompt(LineReader&) {
-    return [](ScenarioRun& run) {
-        run.desktop().prompts.close();
-        return Outcome{};
-    };
-}
-
 }  // namespace
 
 SimPanel* panelWith(ScenarioRun& run, const std::string& keyPrefix) {
@@ -156,8 +128,6 @@ std::optional<Rect> pictureOf(ScenarioRun& run, const std::string& kind, WindowN
 
 std::vector<Command> panelCommands() {
     return {
-        {"press-button", "KEY", "Presses a button of the open prompt.", readPressButton},
-        {"close-prompt", "", "Closes the open prompt by its window's button.", readClosePrompt},
         {"expect shelf", "shown|closed [ITEM]...",
          "Whether the shelf can be seen, and the items in its slots from left to right.",
          readShelf},
@@ -170,7 +140,6 @@ std::vector<Command> panelCommands() {
         {"expect decoys", "[ITEM]...", "The items that decoys stand for, from left to right.",
          readDecoys},
         {"expect covers", "COUNT", "How many displays have their menu bar covered.", readCovers},
-        {"expect prompt", "shown|closed", "Whether a prompt is open.", readPrompt},
     };
 }
 

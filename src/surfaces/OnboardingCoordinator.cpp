@@ -1,16 +1,83 @@
 #include "surfaces/OnboardingCoordinator.h"
 
+#include <utility>
+
+#include "core/StoredValues.h"
+#include "core/Texts.h"
+
 namespace nevo {
 
-OnboardingCoordinator::OnboardingCoordinator(UserDefaults& store) : defaults(store) {}
+namespace {
 
-void OnboardingCoordinator::show(OnboardingStep at) { step = at; }
+constexpr Size windowSize{480, 720};
+constexpr int normalLevel = 0;
+constexpr int floatingLevel = 3;
+/// Move to the active space, stand beside full screen.
+constexpr unsigned windowCollection = 258;
+/// The system's dialog has come up by then.
+constexpr double requestTime = 3.0;
+constexpr const char* systemSettings[] = {"com.apple.systempreferences",
+                                          "com.apple.SystemSettings"};
+
+}  // namespace
+
+OnboardingCoordinator::OnboardingCoordinator(const Platform& desktop, AccessibilityService& service)
+    : platform(desktop), accessibility(service) {}
+
+std::shared_ptr<OnboardingCoordinator> OnboardingCoordinator::create(
+    const Platform& platform, AccessibilityService& accessibility) {
+    return std::shared_ptr<OnboardingCoordinator>(
+        new OnboardingCoordinator(platform, accessibility));
+}
+
+void OnboardingCoordinator::show(OnboardingStep step) {
+    auto weak = weak_from_this();
+    auto held = [weak](void (OnboardingCoordinator::*action)()) {
+        return [weak, action] {
+            if (auto self = weak.lock()) ((*self).*action)();
+        };
+    };
+    OnboardingRootView::Callbacks callbacks;
+    callbacks.onReady = held(&OnboardingCoordinator::notifyReady);
+    callbacks.markComplete = held(&OnboardingCoordinator::markComplete);
+    callbacks.onFinish = held(&OnboardingCoordinator::finish);
+    callbacks.changed = held(&OnboardingCoordinator::refreshSoon);
+    callbacks.performSystemPermissionRequest = [weak](const std::function<void()>& action) {
+        if (auto self = weak.lock()) self->performSystemPermissionRequest(action);
+    };
+    auto mode = storedString(platform.defaults.standard(), "displayMode").value_or("push");
+    root = OnboardingRootView::create(platform, accessibility, step, mode, std::move(callbacks));
+
+    WindowConfiguration made;
+    made.name = "first-run";
+    made.title = text("onboarding.window.title");
+    made.size = windowSize;
+    made.level = floatingLevel;
+    made.collectionBehavior = windowCollection;
+    made.isBare = true;
+    made.isMovableByBackground = true;
+    window = platform.surfaceWindows.create(made);
+    // Closed in another way than by its own button: the same to the user.
+    window->didClose = [weak, &runLoop = platform.runLoop] {
+        runLoop.post([weak] {
+            if (auto self = weak.lock()) self->finish();
+        });
+    };
+    window->setContent(root->content());
+    window->makeKeyAndOrderFront();
+    platform.application.activate();
+}
 
 void OnboardingCoordinator::showPermissions(std::function<void()> ready,
                                             std::function<void()> complete) {
     onReady = std::move(ready);
     onComplete = std::move(complete);
-    if (!step) show(OnboardingStep::permissions);
+    if (!window) {
+        show(OnboardingStep::permissions);
+        return;
+    }
+    window->makeKeyAndOrderFront();
+    platform.application.activate();
 }
 
 void OnboardingCoordinator::notifyReady() {
@@ -20,15 +87,58 @@ void OnboardingCoordinator::notifyReady() {
     if (auto ready = onReady) ready();
 }
 
+void OnboardingCoordinator::markComplete() {
+    platform.defaults.standard().set(onboardingCompletedKey, true);
+    platform.defaults.standard().synchronize();
+}
+
+void OnboardingCoordinator::performSystemPermissionRequest(const std::function<void()>& action) {
+    restoreWindowLevelWorkItem.reset();
+    window->setLevel(normalLevel);
+    window->orderBack();
+    action();
+    restoreWindowLevelWorkItem =
+        platform.runLoop.timer(requestTime, false, [weak = weak_from_this()] {
+            if (auto self = weak.lock()) self->restoreWindowLevel();
+        });
+}
+
+void OnboardingCoordinator::restoreWindowLevel() {
+    if (!window) return;
+    window->setLevel(floatingLevel);
+    auto front = platform.workspace.frontmostApplication();
+    for (const char* settings : systemSettings) {
+        if (front && front->bundleIdentifier == settings) return;
+    }
+    window->makeKeyAndOrderFront();
+    platform.application.activate();
+}
+
+void OnboardingCoordinator::refreshSoon() {
+    // It comes from the middle of a control's own event.
+    platform.runLoop.post([weak = weak_from_this()] {
+        auto self = weak.lock();
+        if (self && self->window && self->root) self->window->setContent(self->root->content());
+    });
+}
+
 void OnboardingCoordinator::finish() {
+    // The call may come from the view.
+    auto ending = root;
     notifyReady();
-    defaults.standard().set(onboardingCompletedKey, true);
-    defaults.standard().synchronize();
-    step.reset();
+    markComplete();
+    close();
     if (auto complete = onComplete) complete();
     onComplete = nullptr;
     onReady = nullptr;
     didNotifyReady = false;
+}
+
+void OnboardingCoordinator::close() {
+    restoreWindowLevelWorkItem.reset();
+    if (window) window->close();
+    window.reset();
+    root.reset();
 }
 
 }  // namespace nevo

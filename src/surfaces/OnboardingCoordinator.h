@@ -1,22 +1,22 @@
 #pragma once
 
 #include <functional>
+#include <memory>
 #include <optional>
 
-#include "platform/UserDefaults.h"
+#include "surfaces/OnboardingRootView.h"
 
 namespace nevo {
-
-enum class OnboardingStep { welcome, features, modeSelect, permissions };
 
 inline constexpr const char* onboardingCompletedKey = "nevo_onboarding_completed";
 
 /// Leads a new user in, and later asks for the permissions again. One for the process. Keeps what
 /// the flow tells the rest of the program; `onReady` runs when services may start, `onComplete`
 /// when the flow has ended.
-class OnboardingCoordinator {
+class OnboardingCoordinator : public std::enable_shared_from_this<OnboardingCoordinator> {
 public:
-    explicit OnboardingCoordinator(UserDefaults& defaults);
+    static std::shared_ptr<OnboardingCoordinator> create(const Platform& platform,
+                                                         AccessibilityService& accessibility);
 
     std::function<void()> onReady;
     std::function<void()> onComplete;
@@ -29,16 +29,29 @@ public:
     void showPermissions(std::function<void()> ready, std::function<void()> complete);
     /// Runs `onReady` unless it has run.
     void notifyReady();
-    /// Ends the flow: `notifyReady`, the completion is stored, `onComplete`; then both callbacks
-    /// are cleared.
+    /// Ends the flow: `notifyReady`, the completion is stored, the window goes, `onComplete`; then
+    /// both callbacks are cleared.
     void finish();
+    /// Takes the window away without a word, at the end of the program.
+    void close();
 
     /// The step the flow is open at; nothing while it is closed.
-    std::optional<OnboardingStep> openStep() const { return step; }
+    std::optional<OnboardingStep> openStep() const {
+        return root ? std::optional(root->step()) : std::nullopt;
+    }
 
 private:
-    UserDefaults& defaults;
-    std::optional<OnboardingStep> step;
+    OnboardingCoordinator(const Platform& platform, AccessibilityService& accessibility);
+    void markComplete();
+    void performSystemPermissionRequest(const std::function<void()>& action);
+    void restoreWindowLevel();
+    void refreshSoon();
+
+    const Platform& platform;
+    AccessibilityService& accessibility;
+    std::unique_ptr<Window> window;
+    std::shared_ptr<OnboardingRootView> root;
+    Registration restoreWindowLevelWorkItem;
 };
 
 }  // namespace nevo

@@ -126,7 +126,7 @@ TEST_F(InvariantsTest, AfterTheEndNothingIsLeft) {
     auto panel = desktop.panels.create({});
     EXPECT_EQ(afterLine(), "left-over");
     panel.reset();
-    auto prompt = desktop.prompts.create({});
+    auto window = desktop.controlWindows.create({});
     EXPECT_EQ(afterLine(), "left-over");
 }
 
@@ -212,7 +212,7 @@ TEST_F(ShelfInvariantsTest, WhatWasBroughtOutGoesBack) {
 
 TEST_F(ShelfInvariantsTest, PanelsDontPileUp) {
     std::vector<std::unique_ptr<Panel>> hoard;
-    for (int i = 0; i < 4; ++i) hoard.push_back(desktop.panels.create({}));
+    for (int i = 0; i < 3; ++i) hoard.push_back(desktop.panels.create({}));
     EXPECT_EQ(atRest(), "growth");
 }
 

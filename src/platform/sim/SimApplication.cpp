@@ -2,6 +2,11 @@
 
 namespace nevo {
 
+std::optional<std::string> SimApplication::informationText(const std::string& key) const {
+    auto found = information.find(key);
+    return found == information.end() ? std::nullopt : std::optional(found->second);
+}
+
 void SimApplication::orderFrontStandardAboutPanel() {
     aboutPanel = true;
     trace.note("panel", "about");

@@ -1,5 +1,7 @@
 #pragma once
 
+#include <map>
+
 #include "platform/Application.h"
 #include "platform/sim/SimWorkspace.h"
 
@@ -13,7 +15,10 @@ public:
 
     std::string bundleIdentifier() const override { return program.bundleIdentifier; }
     ProcessId processIdentifier() const override { return program.pid; }
-    std::string bundlePath() const override { return "/Applications/" + program.name + ".app"; }
+    std::string bundlePath() const override { return path; }
+    std::string applicationsFolder() const override { return "/Applications/"; }
+    std::optional<std::string> informationText(const std::string& key) const override;
+    std::vector<std::string> preferredLanguages() const override { return languages; }
     void setActivationPolicy(ActivationPolicy policy) override { workspace.ownPolicy = policy; }
     ActivationPolicy activationPolicy() const override { return workspace.ownPolicy; }
     void activate() override { workspace.activate(program.pid); }
@@ -28,6 +33,12 @@ public:
     /// Whether the last process died instead of quitting.
     bool hasCrashed() const { return crashed; }
     bool isAboutPanelShown() const { return aboutPanel; }
+
+    /// Where the program is installed, and the texts of its information dictionary.
+    std::string path = "/Applications/Nevo.app";
+    std::map<std::string, std::string> information;
+    /// What the user wants to read, best first.
+    std::vector<std::string> languages{"en"};
 
 private:
     void end(const char* how);

@@ -21,8 +21,12 @@ SimDesktop::SimDesktop()
       images(faults),
       menus(trace),
       popovers(trace),
-      prompts(trace),
-      childProcesses(trace),
+      controlWindows(trace),
+      alerts(trace),
+      files(faults, trace),
+      loginItem(faults, trace),
+      updaters(trace),
+      childProcesses(faults, trace),
       application(loop, program, workspace, trace) {
     defaults.setOwnDomain(program.bundleIdentifier);
     events.pressedElsewhere = [this] { popovers.closeAll(); };
@@ -30,26 +34,14 @@ SimDesktop::SimDesktop()
 }
 
 Platform SimDesktop::platform() {
-    return Platform{loop,
-                    notifications,
-                    workspaceNotifications,
-                    defaults,
-                    application,
-                    statusBar,
-                    windowServer,
-                    events,
-                    hotKeys,
-                    screens,
-                    workspace,
-                    accessibility,
-                    screenCapture,
-                    images,
-                    panels,
-                    menus,
-                    popovers,
-                    prompts,
-                    childProcesses,
-                    log};
+    return Platform{loop,          notifications,  workspaceNotifications,
+                    defaults,      application,    statusBar,
+                    windowServer,  events,         hotKeys,
+                    screens,       workspace,      accessibility,
+                    screenCapture, images,         panels,
+                    menus,         popovers,       controlWindows,
+                    alerts,        files,          loginItem,
+                    updaters,      childProcesses, log};
 }
 
 bool SimDesktop::start(const std::function<std::shared_ptr<void>(Platform)>& make) {

@@ -2,11 +2,12 @@
 
 #include "platform/Platform.h"
 #include "platform/sim/SimApplication.h"
+#include "platform/sim/SimControlWindows.h"
 #include "platform/sim/SimEvents.h"
 #include "platform/sim/SimHotKeys.h"
 #include "platform/sim/SimImages.h"
+#include "platform/sim/SimInstallation.h"
 #include "platform/sim/SimMenus.h"
-#include "platform/sim/SimPrompts.h"
 #include "platform/sim/SimScreenCapture.h"
 
 namespace nevo {
@@ -63,7 +64,11 @@ public:
     SimImages images;
     SimMenus menus;
     SimPopovers popovers;
-    SimPrompts prompts;
+    SimControlWindows controlWindows;
+    SimAlerts alerts;
+    SimFiles files;
+    SimLoginItem loginItem;
+    SimUpdaters updaters;
     SimChildProcesses childProcesses;
     SimApplication application;
 

@@ -42,6 +42,10 @@ const std::vector<std::string>& SimFaults::names() {
         "systemSymbol",
         "openUrl",
         "extrasMenuBar",
+        "trashFile",
+        "moveFile",
+        "loginItem",
+        "childProcess",
     };
     return all;
 }

@@ -47,6 +47,10 @@ enum class SimOperation {
     systemSymbol,
     openUrl,
     extrasMenuBar,
+    trashFile,
+    moveFile,
+    loginItem,
+    childProcess,
 };
 
 /// The failures that a script has asked for.

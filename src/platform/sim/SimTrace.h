@@ -37,6 +37,10 @@ public:
 
     void writeStandardError(std::string_view text) override;
     void writeStandardOutput(std::string_view text) override;
+    /// Counts as printed.
+    void writeSystemLog(std::string_view text) override {
+        writeStandardOutput(std::string(text) + "\n");
+    }
     void appendToLogFile(std::string_view text) override {
         if (trace.keepsLines) file += text;
     }

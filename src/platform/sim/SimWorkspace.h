@@ -27,6 +27,9 @@ public:
     std::optional<RunningApplication> runningApplication(ProcessId pid) const override;
     std::optional<RunningApplication> runningApplication(
         const std::string& bundleIdentifier) const override;
+    std::optional<RunningApplication> frontmostApplication() const override {
+        return runningApplication(active);
+    }
     bool activate(ProcessId pid) override;
     /// Every program that the scenario knows is installed, running or not.
     std::optional<std::string> applicationPath(const std::string& bundleIdentifier) const override;
@@ -66,14 +69,19 @@ public:
         : applications(others), windows(allWindows), faults(scripted), permissions(permitted) {}
 
     bool isProcessTrusted() const override { return permissions.accessibility; }
+    void promptForTrust() override { ++prompts; }
     std::optional<std::vector<AccessibilityElement>> extrasMenuBarChildren(
         ProcessId pid) const override;
+
+    /// How often the program has had the user asked.
+    int promptCount() const { return prompts; }
 
 private:
     SimApplications& applications;
     SimWindows& windows;
     SimFaults& faults;
     const SimPermissions& permissions;
+    int prompts = 0;
 };
 
 }  // namespace nevo

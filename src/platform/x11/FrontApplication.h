@@ -21,6 +21,9 @@ public:
     FrontApplication(const FrontApplication&) = delete;
     FrontApplication& operator=(const FrontApplication&) = delete;
 
+    /// Of the one that was told last; 0 before.
+    ProcessId pid() const { return announced ? announced->pid : 0; }
+
 private:
     struct Owner {
         ProcessId pid = 0;

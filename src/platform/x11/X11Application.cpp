@@ -3,6 +3,7 @@
 #include <fcntl.h>
 #include <unistd.h>
 
+#include <QLocale>
 #include <QMessageBox>
 #include <QTimer>
 #include <array>
@@ -60,6 +61,12 @@ ProcessId X11Application::processIdentifier() const { return getpid(); }
 
 std::string X11Application::bundlePath() const {
     return QApplication::applicationFilePath().toStdString();
+}
+
+std::vector<std::string> X11Application::preferredLanguages() const {
+    std::vector<std::string> tags;
+    for (const QString& tag : QLocale::system().uiLanguages()) tags.push_back(tag.toStdString());
+    return tags;
 }
 
 void X11Application::activate() {

@@ -17,6 +17,13 @@ public:
     std::string bundleIdentifier() const override;
     ProcessId processIdentifier() const override;
     std::string bundlePath() const override;
+    /// Wherever a package has put it, it is in place.
+    std::string applicationsFolder() const override { return "/"; }
+    /// There is no such dictionary here.
+    std::optional<std::string> informationText(const std::string&) const override {
+        return std::nullopt;
+    }
+    std::vector<std::string> preferredLanguages() const override;
     void setActivationPolicy(ActivationPolicy newPolicy) override { policy = newPolicy; }
     ActivationPolicy activationPolicy() const override { return policy; }
     void activate() override;

@@ -7,20 +7,24 @@
 #include "platform/x11/FrontApplication.h"
 #include "platform/x11/LoginSession.h"
 #include "platform/x11/ProgramName.h"
+#include "platform/x11/X11Alerts.h"
 #include "platform/x11/X11Application.h"
+#include "platform/x11/X11ChildProcesses.h"
 #include "platform/x11/X11Defaults.h"
 #include "platform/x11/X11Events.h"
+#include "platform/x11/X11Files.h"
 #include "platform/x11/X11HotKeys.h"
 #include "platform/x11/X11Images.h"
 #include "platform/x11/X11LogOutput.h"
+#include "platform/x11/X11LoginItem.h"
 #include "platform/x11/X11Menus.h"
 #include "platform/x11/X11Panel.h"
-#include "platform/x11/X11Prompts.h"
 #include "platform/x11/X11RunLoop.h"
 #include "platform/x11/X11ScreenCapture.h"
 #include "platform/x11/X11Screens.h"
 #include "platform/x11/X11StatusBar.h"
 #include "platform/x11/X11WindowServer.h"
+#include "platform/x11/X11Windows.h"
 #include "platform/x11/X11Workspace.h"
 
 namespace nevo {
@@ -28,9 +32,16 @@ namespace nevo {
 namespace {
 
 /// Held by everybody; titles of extras come with the protocol that has them.
+/// The system's packages bring the updates.
+class NoUpdaters : public Updaters {
+public:
+    std::unique_ptr<Updater> create(UpdaterDelegate) override { return nullptr; }
+};
+
 class NoExtras : public Accessibility {
 public:
     bool isProcessTrusted() const override { return true; }
+    void promptForTrust() override {}
     std::optional<std::vector<AccessibilityElement>> extrasMenuBarChildren(
         ProcessId) const override {
         return std::nullopt;
@@ -80,7 +91,11 @@ struct X11Desktop::Parts {
     X11Panels panels;
     X11Menus menus;
     X11Popovers popovers;
-    X11Prompts prompts;
+    X11Windows surfaceWindows;
+    X11Alerts alerts;
+    X11Files files;
+    X11LoginItem loginItem;
+    NoUpdaters updaters;
     X11ChildProcesses childProcesses;
 
     Parts(XServer& x, int& argc, char** argv)
@@ -108,8 +123,10 @@ struct X11Desktop::Parts {
           panels(server, screens, monitors, numbers, compositor),
           menus(server, bar, images, compositor),
           popovers(server, bar, images, compositor),
-          prompts(images) {
+          surfaceWindows(images, server, pump),
+          loginItem(application.bundlePath()) {
         screens.setBar(&bar);
+        workspace.frontPid = [this] { return frontApplication.pid(); };
     }
 };
 
@@ -128,26 +145,14 @@ X11Desktop::~X11Desktop() = default;
 
 Platform X11Desktop::platform() {
     Parts& p = *parts;
-    return {p.loop,
-            p.notifications,
-            p.workspaceNotifications,
-            p.defaults,
-            p.application,
-            p.statusBar,
-            p.windows,
-            p.events,
-            p.hotKeys,
-            p.screens,
-            p.workspace,
-            p.accessibility,
-            p.capture,
-            p.images,
-            p.panels,
-            p.menus,
-            p.popovers,
-            p.prompts,
-            p.childProcesses,
-            p.log};
+    return {p.loop,     p.notifications,  p.workspaceNotifications,
+            p.defaults, p.application,    p.statusBar,
+            p.windows,  p.events,         p.hotKeys,
+            p.screens,  p.workspace,      p.accessibility,
+            p.capture,  p.images,         p.panels,
+            p.menus,    p.popovers,       p.surfaceWindows,
+            p.alerts,   p.files,          p.loginItem,
+            p.updaters, p.childProcesses, p.log};
 }
 
 int X11Desktop::run() {

@@ -1,6 +1,7 @@
 #include "platform/x11/X11LogOutput.h"
 
 #include <fcntl.h>
+#include <syslog.h>
 #include <unistd.h>
 
 #include <cerrno>
@@ -23,6 +24,10 @@ void writeAll(int descriptor, std::string_view text) {
 void X11LogOutput::writeStandardError(std::string_view text) { writeAll(STDERR_FILENO, text); }
 
 void X11LogOutput::writeStandardOutput(std::string_view text) { writeAll(STDOUT_FILENO, text); }
+
+void X11LogOutput::writeSystemLog(std::string_view text) {
+    syslog(LOG_NOTICE, "%.*s", static_cast<int>(text.size()), text.data());
+}
 
 void X11LogOutput::appendToLogFile(std::string_view text) {
     const char* home = std::getenv("HOME");

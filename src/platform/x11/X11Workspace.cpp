@@ -117,6 +117,11 @@ std::optional<Image> X11Workspace::icon(const std::string& appId) const {
     return known->second;
 }
 
+std::optional<RunningApplication> X11Workspace::frontmostApplication() const {
+    ProcessId pid = frontPid ? frontPid() : 0;
+    return pid > 0 ? runningApplication(pid) : std::nullopt;
+}
+
 bool X11Workspace::activate(ProcessId pid) { return clients.activate(pid) || isRunning(pid); }
 
 std::optional<std::string> X11Workspace::applicationPath(

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <functional>
 #include <map>
 
 #include "platform/Workspace.h"
@@ -18,10 +19,14 @@ public:
     std::optional<RunningApplication> runningApplication(ProcessId pid) const override;
     std::optional<RunningApplication> runningApplication(
         const std::string& bundleIdentifier) const override;
+    std::optional<RunningApplication> frontmostApplication() const override;
     bool activate(ProcessId pid) override;
     std::optional<std::string> applicationPath(const std::string& bundleIdentifier) const override;
     std::string displayName(const std::string& path) const override;
     bool openUrl(const std::string& url) override;
+
+    /// Tells which program is in front.
+    std::function<ProcessId()> frontPid;
 
 private:
     std::optional<Image> icon(const std::string& appId) const;

@@ -1,0 +1,58 @@
+#include "platform/x11/ControlRenderer.h"
+
+#include <QCoreApplication>
+#include <algorithm>
+
+#include "platform/x11/ControlParts.h"
+
+namespace nevo {
+
+ControlRenderer::ControlRenderer(PageArea& page, const Images& pictures)
+    : area(page), images(pictures) {}
+
+void ControlRenderer::show(Control content) {
+    QWidget* focused = area.window()->focusWidget();
+    QString name = focused ? focused->objectName() : QString();
+    if (!root || !root->canBecome(content)) {
+        if (!root || !root->resembles(content)) root = makeControlView(content, images);
+    }
+    // Before its children are in place, so that they get their window's font and colours.
+    area.setContent(root->widget(), true);
+    root->update(std::move(content));
+    area.setContent(root->widget(), root->fillsHeight());
+    keepFocus(focused, name);
+    // Layouts tell the ones around them by events.
+    QCoreApplication::sendPostedEvents(nullptr, QEvent::LayoutRequest);
+}
+
+void ControlRenderer::focusFirst() {
+    std::vector<QWidget*> all;
+    if (root) root->appendOperable(all);
+    auto first = std::find_if(all.begin(), all.end(), [](const QWidget* widget) {
+        return widget->isEnabled() && (widget->focusPolicy() & Qt::TabFocus) != 0;
+    });
+    if (first != all.end()) (*first)->setFocus(Qt::ActiveWindowFocusReason);
+}
+
+void ControlRenderer::refresh() {
+    if (root) root->refresh();
+}
+
+void ControlRenderer::keepFocus(QWidget* focused, const QString& name) {
+    std::vector<QWidget*> all;
+    root->appendOperable(all);
+    for (std::size_t i = 1; i < all.size(); ++i) QWidget::setTabOrder(all[i - 1], all[i]);
+    if (std::find(all.begin(), all.end(), focused) != all.end()) return;
+    auto again = std::find_if(all.begin(), all.end(), [&](const QWidget* widget) {
+        return !name.isEmpty() && widget->objectName() == name;
+    });
+    // A page that has just come: what is next to be done.
+    if (again == all.end()) {
+        again = std::find_if(all.begin(), all.end(), [](const QWidget* widget) {
+            return widget->property(defaultProperty).toBool();
+        });
+    }
+    if (again != all.end()) (*again)->setFocus(Qt::OtherFocusReason);
+}
+
+}  // namespace nevo

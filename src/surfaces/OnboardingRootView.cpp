@@ -1,0 +1,285 @@
+#include "surfaces/OnboardingRootView.h"
+
+#include <utility>
+
+#include "core/Texts.h"
+#include "core/notificationNames.h"
+#include "surfaces/controls.h"
+
+namespace nevo {
+
+namespace {
+
+constexpr double pollInterval = 1.0;
+constexpr double cardSymbol = 28;
+
+struct Feature {
+    const char* name;
+    const char* symbol;
+};
+constexpr Feature featureCards[] = {{"push", "arrow.left.to.line"},
+                                    {"nevobar", "display"},
+                                    {"rules", "switch.2"},
+                                    {"hotkey", "keyboard"},
+                                    {"icon", "line.3.horizontal.decrease"}};
+
+Control symbolOf(const std::string& name) {
+    Control made;
+    made.kind = Control::Kind::symbol;
+    made.symbol = name;
+    made.number = cardSymbol;
+    return made;
+}
+
+Control defaultButton(const std::string& key, std::function<void()> press) {
+    Control made = buttonOf(key, std::move(press));
+    made.isDefault = true;
+    return made;
+}
+
+}  // namespace
+
+OnboardingRootView::OnboardingRootView(const Platform& desktop, AccessibilityService& accessibility,
+                                       std::string mode, Callbacks given)
+    : platform(desktop),
+      service(accessibility),
+      callbacks(std::move(given)),
+      chosenMode(std::move(mode)) {}
+
+std::shared_ptr<OnboardingRootView> OnboardingRootView::create(const Platform& platform,
+                                                               AccessibilityService& accessibility,
+                                                               OnboardingStep step,
+                                                               std::string chosenMode,
+                                                               Callbacks callbacks) {
+    std::shared_ptr<OnboardingRootView> made(new OnboardingRootView(
+        platform, accessibility, std::move(chosenMode), std::move(callbacks)));
+    made->go(step);
+    return made;
+}
+
+void OnboardingRootView::go(OnboardingStep to) {
+    current = to;
+    timer.reset();
+    if (to == OnboardingStep::modeSelect) {
+        auto screen = platform.screens.mainScreen();
+        hasNotch = screen && screen->safeAreaTop > 0;
+        selected = hasNotch ? "shelf" : "push";
+    } else if (to == OnboardingStep::permissions) {
+        readPermissions();
+        timer = platform.runLoop.timer(pollInterval, true, [weak = weak_from_this()] {
+            if (auto self = weak.lock()) self->readPermissions();
+        });
+    }
+    callbacks.changed();
+}
+
+Control OnboardingRootView::content() {
+    Control page;
+    switch (current) {
+        case OnboardingStep::welcome:
+            page = welcome();
+            break;
+        case OnboardingStep::features:
+            page = features();
+            break;
+        case OnboardingStep::modeSelect:
+            page = modeSelect();
+            break;
+        case OnboardingStep::permissions:
+            page = permissions();
+            break;
+    }
+    // The window has no buttons of its own.
+    Control close = buttonOf("onboarding.permissions.close_button", callbacks.onFinish);
+    close.symbol = "xmark.circle";
+    close.hidesTitle = true;
+    return columnOf({close, page});
+}
+
+Control OnboardingRootView::welcome() {
+    return columnOf({textOf("onboarding.welcome.title", Control::TextStyle::largeTitle),
+                     textOf("onboarding.welcome.slogan"),
+                     defaultButton("onboarding.welcome.cta", [weak = weak_from_this()] {
+                         if (auto self = weak.lock()) self->go(OnboardingStep::features);
+                     })});
+}
+
+Control OnboardingRootView::features() {
+    Control page = columnOf({textOf("onboarding.features.title", Control::TextStyle::largeTitle)});
+    for (const Feature& feature : featureCards) {
+        std::string key = std::string("onboarding.features.") + feature.name;
+        Control words = textOf(key + ".title");
+        words.detail = text(key + ".body");
+        page.children.push_back(rowOf({symbolOf(feature.symbol), words}));
+    }
+    page.children.push_back(defaultButton("onboarding.features.cta", [weak = weak_from_this()] {
+        if (auto self = weak.lock()) self->go(OnboardingStep::modeSelect);
+    }));
+    return page;
+}
+
+Control OnboardingRootView::modeSelect() {
+    return columnOf({textOf("onboarding.mode.title", Control::TextStyle::largeTitle),
+                     modeCard("push", "push"), modeCard("shelf", "nevobar"),
+                     defaultButton("onboarding.mode.cta", [weak = weak_from_this()] {
+                         if (auto self = weak.lock()) self->continueWithMode();
+                     })});
+}
+
+Control OnboardingRootView::modeCard(const std::string& mode, const std::string& name) {
+    std::string key = "onboarding.mode." + name;
+    Control card;
+    card.kind = Control::Kind::card;
+    card.key = key;
+    card.title = text(key + ".title");
+    card.isOn = selected == mode;
+    card.press = [weak = weak_from_this(), mode] {
+        auto self = weak.lock();
+        if (!self) return;
+        self->selected = mode;
+        self->callbacks.changed();
+    };
+    // A bar with its items pushed off, or with the shelf under it.
+    Control bar = rowOf({symbolOf(mode == "push" ? "arrow.left.to.line" : "display"),
+                         symbolOf("line.3.horizontal.decrease"), symbolOf("battery.75percent")});
+    Control words = textOf(key + ".title", Control::TextStyle::title);
+    words.detail = text(key + ".body");
+    card.children = {bar, words};
+    bool isRecommended = (mode == "shelf") == hasNotch;
+    if (isRecommended) {
+        card.children.push_back(
+            textOf("onboarding.mode.recommended_badge", Control::TextStyle::badge));
+    }
+    if (mode == "push" && hasNotch) {
+        card.children.push_back(
+            textOf("onboarding.mode.push.notch_warning", Control::TextStyle::warning));
+    }
+    return card;
+}
+
+void OnboardingRootView::continueWithMode() {
+    chosenMode = selected;
+    platform.defaults.standard().set("displayMode", chosenMode);
+    platform.notifications.post(nevoDisplayModeChanged);
+    go(OnboardingStep::permissions);
+}
+
+Control OnboardingRootView::permissions() {
+    bool isShelf = chosenMode == "shelf";
+    return columnOf({textOf("onboarding.permissions.title", Control::TextStyle::largeTitle),
+                     textOf(isShelf ? "onboarding.permissions.subtitle.shelf"
+                                    : "onboarding.permissions.subtitle"),
+                     accessibilityCard(), screenRecordingCard(), closingControl()});
+}
+
+Control OnboardingRootView::accessibilityCard() {
+    Control card = columnOf({});
+    card.kind = Control::Kind::card;
+    card.key = "onboarding.permissions.accessibility";
+    Control words = textOf("onboarding.permissions.accessibility.title", Control::TextStyle::title);
+    words.detail = text("onboarding.permissions.accessibility.body");
+    card.children = {words};
+    if (hasAX) {
+        card.children.push_back(
+            textOf("onboarding.permissions.granted_badge", Control::TextStyle::badge));
+        card.children.back().key = "onboarding.permissions.accessibility.granted";
+        return card;
+    }
+    auto weak = weak_from_this();
+    card.children.push_back(
+        rowOf({buttonOf("onboarding.permissions.grant_button",
+                        [weak] {
+                            if (auto self = weak.lock()) self->grantAccessibility();
+                        }),
+               buttonOf("onboarding.permissions.open_settings_button",
+                        [&accessibility = service] { accessibility.openSettings(); })}));
+    return card;
+}
+
+Control OnboardingRootView::screenRecordingCard() {
+    bool isShelf = chosenMode == "shelf";
+    Control card;
+    card.kind = Control::Kind::card;
+    card.key = "onboarding.permissions.screen";
+    Control words = textOf("onboarding.permissions.screen.title", Control::TextStyle::title);
+    words.detail = text(isShelf ? "onboarding.permissions.screen.body.shelf"
+                                : "onboarding.permissions.screen.body");
+    card.children = {words};
+    if (hasSCK) {
+        card.children.push_back(
+            textOf("onboarding.permissions.granted_badge", Control::TextStyle::badge));
+        card.children.back().key = "onboarding.permissions.screen.granted";
+        return card;
+    }
+    const char* note = isShelf ? "onboarding.permissions.screen.shelf_note"
+                               : "onboarding.permissions.screen.optional_note";
+    if (screenRecordingRequested) note = "onboarding.permissions.screen.settings_note";
+    Control grant = buttonOf("onboarding.permissions.grant_button", [weak = weak_from_this()] {
+        if (auto self = weak.lock()) self->grantScreenRecording();
+    });
+    grant.key = "onboarding.permissions.screen.grant_button";
+    card.children.push_back(textOf(note, Control::TextStyle::note));
+    card.children.push_back(grant);
+    return card;
+}
+
+/// Who has asked for a permission and doesn't hold it yet is offered a restart, since a grant often
+/// counts in a new process only; everybody else may go on with what there is.
+Control OnboardingRootView::closingControl() {
+    auto weak = weak_from_this();
+    bool isWaiting = (accessibilityRequested && !hasAX) || (screenRecordingRequested && !hasSCK);
+    if (!isWaiting) {
+        return defaultButton("onboarding.permissions.finish_button", [weak] {
+            auto self = weak.lock();
+            if (!self) return;
+            self->callbacks.markComplete();
+            self->callbacks.onFinish();
+        });
+    }
+    Control restart = defaultButton("onboarding.permissions.restart_button", [weak] {
+        auto self = weak.lock();
+        if (!self) return;
+        self->callbacks.markComplete();
+        self->service.restart();
+    });
+    return columnOf(
+        {restart, textOf("onboarding.permissions.restart_hint", Control::TextStyle::note)});
+}
+
+void OnboardingRootView::readPermissions() {
+    bool trusted = service.isTrusted();
+    bool recording = platform.screenCapture.preflightAccess();
+    if (trusted == hasAX && recording == hasSCK) return;
+    hasAX = trusted;
+    hasSCK = recording;
+    callbacks.changed();
+}
+
+void OnboardingRootView::grantAccessibility() {
+    auto self = shared_from_this();
+    callbacks.onReady();
+    if (!hasAX) {
+        callbacks.performSystemPermissionRequest([self] {
+            if (self->service.isTrusted()) return;
+            self->service.resetAccessibilityGrant();
+            self->service.promptIfNeeded();
+        });
+    }
+    hasAX = service.isTrusted();
+    accessibilityRequested = true;
+    callbacks.changed();
+}
+
+void OnboardingRootView::grantScreenRecording() {
+    auto self = shared_from_this();
+    callbacks.onReady();
+    if (!hasSCK) {
+        callbacks.performSystemPermissionRequest(
+            [self] { self->platform.screenCapture.requestAccess(); });
+    }
+    hasSCK = platform.screenCapture.preflightAccess();
+    screenRecordingRequested = true;
+    callbacks.changed();
+}
+
+}  // namespace nevo
