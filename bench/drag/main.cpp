@@ -46,7 +46,11 @@ Platform withLoop(RunLoop& loop, const Platform& p) {
             p.panels,
             p.menus,
             p.popovers,
-            p.prompts,
+            p.surfaceWindows,
+            p.alerts,
+            p.files,
+            p.loginItem,
+            p.updaters,
             p.childProcesses,
             p.log};
 }

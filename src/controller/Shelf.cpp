@@ -96,7 +96,7 @@ void StatusBarController::showShelfScreenRecordingPrompt() {
 }
 
 void StatusBarController::restartNevo() {
-    // That it can't be started again is no reason to stay.
+    // That it can't be started again is no reason to stay: who asked for this can start it by hand.
     platform.childProcesses.launch(
         "/bin/sh", {"-c", restartScript, "restart-nevo", platform.application.bundlePath()});
     platform.application.terminate();

@@ -87,7 +87,6 @@ void AppDelegate::checkForUpdates(const MenuItem*) {
         return;
     }
     ActivationPolicy policy = platform.application.activationPolicy();
-    updateCheckPreviousActivationPolicy = policy;
     debugLog(
         fmt::format("[Updates] manual check requested; previousActivationPolicy={} canCheck={}",
                     static_cast<int>(policy), describe(updaterController->canCheckForUpdates())));
@@ -95,9 +94,9 @@ void AppDelegate::checkForUpdates(const MenuItem*) {
     updaterController->checkForUpdates();
 }
 
-/// The updater's windows can't come to the front while the program is an agent. A session that
-/// began by itself has noted no policy: the one of before, or the program would keep an icon among
-/// the open applications for good.
+/// The updater's windows can't come to the front while the program is an agent. The policy of
+/// before counts from the first of these calls to the session's end, however the session began and
+/// whatever is asked for meanwhile: no icon may stay among the open applications for good.
 void AppDelegate::comeForUpdates() {
     if (!updateCheckPreviousActivationPolicy)
         updateCheckPreviousActivationPolicy = platform.application.activationPolicy();

@@ -6,7 +6,8 @@
 
 namespace nevo {
 
-/// The accessibility permission, and where the program is installed. One for the process.
+/// The accessibility permission, and where the program is installed. One for the process; main
+/// thread only, so that nothing needs a lock.
 class AccessibilityService {
 public:
     explicit AccessibilityService(const Platform& platform);

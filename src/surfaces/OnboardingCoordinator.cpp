@@ -128,10 +128,12 @@ void OnboardingCoordinator::finish() {
     notifyReady();
     markComplete();
     close();
-    if (auto complete = onComplete) complete();
-    onComplete = nullptr;
+    // It may show an alert, and the toggle open the flow again meanwhile, with callbacks of its
+    // own.
+    auto complete = std::exchange(onComplete, nullptr);
     onReady = nullptr;
     didNotifyReady = false;
+    if (complete) complete();
 }
 
 void OnboardingCoordinator::close() {

@@ -41,8 +41,12 @@ Task<> RulesSettingsTab::runScan(std::weak_ptr<RulesSettingsTab> owner) {
     self = owner.lock();
     if (!self) co_return;
     self->items.clear();
-    for (const ScannedBarItem& item : found)
+    // Items that share an id share their rule.
+    std::set<std::string> seen;
+    for (const ScannedBarItem& item : found) {
+        if (item.persistedID.empty() || !seen.insert(item.persistedID).second) continue;
         self->items.push_back({item.persistedID, item.bundleID, item.label, item.icon});
+    }
     self->changed();
 }
 

@@ -20,6 +20,7 @@ class RecordingLog : public LogOutput {
 public:
     void writeStandardError(std::string_view line) override { text += line; }
     void writeStandardOutput(std::string_view) override {}
+    void writeSystemLog(std::string_view) override {}
     void appendToLogFile(std::string_view) override {}
     std::string text;
 };

@@ -68,7 +68,7 @@ void ContentWindow::open(bool takesFocus) {
     if (const QScreen* screen = QGuiApplication::primaryScreen()) {
         move(screen->availableGeometry().center() - rect().center());
     }
-    if (renderer && focusWidget() == nullptr) renderer->focusFirst();
+    if (renderer) renderer->focusFirst();
     setAttribute(Qt::WA_ShowWithoutActivating, !takesFocus);
     show();
 }

@@ -30,6 +30,8 @@ void show(QMessageBox& box, const Alert& alert) {
     box.setObjectName(plainText(alert.name));
     box.setWindowTitle(QApplication::applicationName());
     box.setIcon(QMessageBox::Information);
+    // Also above a window of ours that floats.
+    box.setWindowFlag(Qt::WindowStaysOnTopHint);
     // Nothing that a file or another program has named may pass for markup.
     box.setTextFormat(Qt::PlainText);
     box.setText(plainText(alert.title));
