@@ -112,6 +112,34 @@ Lines firstRun(Stage& stage) {
     return {stage.random.chance(40) ? "first-run ready" : "first-run finish"};
 }
 
+/// A hand in the settings window, which it opens first.
+Lines operateSettings(Stage& stage) {
+    const auto& windows = stage.desktop.controlWindows;
+    if (windows.named("settings") == nullptr) {
+        if (!stage.isToggleInReach() || stage.desktop.events.state().leftDown) return {};
+        return {"right-click toggle", "choose menu_bar.context_menu.settings"};
+    }
+    Lines possible;
+    auto offer = [&](const char* key, const std::string& line) {
+        auto control = windows.control(key);
+        if (control && control->isEnabled) possible.push_back(line);
+    };
+    const char* state = stage.random.oneOf({" on", " off"});
+    for (const char* key : {"settings.general.launch_at_login", "settings.general.animations.label",
+                            "settings.menu_bar.behavior.auto_hide"}) {
+        offer(key, std::string("switch ") + key + state);
+    }
+    offer("settings.general.permissions.grant_button",
+          "press-button settings.general.permissions.grant_button");
+    offer("settings.rules.per_app.refresh_button",
+          "press-button settings.rules.per_app.refresh_button");
+    offer("settings.tabs", std::string("select settings.tabs ") +
+                               stage.random.oneOf({"settings.tab.general", "settings.tab.menu_bar",
+                                                   "settings.tab.rules"}));
+    if (windows.front()->configuration.name == "settings") possible.push_back("close-front");
+    return {stage.random.oneOf(possible), "wait 0.1"};
+}
+
 Lines choose(Stage& stage) {
     const auto* rows = stage.desktop.menus.openMenu();
     if (rows == nullptr) return {};
@@ -144,6 +172,7 @@ std::vector<EventKind> nevoEvents() {
         {"visit with app rule", 2, visitWithAppRule},
         {"hot key", 5, hotKey, either},
         {"first run", 8, firstRun},
+        {"settings", 5, operateSettings},
         {"choose", 30, choose, open},
         {"dismiss", 30, dismiss, open},
     };
