@@ -15,7 +15,6 @@ namespace nevo {
 
 namespace {
 
-constexpr Size iconSize{22, 22};
 /// More than any icon file; what is larger isn't one.
 constexpr std::size_t mostIconBytes = 16U << 20U;
 const std::vector<std::string> iconTypes{"image/png", "image/x-icns", "image/icns"};
