@@ -5,6 +5,7 @@
 #include <set>
 #include <vector>
 
+#include "menubar/Options.h"
 #include "platform/xcb/Properties.h"
 
 namespace nevo::menubar {
@@ -19,6 +20,12 @@ constexpr std::uint32_t ourXembedVersion = 1;
 /// CARDINAL on each client that a bar of ours held: how a later one knows what it may take in.
 constexpr const char* heldMark = "_NEVO_BAR_HELD";
 constexpr std::size_t mostStranded = 1000;
+
+/// Toolkits give each of their windows the property of what may be embedded: one that no bar of
+/// ours has held is an icon by its size alone.
+bool isIconSized(const xcb_get_geometry_reply_t& window) {
+    return window.width <= largestHeight && window.height <= largestHeight;
+}
 }  // namespace
 
 XembedInfo readXembedInfo(const Display& display, xcb_window_t client) {
@@ -114,13 +121,14 @@ std::vector<xcb_window_t> strandedClients(const Display& display) {
         PropertyRead info;
         PropertyRead held;
         xcb_get_window_attributes_cookie_t attributes;
+        xcb_get_geometry_cookie_t geometry;
     };
     std::vector<Question> questions;
     for (xcb_window_t window : candidates) {
         if (questions.size() == mostStranded) break;
         questions.push_back({window, PropertyRead(c, window, display.atom("_XEMBED_INFO"), 8),
                              PropertyRead(c, window, display.atom(heldMark), 4),
-                             xcb_get_window_attributes(c, window)});
+                             xcb_get_window_attributes(c, window), xcb_get_geometry(c, window)});
     }
     std::vector<xcb_window_t> result;
     for (Question& question : questions) {
@@ -128,9 +136,12 @@ std::vector<xcb_window_t> strandedClients(const Display& display) {
         bool wasHeld = question.held.number().has_value();
         Reply<xcb_get_window_attributes_reply_t> attributes(
             xcb_get_window_attributes_reply(c, question.attributes, nullptr));
+        Reply<xcb_get_geometry_reply_t> geometry(
+            xcb_get_geometry_reply(c, question.geometry, nullptr));
         bool isMapped = attributes && attributes->map_state != XCB_MAP_STATE_UNMAPPED;
+        bool isIcon = hasInfo && isMapped && geometry && isIconSized(*geometry);
         // An unmapped window with the property may be a plug that waits for a socket of its own.
-        if (attributes && (wasHeld || (hasInfo && isMapped))) result.push_back(question.window);
+        if (attributes && (wasHeld || isIcon)) result.push_back(question.window);
     }
     return result;
 }

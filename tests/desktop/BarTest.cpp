@@ -5,6 +5,7 @@
 
 #include "desktop/DesktopSession.h"
 #include "desktop/TestClients.h"
+#include "platform/xcb/Properties.h"
 
 namespace nevo::desktoptest {
 namespace {
@@ -78,6 +79,32 @@ TEST_F(MenuBar, endsWhatAProgramAskedForWhenThatProgramEnds) {
         }
         return true;
     });
+}
+
+TEST_F(MenuBar, takesInIconsThatAnotherTrayHasLeftAndNoOrdinaryWindow) {
+    auto* c = server->get();
+    xcb::Atoms atoms(c, {});
+    const std::uint32_t info[] = {0, 1};
+    auto mappedWindow = [&](std::uint16_t width, std::uint16_t height) {
+        xcb_window_t window = xcb_generate_id(c);
+        xcb_create_window(c, XCB_COPY_FROM_PARENT, window, server->root(), 50, 100, width, height,
+                          0, XCB_WINDOW_CLASS_INPUT_OUTPUT, XCB_COPY_FROM_PARENT, 0, nullptr);
+        xcb::writeNumbers(c, window, atoms["_XEMBED_INFO"], atoms["_XEMBED_INFO"], info);
+        xcb_map_window(c, window);
+        return window;
+    };
+    // As some toolkits have it with every window of theirs. It comes before the icon, so that it is
+    // looked at before it.
+    xcb_window_t ordinary = mappedWindow(400, 300);
+    xcb_window_t icon = mappedWindow(22, 22);
+    server->flush();
+    startBar();
+    waitFor("the bar takes the icon in", [&] { return items().size() == 1; });
+    EXPECT_EQ(items().front().client, icon);
+    xcb::Reply<xcb_query_tree_reply_t> tree(
+        xcb_query_tree_reply(c, xcb_query_tree(c, ordinary), nullptr));
+    ASSERT_TRUE(tree);
+    EXPECT_EQ(tree->parent, server->root());
 }
 
 TEST_F(MenuBar, movesToTheNewRightEndWhenTheMonitorChanges) {
