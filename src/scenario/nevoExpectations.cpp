@@ -188,8 +188,8 @@ Step readPanel(LineReader& reader) {
 }
 
 Step readCount(LineReader& reader) {
-    std::string what = reader.choice(
-        "what", {"tasks", "timers", "monitors", "observers", "own-items", "recording-prompts"});
+    std::string what = reader.choice("what", {"tasks", "timers", "monitors", "observers",
+                                              "own-items", "recording-prompts", "trust-prompts"});
     int expected = reader.whole("COUNT");
     return [=](ScenarioRun& run) {
         SimDesktop& desktop = run.desktop();
@@ -198,6 +198,8 @@ Step readCount(LineReader& reader) {
         if (what == "timers") actual = desktop.loop.programTimerCount();
         if (what == "monitors") actual = desktop.events.monitorCount();
         if (what == "own-items") actual = desktop.statusBar.itemCount();
+        if (what == "trust-prompts")
+            actual = static_cast<std::size_t>(desktop.accessibility.promptCount());
         if (what == "recording-prompts") {
             actual = static_cast<std::size_t>(desktop.screenCapture.promptCount());
         }
@@ -250,7 +252,8 @@ std::vector<Command> nevoExpectations() {
         {"expect first-run", "welcome|features|modeSelect|permissions|closed",
          "The step that the first-run flow is open at.", readFirstRunStep},
         {"expect url", "URL|none", "The URL that Nevo opened last.", readUrl},
-        {"expect count", "tasks|timers|monitors|observers|own-items|recording-prompts COUNT",
+        {"expect count",
+         "tasks|timers|monitors|observers|own-items|recording-prompts|trust-prompts COUNT",
          "How many of these Nevo has.", readCount},
     };
 }
