@@ -233,8 +233,8 @@ private:
         return shelfController ? shelfController->isIn(kind) : kind == ShelfState::Kind::collapsed;
     }
     void bindBarForPushMode();
-    /// What a bar that has opened, or closed, means for the decoys and the timer.
     void shelfAppearanceChanged();
+    /// What a bar that has opened, or closed, means for the decoys and the timer.
     void shelfHasOpened();
     void shelfHasClosed();
     void showShelfScreenRecordingPrompt();

@@ -1,7 +1,5 @@
 #pragma once
 
-#include <string>
-
 #include "menubar/Display.h"
 
 namespace nevo::menubar {
@@ -9,8 +7,5 @@ namespace nevo::menubar {
 /// The bar's height in pixels where the user has asked for none: 24 at a resolution of 96 dots per
 /// inch, more where the X resource `Xft.dpi` says that the screen has more.
 int usualHeight(const Display& display);
-
-/// The same for the text of the root window's property `RESOURCE_MANAGER`.
-int usualHeight(const std::string& resources);
 
 }  // namespace nevo::menubar
