@@ -66,7 +66,8 @@ void StatusBarController::openSettings() { services.openSettings(); }
 
 void StatusBarController::openAbout() {
     platform.application.activate();
-    platform.application.orderFrontStandardAboutPanel();
+    platform.application.orderFrontStandardAboutPanel(text("menu_bar.context_menu.about"),
+                                                      text("menu_bar.about.credits"));
 }
 
 void StatusBarController::quitApp() { platform.application.terminate(); }

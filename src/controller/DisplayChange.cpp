@@ -10,9 +10,6 @@ namespace nevo {
 
 namespace {
 
-constexpr const char* screenParametersChanged =
-    "NSApplicationDidChangeScreenParametersNotification";
-
 struct WakeReason {
     const char* notification;
     const char* reason;
@@ -44,7 +41,7 @@ void StatusBarController::observeWake() {
 
 void StatusBarController::observeScreens() {
     screenChangeObserver = platform.notifications.addObserver(
-        screenParametersChanged, [weak = weak_from_this()](const Notification&) {
+        screenParametersChangedNotification, [weak = weak_from_this()](const Notification&) {
             if (auto self = weak.lock()) self->screenChanged();
         });
 }

@@ -22,12 +22,9 @@ struct ShelfScreenRecordingPromptView {
 
     Control content() const {
         const std::string key = "shelf.screen_recording_prompt.";
-        Control symbol;
-        symbol.kind = Control::Kind::symbol;
-        symbol.symbol = "rectangle.on.rectangle.badge.gearshape";
-        symbol.number = promptSymbolSize;
         return columnOf(
-            {symbol, textOf(key + "title", Control::TextStyle::largeTitle), textOf(key + "body"),
+            {symbolOf("rectangle.on.rectangle.badge.gearshape", promptSymbolSize),
+             textOf(key + "title", Control::TextStyle::largeTitle), textOf(key + "body"),
              textOf(key + "note", Control::TextStyle::note),
              rowOf({buttonOf(key + "open_settings", openSettings), buttonOf(key + "not_now", close),
                     buttonOf(key + "restart", restartNevo)})});

@@ -52,9 +52,10 @@ void StatusBarController::install() {
         });
     installTriggerMonitors();
     if (isShelfMode()) installDragDetection();
-    popover->setContent([weak] {
-        auto self = weak.lock();
-        return self ? popoverContent(self->appState) : std::vector<PopoverRow>{};
+    showPopoverContent();
+    stateObserver = appState.objectWillChange.observe([weak] {
+        // The state is told of before it changes.
+        if (auto self = weak.lock()) self->laterOnMain(&StatusBarController::showPopoverContent);
     });
     observeFrontApplication();
     observeNotifications();
@@ -127,6 +128,15 @@ void StatusBarController::iconOrSpacingChanged() {
         if (!self) return;
         if (auto frame = self->toggleButtonScreenFrame()) self->savedItemFrame = *frame;
     });
+}
+
+void StatusBarController::showPopoverContent() {
+    popover->setContent(popoverContent(appState, [weak = weak_from_this()] {
+        auto self = weak.lock();
+        if (!self) return;
+        self->popover->performClose();
+        self->openSettings();
+    }));
 }
 
 void StatusBarController::refreshToggleButton() {

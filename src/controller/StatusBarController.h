@@ -64,6 +64,7 @@ public:
                                     std::function<void()> completion, double toggleX);
     void performCollapse();
     void expandHiddenSection();
+    void showPopoverContent();
     void refreshToggleButton();
     void expandAndClickItem(const BarItem& item);
 
@@ -280,6 +281,7 @@ private:
     SectionManager sectionManager;
     /// Goes before the button that it may hang from.
     std::unique_ptr<Popover> popover;
+    Registration stateObserver;
     StatusItemPreferenceRepair preferences;
     UpdateCheck checkForUpdates;
 

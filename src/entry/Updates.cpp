@@ -81,7 +81,7 @@ void AppDelegate::startUpdater() {
     updaterController = platform.updaters.create(std::move(told));
 }
 
-void AppDelegate::checkForUpdates(const MenuItem*) {
+void AppDelegate::checkForUpdates(const MenuItem* sender) {
     if (!updaterController) {
         debugLog("[Updates] check requested but Sparkle updater is unavailable");
         return;
@@ -91,7 +91,7 @@ void AppDelegate::checkForUpdates(const MenuItem*) {
         fmt::format("[Updates] manual check requested; previousActivationPolicy={} canCheck={}",
                     static_cast<int>(policy), describe(updaterController->canCheckForUpdates())));
     comeForUpdates();
-    updaterController->checkForUpdates();
+    updaterController->checkForUpdates(sender);
 }
 
 /// The updater's windows can't come to the front while the program is an agent. The policy of

@@ -22,6 +22,8 @@ public:
     virtual ~Accessibility() = default;
     /// `AXIsProcessTrusted`. Never prompts.
     virtual bool isProcessTrusted() const = 0;
+    /// Whether the user gives that trust and takes it away; else it is always held.
+    virtual bool isTrustUserControlled() const = 0;
     /// Has the system ask the user for that trust (`AXIsProcessTrustedWithOptions` with the
     /// prompt).
     virtual void promptForTrust() = 0;

@@ -33,8 +33,10 @@ public:
     virtual ActivationPolicy activationPolicy() const = 0;
     /// `activateIgnoringOtherApps:` true.
     virtual void activate() = 0;
-    /// `orderFrontStandardAboutPanel:`.
-    virtual void orderFrontStandardAboutPanel() = 0;
+    /// A panel with the program's name and version, and a line about it
+    /// (`orderFrontStandardAboutPanelWithOptions:`).
+    virtual void orderFrontStandardAboutPanel(const std::string& title,
+                                              const std::string& credits) = 0;
     /// `terminate:`: runs the quit sequence, and the process ends.
     virtual void terminate() = 0;
 

@@ -5,6 +5,7 @@
 #include <string>
 #include <vector>
 
+#include "platform/Controls.h"
 #include "platform/Panels.h"
 #include "platform/StatusBar.h"
 
@@ -43,15 +44,6 @@ public:
                        std::function<void(std::optional<std::size_t> highlighted)> didClose) = 0;
 };
 
-/// A row of text in the popover; the first is its status line.
-struct PopoverRow {
-    std::string key;
-    std::string title;
-    std::string description;
-    /// A system symbol's name; empty for none.
-    std::string symbol;
-};
-
 /// A small panel that hangs from the toggle and closes at a click elsewhere (`NSPopover`).
 class Popover {
 public:
@@ -60,8 +52,8 @@ public:
     /// 1 is transient (`NSPopoverBehaviorTransient`).
     virtual void setBehavior(int behavior) = 0;
     virtual void setAnimates(bool animates) = 0;
-    /// `content` is asked each time the popover is shown.
-    virtual void setContent(std::function<std::vector<PopoverRow>()> content) = 0;
+    /// Replaces what it shows.
+    virtual void setContent(Control content) = 0;
     virtual bool isShown() const = 0;
     /// `performClose:`.
     virtual void performClose() = 0;

@@ -20,6 +20,11 @@ struct Screen {
     bool operator==(const Screen&) const = default;
 };
 
+/// Posted on the default centre after a change of them
+/// (`NSApplication.didChangeScreenParametersNotification`).
+inline constexpr const char* screenParametersChangedNotification =
+    "NSApplicationDidChangeScreenParametersNotification";
+
 class Screens {
 public:
     virtual ~Screens() = default;

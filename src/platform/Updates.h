@@ -6,6 +6,8 @@
 
 namespace nevo {
 
+struct MenuItem;
+
 /// What the updater tells of an update (`SUAppcastItem`).
 struct UpdateItem {
     std::string displayVersionString;
@@ -28,7 +30,8 @@ class Updater {
 public:
     virtual ~Updater() = default;
     virtual bool canCheckForUpdates() const = 0;
-    virtual void checkForUpdates() = 0;
+    /// `sender` is the menu row that asks; nullptr for another control.
+    virtual void checkForUpdates(const MenuItem* sender) = 0;
     virtual bool automaticallyChecksForUpdates() const = 0;
     virtual void setAutomaticallyChecksForUpdates(bool checks) = 0;
 };

@@ -26,13 +26,23 @@ struct WindowConfiguration {
     bool isMovableByBackground = false;
 };
 
+/// How what a window shows comes in place of what it showed.
+enum class Transition {
+    none,
+    /// One fades while the other appears, in place.
+    crossFade,
+    /// The new comes from the right, slightly small at first, as a spring of response 0.5 seconds
+    /// and damping fraction 0.85 would pull it, and the old fades.
+    move,
+};
+
 /// An ordinary window of this program with a tree of controls in it (`NSWindow` with a hosted
 /// view), of a fixed size, in the middle of the main screen, closed at first.
 class Window {
 public:
     virtual ~Window() = default;
-    /// Replaces what it shows.
-    virtual void setContent(Control content) = 0;
+    /// Replaces what it shows. What comes can be operated at once, whatever moves.
+    virtual void setContent(Control content, Transition transition = Transition::none) = 0;
     virtual bool isVisible() const = 0;
     /// `makeKeyAndOrderFront:`.
     virtual void makeKeyAndOrderFront() = 0;

@@ -23,6 +23,9 @@ std::string autosaveName(const std::string& name) {
     }
     return name;
 }
+
+/// What a person takes to read an alert, seconds.
+constexpr double readingTime = 0.5;
 }  // namespace
 
 ScenarioRun::ScenarioRun(const Scenario& of)
@@ -33,6 +36,7 @@ ScenarioRun::ScenarioRun(const Scenario& of)
 ScenarioRun::ScenarioRun(std::string called, LineSource from)
     : title(std::move(called)), nextLine(std::move(from)) {
     world.menus.whileOpen = [this] { runLines(true); };
+    world.alerts.whileOpen = [this] { world.loop.runFor(readingTime); };
 }
 
 ScenarioRun::~ScenarioRun() {

@@ -33,6 +33,25 @@ Step withWorking(const std::string& key, std::vector<Kind> kinds,
     });
 }
 
+Step readReducedMotion(LineReader& reader) {
+    bool reduced = reader.choice("the state", {"on", "off"}) == "on";
+    return [reduced](ScenarioRun& run) {
+        run.desktop().controlWindows.setReducedMotion(reduced);
+        return Outcome{};
+    };
+}
+
+Step readTransition(LineReader& reader) {
+    std::string expected = reader.choice("the transition", {"none", "cross-fade", "move"});
+    return [expected](ScenarioRun& run) {
+        Transition last = run.desktop().controlWindows.lastTransition();
+        const char* actual = last == Transition::none   ? "none"
+                             : last == Transition::move ? "move"
+                                                        : "cross-fade";
+        return Outcome::compare("the transition", expected, actual);
+    };
+}
+
 Step readPress(LineReader& reader) {
     std::string key = reader.word("KEY");
     return withWorking(key, {Kind::button, Kind::link, Kind::card, Kind::dropZone},
@@ -186,6 +205,10 @@ std::vector<Command> controlCommands() {
         {"reorder", "KEY VALUE...", "Drags the rows of a list into this order.", readReorder},
         {"drop-file", "KEY PATH", "Drops a file on a drop zone.", readDropFile},
         {"close-front", "", "Closes the window in front by its own button.", readCloseWindow},
+        {"reduced-motion", "on|off", "The user wants less motion in windows, or as much as usual.",
+         readReducedMotion},
+        {"expect transition", "none|cross-fade|move",
+         "How a window's content came last, when it didn't simply stand there.", readTransition},
         {"expect window", "NAME shown|closed",
          "Whether a window is open: settings, first-run, screen-recording-prompt.", readWindow},
         {"expect control", "KEY shown|absent|on|off|dimmed|working",

@@ -70,16 +70,15 @@ Step readLoginItem(LineReader& reader) {
 }
 
 Step readUpdater(LineReader& reader) {
-    std::string what = reader.choice(
-        "what the updater says", {"alert", "update", "found", "end", "aborted", "cycle", "busy"});
+    std::string what = reader.choice("what the updater says", {"alert", "update", "found", "end",
+                                                               "aborted", "cycle", "busy", "none"});
     bool detail = what == "aborted" || what == "cycle";
     std::string error = detail && !reader.atEnd() ? reader.word("ERROR") : "";
     return [=](ScenarioRun& run) {
         SimUpdaters& updaters = run.desktop().updaters;
-        if (what == "busy") {
-            updaters.canCheck = false;
-            return Outcome{};
-        }
+        if (what == "busy") updaters.canCheck = false;
+        if (what == "none") updaters.isManaged = true;
+        if (what == "busy" || what == "none") return Outcome{};
         const UpdaterDelegate told = updaters.delegate;
         if (!told.didAbort) return Outcome::unreadable("Nevo has no updater");
         const UpdateItem item{"2.0", "200"};
@@ -122,8 +121,10 @@ std::vector<Command> installationCommands() {
          readAnswer},
         {"file", "PATH VALUE", "Puts a file there; the value is bytes HEX.", readFile},
         {"choose-file", "PATH|none", "Chooses in the open file panel, or closes it.", readChosen},
-        {"updater", "alert|update|found|end|aborted [ERROR]|cycle [ERROR]|busy",
-         "What the updater tells Nevo, or that it can't look for updates now.", readUpdater},
+        {"updater", "alert|update|found|end|aborted [ERROR]|cycle [ERROR]|busy|none",
+         "What the updater tells Nevo; that it can't look for updates now; or that Nevo is updated "
+         "by the system, from its next start on.",
+         readUpdater},
         {"expect file", "PATH there|gone", "Whether a file is there.", readFileExists},
         {"expect login-item", "registered|unregistered",
          "Whether Nevo starts with the user's session.", readLoginItem},

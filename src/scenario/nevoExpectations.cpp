@@ -162,10 +162,10 @@ Step readPopover(LineReader& reader) {
     std::string key;
     if (!reader.atEnd()) key = reader.word("KEY");
     return [=](ScenarioRun& run) {
-        auto rows = run.desktop().popovers.shownRows();
-        auto state = Outcome::compare("the popover", expected, rows ? "shown" : "closed");
-        if (!state || key.empty() || !rows) return state;
-        std::string actual = rows->empty() ? "none" : rows->front().key;
+        const Control* content = run.desktop().popovers.shown();
+        auto state = Outcome::compare("the popover", expected, content ? "shown" : "closed");
+        if (!state || key.empty() || content == nullptr) return state;
+        std::string actual = content->children.empty() ? "none" : content->children.front().key;
         return Outcome::compare("the popover's status line", key, actual);
     };
 }

@@ -6,8 +6,6 @@ namespace nevo {
 
 namespace {
 
-constexpr const char* screenParametersChanged =
-    "NSApplicationDidChangeScreenParametersNotification";
 /// All spaces, stationary, ignore the cycle, stand beside full screen.
 constexpr unsigned coverCollection = 0x151;
 
@@ -21,7 +19,8 @@ std::shared_ptr<SecondaryMenuBarCoverController> SecondaryMenuBarCoverController
     std::shared_ptr<SecondaryMenuBarCoverController> covers(
         new SecondaryMenuBarCoverController(platform));
     covers->observer = platform.notifications.addObserver(
-        screenParametersChanged, [&platform, weak = std::weak_ptr(covers)](const Notification&) {
+        screenParametersChangedNotification,
+        [&platform, weak = std::weak_ptr(covers)](const Notification&) {
             platform.runLoop.post([weak] {
                 if (auto self = weak.lock()) self->update();
             });

@@ -77,10 +77,12 @@ void GeneralSettingsTab::setLaunchAtLogin(bool wanted) {
 
 Control GeneralSettingsTab::permissions() {
     Control accessibility = permissionRow("accessibility", accessibilityGranted);
-    accessibility.children.push_back(
-        buttonOf("settings.general.permissions.grant_button", [weak = weak_from_this()] {
-            if (auto self = weak.lock()) self->grantAccessibility();
-        }));
+    if (services.platform.accessibility.isTrustUserControlled()) {
+        accessibility.children.push_back(
+            buttonOf("settings.general.permissions.grant_button", [weak = weak_from_this()] {
+                if (auto self = weak.lock()) self->grantAccessibility();
+            }));
+    }
     return sectionOf("settings.general.permissions.section_title",
                      {accessibility, permissionRow("screen_recording", screenRecordingGranted)});
 }

@@ -1,5 +1,6 @@
 #include "surfaces/MenuBarLayoutView.h"
 
+#include <iterator>
 #include <string>
 
 #include "core/MenuBarIcon.h"
@@ -14,31 +15,49 @@ constexpr double sampleSize = 18;
 constexpr const char* hiddenSamples[] = {"bubble.left.fill", "doc.on.clipboard"};
 constexpr const char* toggleSample = "line.3.horizontal.decrease";
 constexpr const char* visibleSamples[] = {"speaker.wave.2.fill", "battery.75percent"};
-constexpr const char* stepSymbols[] = {"cursorarrow.click.2", "arrow.left.to.line", "switch.2",
-                                       "line.3.horizontal.decrease"};
 
-Control sample(const std::string& name) {
-    Control made;
-    made.kind = Control::Kind::symbol;
-    made.symbol = name;
-    made.number = sampleSize;
-    return made;
+struct Step {
+    const char* symbol;
+    /// Whether the picture of the open bar shows what it speaks of, or that of the closed one.
+    bool isOfExpandedBar;
+};
+constexpr Step layoutSteps[] = {{"cursorarrow.click.2", false},
+                                {"arrow.left.to.line", true},
+                                {"switch.2", false},
+                                {"line.3.horizontal.decrease", true}};
+
+}  // namespace
+
+Control MenuBarLayoutView::content() {
+    bool isOfExpandedBar = layoutSteps[showingStep - 1].isOfExpandedBar;
+    Control steps = sectionOf("layout.how_it_works", {});
+    for (int number = 1; number <= static_cast<int>(std::size(layoutSteps)); ++number)
+        steps.children.push_back(step(number));
+    return columnOf({picture(true, isOfExpandedBar), picture(false, !isOfExpandedBar), steps});
 }
 
-/// The menu bar in one of its states.
-Control picture(bool isExpanded) {
+void MenuBarLayoutView::showStep(int number) {
+    showingStep = number;
+    onChange();
+}
+
+Control MenuBarLayoutView::picture(bool isExpanded, bool isMarked) {
     Control bar;
     bar.kind = Control::Kind::card;
     bar.key = isExpanded ? "layout.expanded" : "layout.collapsed";
+    bar.title = text(bar.key + "_label");
+    bar.isOn = isMarked;
+    // The first step that speaks of it.
+    bar.press = [weak = weak_from_this(), number = isExpanded ? 2 : 1] {
+        if (auto self = weak.lock()) self->showStep(number);
+    };
     Control items = rowOf({});
     if (isExpanded) {
-        for (const char* name : hiddenSamples) items.children.push_back(sample(name));
+        for (const char* name : hiddenSamples) items.children.push_back(symbolOf(name, sampleSize));
     }
-    items.children.push_back(sample(toggleSample));
-    for (const char* name : visibleSamples) items.children.push_back(sample(name));
-    bar.children = {textOf(isExpanded ? "layout.expanded_label" : "layout.collapsed_label",
-                           Control::TextStyle::title),
-                    items};
+    items.children.push_back(symbolOf(toggleSample, sampleSize));
+    for (const char* name : visibleSamples) items.children.push_back(symbolOf(name, sampleSize));
+    bar.children = {textOf(bar.key + "_label", Control::TextStyle::title), items};
     if (isExpanded) {
         bar.children.push_back(rowOf({textOf("layout.will_be_hidden", Control::TextStyle::note),
                                       textOf("layout.always_visible", Control::TextStyle::note)}));
@@ -48,17 +67,19 @@ Control picture(bool isExpanded) {
     return bar;
 }
 
-}  // namespace
-
-Control menuBarLayoutView() {
-    Control steps = sectionOf("layout.how_it_works", {});
-    for (int step = 1; step <= 4; ++step) {
-        std::string key = "layout.step" + std::to_string(step);
-        Control words = textOf(key + ".title");
-        words.detail = text(key + ".description");
-        steps.children.push_back(rowOf({sample(stepSymbols[step - 1]), words}));
-    }
-    return columnOf({picture(true), picture(false), steps});
+Control MenuBarLayoutView::step(int number) {
+    std::string key = "layout.step" + std::to_string(number);
+    Control card;
+    card.kind = Control::Kind::card;
+    card.key = key;
+    card.title = text(key + ".title");
+    card.isOn = number == showingStep;
+    card.press = [weak = weak_from_this(), number] {
+        if (auto self = weak.lock()) self->showStep(number);
+    };
+    card.children = {rowOf({symbolOf(layoutSteps[number - 1].symbol, sampleSize),
+                            wordsOf(key + ".title", key + ".description")})};
+    return card;
 }
 
 }  // namespace nevo

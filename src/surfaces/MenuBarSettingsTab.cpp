@@ -24,8 +24,15 @@ constexpr double mostOpacity = 1.0;
 constexpr double opacityStep = 0.05;
 
 /// System symbols that are offered as icons beside the program's own.
-constexpr const char* iconSymbols[] = {"line.3.horizontal.decrease", "switch.2", "gearshape",
-                                       "app.dashed", "display"};
+struct IconSymbol {
+    const char* name;
+    const char* displayName;
+};
+constexpr IconSymbol iconSymbols[] = {{"line.3.horizontal.decrease", "Lines"},
+                                      {"switch.2", "Switches"},
+                                      {"gearshape", "Gear"},
+                                      {"app.dashed", "Dashed Square"},
+                                      {"display", "Display"}};
 
 std::string percentage(double part) { return fmt::format("{}%", std::lround(part * 100)); }
 
@@ -43,10 +50,13 @@ Control MenuBarSettingsTab::icon() {
     const Images& images = services.platform.images;
     std::vector<ControlOption> options;
     for (const MenuBarIconOption& option : brandIconCatalogue()) {
-        options.push_back({option.id, option.displayName, menuBarIconImage(images, option.id, {})});
+        options.push_back(
+            {option.id, text(option.displayName), menuBarIconImage(images, option.id, {})});
     }
-    for (const char* symbol : iconSymbols)
-        options.push_back({symbol, symbol, menuBarIconImage(images, symbol, {})});
+    for (const IconSymbol& symbol : iconSymbols) {
+        options.push_back(
+            {symbol.name, text(symbol.displayName), menuBarIconImage(images, symbol.name, {})});
+    }
     std::string selected = state.menuBarIconName();
     return sectionOf(
         "settings.menu_bar.icon.section_title",

@@ -22,7 +22,7 @@ constexpr const char* systemSettings[] = {"com.apple.systempreferences",
 }  // namespace
 
 OnboardingCoordinator::OnboardingCoordinator(const Platform& desktop, AccessibilityService& service)
-    : platform(desktop), accessibility(service) {}
+    : platform(desktop), accessibility(service), motion(desktop.surfaceWindows) {}
 
 std::shared_ptr<OnboardingCoordinator> OnboardingCoordinator::create(
     const Platform& platform, AccessibilityService& accessibility) {
@@ -41,12 +41,15 @@ void OnboardingCoordinator::show(OnboardingStep step) {
     callbacks.onReady = held(&OnboardingCoordinator::notifyReady);
     callbacks.markComplete = held(&OnboardingCoordinator::markComplete);
     callbacks.onFinish = held(&OnboardingCoordinator::finish);
-    callbacks.changed = held(&OnboardingCoordinator::refreshSoon);
+    callbacks.changed = [weak](Transition transition) {
+        if (auto self = weak.lock()) self->refreshSoon(transition);
+    };
     callbacks.performSystemPermissionRequest = [weak](const std::function<void()>& action) {
         if (auto self = weak.lock()) self->performSystemPermissionRequest(action);
     };
     auto mode = storedString(platform.defaults.standard(), "displayMode").value_or("push");
-    root = OnboardingRootView::create(platform, accessibility, step, mode, std::move(callbacks));
+    root = OnboardingRootView::create(platform, accessibility, motion, step, mode,
+                                      std::move(callbacks));
 
     WindowConfiguration made;
     made.name = "first-run";
@@ -114,11 +117,12 @@ void OnboardingCoordinator::restoreWindowLevel() {
     platform.application.activate();
 }
 
-void OnboardingCoordinator::refreshSoon() {
+void OnboardingCoordinator::refreshSoon(Transition transition) {
     // It comes from the middle of a control's own event.
-    platform.runLoop.post([weak = weak_from_this()] {
+    platform.runLoop.post([weak = weak_from_this(), transition] {
         auto self = weak.lock();
-        if (self && self->window && self->root) self->window->setContent(self->root->content());
+        if (self && self->window && self->root)
+            self->window->setContent(self->root->content(), transition);
     });
 }
 

@@ -45,10 +45,11 @@ private:
     void markComplete();
     void performSystemPermissionRequest(const std::function<void()>& action);
     void restoreWindowLevel();
-    void refreshSoon();
+    void refreshSoon(Transition transition);
 
     const Platform& platform;
     AccessibilityService& accessibility;
+    MotionPreference motion;
     std::unique_ptr<Window> window;
     std::shared_ptr<OnboardingRootView> root;
     Registration restoreWindowLevelWorkItem;

@@ -23,14 +23,6 @@ constexpr Feature featureCards[] = {{"push", "arrow.left.to.line"},
                                     {"hotkey", "keyboard"},
                                     {"icon", "line.3.horizontal.decrease"}};
 
-Control symbolOf(const std::string& name) {
-    Control made;
-    made.kind = Control::Kind::symbol;
-    made.symbol = name;
-    made.number = cardSymbol;
-    return made;
-}
-
 Control defaultButton(const std::string& key, std::function<void()> press) {
     Control made = buttonOf(key, std::move(press));
     made.isDefault = true;
@@ -40,19 +32,19 @@ Control defaultButton(const std::string& key, std::function<void()> press) {
 }  // namespace
 
 OnboardingRootView::OnboardingRootView(const Platform& desktop, AccessibilityService& accessibility,
-                                       std::string mode, Callbacks given)
+                                       const MotionPreference& preference, std::string mode,
+                                       Callbacks given)
     : platform(desktop),
       service(accessibility),
+      motion(preference),
       callbacks(std::move(given)),
       chosenMode(std::move(mode)) {}
 
-std::shared_ptr<OnboardingRootView> OnboardingRootView::create(const Platform& platform,
-                                                               AccessibilityService& accessibility,
-                                                               OnboardingStep step,
-                                                               std::string chosenMode,
-                                                               Callbacks callbacks) {
+std::shared_ptr<OnboardingRootView> OnboardingRootView::create(
+    const Platform& platform, AccessibilityService& accessibility, const MotionPreference& motion,
+    OnboardingStep step, std::string chosenMode, Callbacks callbacks) {
     std::shared_ptr<OnboardingRootView> made(new OnboardingRootView(
-        platform, accessibility, std::move(chosenMode), std::move(callbacks)));
+        platform, accessibility, motion, std::move(chosenMode), std::move(callbacks)));
     made->go(step);
     return made;
 }
@@ -70,7 +62,7 @@ void OnboardingRootView::go(OnboardingStep to) {
             if (auto self = weak.lock()) self->readPermissions();
         });
     }
-    callbacks.changed();
+    callbacks.changed(motion.betweenPages());
 }
 
 Control OnboardingRootView::content() {
@@ -108,9 +100,8 @@ Control OnboardingRootView::features() {
     Control page = columnOf({textOf("onboarding.features.title", Control::TextStyle::largeTitle)});
     for (const Feature& feature : featureCards) {
         std::string key = std::string("onboarding.features.") + feature.name;
-        Control words = textOf(key + ".title");
-        words.detail = text(key + ".body");
-        page.children.push_back(rowOf({symbolOf(feature.symbol), words}));
+        page.children.push_back(
+            rowOf({symbolOf(feature.symbol, cardSymbol), wordsOf(key + ".title", key + ".body")}));
     }
     page.children.push_back(defaultButton("onboarding.features.cta", [weak = weak_from_this()] {
         if (auto self = weak.lock()) self->go(OnboardingStep::modeSelect);
@@ -137,14 +128,13 @@ Control OnboardingRootView::modeCard(const std::string& mode, const std::string&
         auto self = weak.lock();
         if (!self) return;
         self->selected = mode;
-        self->callbacks.changed();
+        self->callbacks.changed(Transition::none);
     };
     // A bar with its items pushed off, or with the shelf under it.
-    Control bar = rowOf({symbolOf(mode == "push" ? "arrow.left.to.line" : "display"),
-                         symbolOf("line.3.horizontal.decrease"), symbolOf("battery.75percent")});
-    Control words = textOf(key + ".title", Control::TextStyle::title);
-    words.detail = text(key + ".body");
-    card.children = {bar, words};
+    Control bar = rowOf({symbolOf(mode == "push" ? "arrow.left.to.line" : "display", cardSymbol),
+                         symbolOf("line.3.horizontal.decrease", cardSymbol),
+                         symbolOf("battery.75percent", cardSymbol)});
+    card.children = {bar, wordsOf(key + ".title", key + ".body", Control::TextStyle::title)};
     bool isRecommended = (mode == "shelf") == hasNotch;
     if (isRecommended) {
         card.children.push_back(
@@ -176,9 +166,9 @@ Control OnboardingRootView::accessibilityCard() {
     Control card = columnOf({});
     card.kind = Control::Kind::card;
     card.key = "onboarding.permissions.accessibility";
-    Control words = textOf("onboarding.permissions.accessibility.title", Control::TextStyle::title);
-    words.detail = text("onboarding.permissions.accessibility.body");
-    card.children = {words};
+    card.children = {wordsOf("onboarding.permissions.accessibility.title",
+                             "onboarding.permissions.accessibility.body",
+                             Control::TextStyle::title)};
     if (hasAX) {
         card.children.push_back(
             textOf("onboarding.permissions.granted_badge", Control::TextStyle::badge));
@@ -201,10 +191,10 @@ Control OnboardingRootView::screenRecordingCard() {
     Control card;
     card.kind = Control::Kind::card;
     card.key = "onboarding.permissions.screen";
-    Control words = textOf("onboarding.permissions.screen.title", Control::TextStyle::title);
-    words.detail = text(isShelf ? "onboarding.permissions.screen.body.shelf"
-                                : "onboarding.permissions.screen.body");
-    card.children = {words};
+    card.children = {wordsOf(
+        "onboarding.permissions.screen.title",
+        isShelf ? "onboarding.permissions.screen.body.shelf" : "onboarding.permissions.screen.body",
+        Control::TextStyle::title)};
     if (hasSCK) {
         card.children.push_back(
             textOf("onboarding.permissions.granted_badge", Control::TextStyle::badge));
@@ -252,7 +242,7 @@ void OnboardingRootView::readPermissions() {
     if (trusted == hasAX && recording == hasSCK) return;
     hasAX = trusted;
     hasSCK = recording;
-    callbacks.changed();
+    callbacks.changed(Transition::crossFade);
 }
 
 void OnboardingRootView::grantAccessibility() {
@@ -267,7 +257,7 @@ void OnboardingRootView::grantAccessibility() {
     }
     hasAX = service.isTrusted();
     accessibilityRequested = true;
-    callbacks.changed();
+    callbacks.changed(Transition::none);
 }
 
 void OnboardingRootView::grantScreenRecording() {
@@ -279,7 +269,7 @@ void OnboardingRootView::grantScreenRecording() {
     }
     hasSCK = platform.screenCapture.preflightAccess();
     screenRecordingRequested = true;
-    callbacks.changed();
+    callbacks.changed(Transition::none);
 }
 
 }  // namespace nevo

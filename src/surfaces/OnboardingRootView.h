@@ -5,13 +5,13 @@
 #include <string>
 
 #include "surfaces/AccessibilityService.h"
+#include "surfaces/MotionPreference.h"
 
 namespace nevo {
 
 enum class OnboardingStep { welcome, features, modeSelect, permissions };
 
-/// What the first-run flow shows, step by step. Changes of a step come without motion of their own:
-/// the desktop decides on that.
+/// What the first-run flow shows, step by step.
 class OnboardingRootView : public std::enable_shared_from_this<OnboardingRootView> {
 public:
     /// What the view asks of the flow around it.
@@ -22,12 +22,14 @@ public:
         std::function<void(std::function<void()>)> performSystemPermissionRequest;
         /// The view may be destroyed in it.
         std::function<void()> onFinish;
-        /// The view shows something else.
-        std::function<void()> changed;
+        /// The view shows something else, which comes in this way.
+        std::function<void(Transition)> changed;
     };
 
+    /// All three outlive the view.
     static std::shared_ptr<OnboardingRootView> create(const Platform& platform,
                                                       AccessibilityService& accessibility,
+                                                      const MotionPreference& motion,
                                                       OnboardingStep step, std::string chosenMode,
                                                       Callbacks callbacks);
 
@@ -36,7 +38,7 @@ public:
 
 private:
     OnboardingRootView(const Platform& platform, AccessibilityService& accessibility,
-                       std::string mode, Callbacks given);
+                       const MotionPreference& motion, std::string mode, Callbacks given);
     void go(OnboardingStep to);
     Control welcome();
     Control features();
@@ -53,6 +55,7 @@ private:
 
     const Platform& platform;
     AccessibilityService& service;
+    const MotionPreference& motion;
     Callbacks callbacks;
     OnboardingStep current = OnboardingStep::welcome;
     std::string chosenMode;

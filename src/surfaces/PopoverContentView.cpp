@@ -1,24 +1,31 @@
 #include "surfaces/PopoverContentView.h"
 
+#include <string>
+#include <utility>
+
 #include "core/Texts.h"
+#include "surfaces/controls.h"
 
 namespace nevo {
 
 namespace {
 
-PopoverRow helpRow(const std::string& key, const std::string& symbol) {
-    return {key, text(key + ".title"), text(key + ".description"), symbol};
+constexpr double symbolHeight = 18;
+
+Control helpRow(const std::string& symbol, const std::string& key) {
+    return rowOf({symbolOf(symbol, symbolHeight), wordsOf(key + ".title", key + ".description")});
 }
 
 }  // namespace
 
-std::vector<PopoverRow> popoverContent(const AppState& appState) {
-    std::string status =
+Control popoverContent(const AppState& appState, std::function<void()> openSettings) {
+    const char* status =
         appState.isExpanded() ? "popover.status.expanded" : "popover.status.collapsed";
-    return {{status, text(status), "", ""},
-            helpRow("popover.click_to_toggle", "cursorarrow.click.2"),
-            helpRow("popover.arrange_items", ""),
-            helpRow("popover.this_panel", "")};
+    return columnOf({textOf(status, Control::TextStyle::title),
+                     helpRow("cursorarrow.click.2", "popover.click_to_toggle"),
+                     helpRow("arrow.left.to.line", "popover.arrange_items"),
+                     helpRow("info.circle", "popover.this_panel"),
+                     buttonOf("popover.settings", std::move(openSettings))});
 }
 
 }  // namespace nevo

@@ -1,13 +1,14 @@
 #pragma once
 
-#include <vector>
+#include <functional>
 
 #include "core/AppState.h"
-#include "platform/Menus.h"
+#include "platform/Controls.h"
 
 namespace nevo {
 
-/// What the popover tells: whether items are hidden now, and how the bar is used.
-std::vector<PopoverRow> popoverContent(const AppState& appState);
+/// What the popover tells: whether items are hidden now, and how the bar is used; and the way to
+/// the settings.
+Control popoverContent(const AppState& appState, std::function<void()> openSettings);
 
 }  // namespace nevo

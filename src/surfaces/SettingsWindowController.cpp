@@ -4,7 +4,6 @@
 #include <utility>
 
 #include "core/Texts.h"
-#include "surfaces/MenuBarLayoutView.h"
 #include "surfaces/controls.h"
 
 namespace nevo {
@@ -47,6 +46,7 @@ std::shared_ptr<SettingsWindowController> SettingsWindowController::create(
         if (auto self = weak.lock()) self->refreshSoon();
     };
     made->general = std::make_shared<GeneralSettingsTab>(made->services, changed);
+    made->layout = std::make_shared<MenuBarLayoutView>(changed);
     made->menuBar = std::make_shared<MenuBarSettingsTab>(made->services, changed);
     made->rules = std::make_shared<RulesSettingsTab>(made->services, changed);
     made->appRules = std::make_shared<AppRulesSettingsTab>(made->services, *made->rules, changed);
@@ -80,14 +80,18 @@ void SettingsWindowController::observe() {
         if (auto self = weak.lock()) self->refreshSoon();
     };
     stateObserver = services.appState.objectWillChange.observe(changed);
-    storeObserver = services.platform.notifications.addObserver(
-        userDefaultsDidChangeNotification, [changed](const Notification&) { changed(); });
+    auto& center = services.platform.notifications;
+    auto told = [changed](const Notification&) { changed(); };
+    storeObserver = center.addObserver(userDefaultsDidChangeNotification, told);
+    // Another main screen may have a notch.
+    screenObserver = center.addObserver(screenParametersChangedNotification, told);
 }
 
 void SettingsWindowController::disappear() {
     general->disappear();
     stateObserver.reset();
     storeObserver.reset();
+    screenObserver.reset();
 }
 
 void SettingsWindowController::close() {
@@ -150,7 +154,7 @@ Control SettingsWindowController::page(Tab tab) {
         case Tab::general:
             return general->content();
         case Tab::layout:
-            return menuBarLayoutView();
+            return layout->content();
         case Tab::menuBar:
             return menuBar->content();
         case Tab::rules: {

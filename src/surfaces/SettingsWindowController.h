@@ -4,6 +4,7 @@
 
 #include "surfaces/AppRulesSettingsTab.h"
 #include "surfaces/GeneralSettingsTab.h"
+#include "surfaces/MenuBarLayoutView.h"
 #include "surfaces/MenuBarSettingsTab.h"
 #include "surfaces/RulesSettingsTab.h"
 
@@ -39,12 +40,14 @@ private:
     std::unique_ptr<Window> window;
     Tab selectedTab = Tab::general;
     std::shared_ptr<GeneralSettingsTab> general;
+    std::shared_ptr<MenuBarLayoutView> layout;
     std::shared_ptr<MenuBarSettingsTab> menuBar;
     std::shared_ptr<RulesSettingsTab> rules;
     std::shared_ptr<AppRulesSettingsTab> appRules;
     bool isRefreshing = false;
     Registration stateObserver;
     Registration storeObserver;
+    Registration screenObserver;
 };
 
 }  // namespace nevo

@@ -43,6 +43,21 @@ Control textOf(const std::string& key, Control::TextStyle style) {
     return plainText(key, text(key), style);
 }
 
+Control wordsOf(const std::string& titleKey, const std::string& detailKey,
+                Control::TextStyle style) {
+    Control made = textOf(titleKey, style);
+    made.detail = text(detailKey);
+    return made;
+}
+
+Control symbolOf(const std::string& name, double height) {
+    Control made;
+    made.kind = Control::Kind::symbol;
+    made.symbol = name;
+    made.number = height;
+    return made;
+}
+
 Control plainText(const std::string& key, const std::string& words, Control::TextStyle style) {
     Control made;
     made.kind = Control::Kind::text;

@@ -14,6 +14,11 @@ Control columnOf(std::vector<Control> children);
 Control rowOf(std::vector<Control> children);
 Control sectionOf(const std::string& key, std::vector<Control> children);
 Control textOf(const std::string& key, Control::TextStyle style = Control::TextStyle::body);
+/// A text with one in smaller print below it.
+Control wordsOf(const std::string& titleKey, const std::string& detailKey,
+                Control::TextStyle style = Control::TextStyle::body);
+/// A system symbol, `height` points high.
+Control symbolOf(const std::string& name, double height);
 /// A text that isn't in the table: a name, a value, an error.
 Control plainText(const std::string& key, const std::string& words,
                   Control::TextStyle style = Control::TextStyle::body);

@@ -24,11 +24,6 @@ protected:
         registration = listen(platform().workspaceNotifications, announced);
     }
 
-    void startWindowManager() {
-        startProgram("openbox");
-        waitFor("a window manager runs", [this] { return count("_NET_SUPPORTING_WM_CHECK") > 0; });
-    }
-
     /// How many windows a property of the root names.
     std::size_t count(const char* property) {
         xcb::Atoms atoms(server->get(), {});
@@ -70,7 +65,7 @@ TEST_F(Front, eachChangeOfTheApplicationIsToldOnce) {
     kill(second, SIGKILL);
     waitFor("no window is left", [this] { return windows() == 1; });
 
-    platform().application.orderFrontStandardAboutPanel();
+    platform().application.orderFrontStandardAboutPanel("About Nevo", "");
     becomesFront(platform().application.processIdentifier(),
                  platform().application.bundleIdentifier());
     hand->press(returnKey);

@@ -7,7 +7,7 @@ std::optional<std::string> SimApplication::informationText(const std::string& ke
     return found == information.end() ? std::nullopt : std::optional(found->second);
 }
 
-void SimApplication::orderFrontStandardAboutPanel() {
+void SimApplication::orderFrontStandardAboutPanel(const std::string&, const std::string&) {
     aboutPanel = true;
     trace.note("panel", "about");
 }

@@ -22,7 +22,8 @@ public:
     void setActivationPolicy(ActivationPolicy policy) override { workspace.ownPolicy = policy; }
     ActivationPolicy activationPolicy() const override { return workspace.ownPolicy; }
     void activate() override { workspace.activate(program.pid); }
-    void orderFrontStandardAboutPanel() override;
+    void orderFrontStandardAboutPanel(const std::string& title,
+                                      const std::string& credits) override;
     void terminate() override;
 
     /// Tells the program that it has started.

@@ -19,7 +19,12 @@ public:
     SimWindow(const SimWindow&) = delete;
     SimWindow& operator=(const SimWindow&) = delete;
 
-    void setContent(Control content) override { shown.content = std::move(content); }
+    void setContent(Control content, Transition transition) override {
+        shown.content = std::move(content);
+        if (!shown.isVisible || transition == Transition::none) return;
+        note(transition == Transition::move ? "moves on" : "cross-fades");
+        owner.last = transition;
+    }
     bool isVisible() const override { return shown.isVisible; }
     void makeKeyAndOrderFront() override {
         ++shown.timesInFront;

@@ -39,12 +39,15 @@ public:
     /// A person closes the frontmost window. False when there is none, or it has no close button.
     bool closeFront();
     void setReducedMotion(bool reduced);
+    /// The one that was seen last.
+    Transition lastTransition() const { return last; }
 
 private:
     class SimWindow;
 
     SimTrace& trace;
     bool reducedMotion = false;
+    Transition last = Transition::none;
     /// The frontmost last.
     std::vector<SimWindow*> windows;
 };

@@ -20,8 +20,8 @@ SimDesktop::SimDesktop()
       screenCapture(loop, windows, windowServer, permissions, faults, trace),
       images(faults),
       menus(trace),
-      popovers(trace),
       controlWindows(trace),
+      popovers(controlWindows),
       alerts(trace),
       files(faults, trace),
       loginItem(faults, trace),
@@ -59,7 +59,6 @@ void SimDesktop::reap() {
     // new work behind.
     loop.clearProgram();
     running.reset();
-    popovers.closeAll();
     loop.clearProgram();
     if (!application.hasCrashed()) return;
     for (WindowNumber window : bar.order()) windows.find(window)->alpha = 1;
@@ -81,7 +80,7 @@ void SimDesktop::displaysChanged() {
     trace.note("displays", fmt::format("{}", screens.displays().size()));
     layBars();
     bar.layOutLater();
-    loop.post([this] { notifications.post("NSApplicationDidChangeScreenParametersNotification"); });
+    loop.post([this] { notifications.post(screenParametersChangedNotification); });
 }
 
 void SimDesktop::layBars() {

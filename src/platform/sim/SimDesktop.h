@@ -63,8 +63,8 @@ public:
     SimScreenCapture screenCapture;
     SimImages images;
     SimMenus menus;
-    SimPopovers popovers;
     SimControlWindows controlWindows;
+    SimPopovers popovers;
     SimAlerts alerts;
     SimFiles files;
     SimLoginItem loginItem;

@@ -6,6 +6,7 @@
 namespace nevo {
 
 AlertAnswer SimAlerts::run(const Alert& alert) {
+    if (whileOpen) whileOpen();
     AlertAnswer answer{alert.buttons.size() - 1, false};
     if (!answers.empty()) {
         answer = answers.front();
@@ -93,7 +94,9 @@ public:
     SimUpdater& operator=(const SimUpdater&) = delete;
 
     bool canCheckForUpdates() const override { return owner.canCheck; }
-    void checkForUpdates() override { owner.trace.note("updater", "looks for updates"); }
+    void checkForUpdates(const MenuItem*) override {
+        owner.trace.note("updater", "looks for updates");
+    }
     bool automaticallyChecksForUpdates() const override { return owner.checksAutomatically; }
     void setAutomaticallyChecksForUpdates(bool checks) override {
         owner.checksAutomatically = checks;
@@ -105,6 +108,7 @@ private:
 };
 
 std::unique_ptr<Updater> SimUpdaters::create(UpdaterDelegate told) {
+    if (isManaged) return nullptr;
     delegate = std::move(told);
     trace.note("updater", "started");
     return std::make_unique<SimUpdater>(*this);

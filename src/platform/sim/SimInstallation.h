@@ -1,5 +1,6 @@
 #pragma once
 
+#include <functional>
 #include <map>
 #include <optional>
 
@@ -21,6 +22,9 @@ public:
     AlertAnswer run(const Alert& alert) override;
 
     void answerNext(AlertAnswer answer) { answers.push_back(answer); }
+
+    /// Called while an alert is open, to turn the loop.
+    std::function<void()> whileOpen;
 
 private:
     SimTrace& trace;
@@ -95,6 +99,8 @@ public:
     explicit SimUpdaters(SimTrace& to) : trace(to) {}
     std::unique_ptr<Updater> create(UpdaterDelegate told) override;
 
+    /// The installation is updated by somebody else, from the next start on.
+    bool isManaged = false;
     bool canCheck = true;
     bool checksAutomatically = true;
     /// What the program is told; its members are empty while it has no updater.

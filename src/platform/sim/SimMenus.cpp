@@ -4,6 +4,10 @@
 
 namespace nevo {
 
+namespace {
+constexpr const char* popoverName = "popover";
+}
+
 void SimMenus::popUp(const std::vector<MenuItem>& items, Point, StatusItemButton&) {
     show(items);
     for (const MenuItem& item : items) {
@@ -50,45 +54,44 @@ void SimMenus::dismiss() { isOpen = false; }
 
 class SimPopovers::SimPopover : public Popover {
 public:
-    SimPopover(SimTrace& to, std::shared_ptr<Shown> place) : trace(to), shown(std::move(place)) {}
-    ~SimPopover() override {
-        if (isShown()) *shown = Shown{};
-    }
+    explicit SimPopover(SimPopovers& owner) : popovers(owner) { popovers.all.push_back(this); }
+    ~SimPopover() override { std::erase(popovers.all, this); }
+    SimPopover(const SimPopover&) = delete;
+    SimPopover& operator=(const SimPopover&) = delete;
 
     void setContentSize(Size) override {}
     void setBehavior(int) override {}
     void setAnimates(bool) override {}
-    void setContent(std::function<std::vector<PopoverRow>()> rows) override {
-        content = std::move(rows);
+    void setContent(Control newContent) override {
+        content = std::move(newContent);
+        if (window) window->setContent(content);
     }
-    bool isShown() const override { return shown->which == this; }
-    void performClose() override {
-        if (!isShown()) return;
-        *shown = Shown{};
-        trace.note("popover", "closed");
-    }
+    bool isShown() const override { return window != nullptr; }
+    void performClose() override { window.reset(); }
     void show(Rect, StatusItemButton&, int) override {
-        shown->which = this;
-        shown->rows = content ? content() : std::vector<PopoverRow>{};
-        std::string text;
-        for (const PopoverRow& row : *shown->rows) text += " " + row.key;
-        trace.note("popover", "shown:" + text);
+        WindowConfiguration made;
+        made.name = popoverName;
+        made.isBare = true;
+        window = popovers.windows.create(made);
+        window->setContent(content);
+        window->makeKeyAndOrderFront();
     }
 
 private:
-    SimTrace& trace;
-    std::shared_ptr<Shown> shown;
-    std::function<std::vector<PopoverRow>()> content;
+    SimPopovers& popovers;
+    Control content;
+    std::unique_ptr<Window> window;
 };
 
-std::unique_ptr<Popover> SimPopovers::create() {
-    return std::make_unique<SimPopover>(trace, shown);
+std::unique_ptr<Popover> SimPopovers::create() { return std::make_unique<SimPopover>(*this); }
+
+const Control* SimPopovers::shown() const {
+    const SimControlWindows::Shown* window = windows.named(popoverName);
+    return window ? &window->content : nullptr;
 }
 
 void SimPopovers::closeAll() {
-    if (shown->which == nullptr) return;
-    *shown = Shown{};
-    trace.note("popover", "closed");
+    for (SimPopover* popover : all) popover->performClose();
 }
 
 }  // namespace nevo

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "platform/Menus.h"
+#include "platform/sim/SimControlWindows.h"
 #include "platform/sim/SimTrace.h"
 
 namespace nevo {
@@ -37,27 +38,23 @@ private:
     std::string chosen;
 };
 
-/// Keeps what a popover would show.
+/// Popovers are windows that close at a press elsewhere.
 class SimPopovers : public Popovers {
 public:
-    explicit SimPopovers(SimTrace& to) : trace(to), shown(std::make_shared<Shown>()) {}
+    explicit SimPopovers(SimControlWindows& of) : windows(of) {}
 
     std::unique_ptr<Popover> create() override;
 
-    /// The rows of the popover that is shown; nothing when none is.
-    std::optional<std::vector<PopoverRow>> shownRows() const { return shown->rows; }
+    /// What the popover shows; nullptr when it is closed.
+    const Control* shown() const;
     /// A click elsewhere.
     void closeAll();
 
 private:
     class SimPopover;
-    struct Shown {
-        const SimPopover* which = nullptr;
-        std::optional<std::vector<PopoverRow>> rows;
-    };
 
-    SimTrace& trace;
-    std::shared_ptr<Shown> shown;
+    SimControlWindows& windows;
+    std::vector<SimPopover*> all;
 };
 
 }  // namespace nevo

@@ -68,6 +68,7 @@ public:
                      const SimPermissions& permitted)
         : applications(others), windows(allWindows), faults(scripted), permissions(permitted) {}
 
+    bool isTrustUserControlled() const override { return true; }
     bool isProcessTrusted() const override { return permissions.accessibility; }
     void promptForTrust() override { ++prompts; }
     std::optional<std::vector<AccessibilityElement>> extrasMenuBarChildren(

@@ -152,8 +152,9 @@ std::vector<std::string> DomainFile::takeProblems() { return std::exchange(probl
 std::optional<DomainFile::Content> DomainFile::read() {
     Descriptor opened(::open(file.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK));
     if (!opened) {
-        // ENOTDIR: something else stands where a folder should; writing will tell.
-        if (errno == ENOENT || errno == ENOTDIR) return Content{};
+        if (errno == ENOENT) return Content{};
+        // Something else stands where a folder should: what is known stays, and writing will tell.
+        if (errno == ENOTDIR) return std::nullopt;
         fail(fmt::format("can't read it: {}", std::strerror(errno)));
         return std::nullopt;
     }

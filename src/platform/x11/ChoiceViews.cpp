@@ -196,6 +196,9 @@ protected:
     void present() override {
         describe(*slider, control());
         static_cast<Field&>(widget()).showTexts(control());
+        // What the slider itself tells is the number of its step.
+        slider->setAccessibleDescription(
+            plainText(control().numberText + " " + control().detail).trimmed());
         number->setText(plainText(control().numberText));
         number->setVisible(!control().numberText.empty());
         // A hand that holds it has the last word.

@@ -11,6 +11,8 @@
 #include <QWindow>
 #include <algorithm>
 
+#include "platform/x11/PageTransition.h"
+
 namespace nevo {
 
 namespace {
@@ -41,10 +43,13 @@ ContentWindow::ContentWindow(const Traits& wanted, const Images& images)
 
 ContentWindow::~ContentWindow() = default;
 
-void ContentWindow::setContent(Control content) {
+void ContentWindow::setContent(Control content, Transition transition) {
     if (!renderer) return;
+    bool isSeen = isVisible() && transition != Transition::none;
+    QPixmap before = isSeen ? page->grab() : QPixmap();
     renderer->show(std::move(content));
     fit();
+    if (isSeen) PageTransition::run(*page, before, transition);
 }
 
 void ContentWindow::removeContent() { renderer.reset(); }

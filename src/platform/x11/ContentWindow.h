@@ -6,6 +6,7 @@
 #include <memory>
 #include <optional>
 
+#include "platform/Windows.h"
 #include "platform/x11/ControlRenderer.h"
 
 namespace nevo {
@@ -24,7 +25,7 @@ public:
     ContentWindow(const Traits& wanted, const Images& images);
     ~ContentWindow() override;
 
-    void setContent(Control content);
+    void setContent(Control content, Transition transition = Transition::none);
     void removeContent();
     /// Shows it, in the middle of the main screen if it wasn't in sight.
     void open(bool takesFocus);

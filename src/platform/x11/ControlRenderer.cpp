@@ -7,6 +7,16 @@
 
 namespace nevo {
 
+namespace {
+
+auto defaultAmong(std::vector<QWidget*>& widgets) {
+    return std::find_if(widgets.begin(), widgets.end(), [](const QWidget* widget) {
+        return widget->property(defaultProperty).toBool();
+    });
+}
+
+}  // namespace
+
 ControlRenderer::ControlRenderer(PageArea& page, const Images& pictures)
     : area(page), images(pictures) {}
 
@@ -28,10 +38,12 @@ void ControlRenderer::show(Control content) {
 void ControlRenderer::focusFirst() {
     std::vector<QWidget*> all;
     if (root) root->appendOperable(all);
-    auto first = std::find_if(all.begin(), all.end(), [](const QWidget* widget) {
-        return widget->isEnabled() && (widget->focusPolicy() & Qt::TabFocus) != 0;
+    std::erase_if(all, [](const QWidget* widget) {
+        return !widget->isEnabled() || (widget->focusPolicy() & Qt::TabFocus) == 0;
     });
-    if (first != all.end()) (*first)->setFocus(Qt::ActiveWindowFocusReason);
+    if (all.empty()) return;
+    auto wanted = defaultAmong(all);
+    (wanted == all.end() ? all.front() : *wanted)->setFocus(Qt::ActiveWindowFocusReason);
 }
 
 void ControlRenderer::refresh() {
@@ -47,11 +59,7 @@ void ControlRenderer::keepFocus(QWidget* focused, const QString& name) {
         return !name.isEmpty() && widget->objectName() == name;
     });
     // A page that has just come: what is next to be done.
-    if (again == all.end()) {
-        again = std::find_if(all.begin(), all.end(), [](const QWidget* widget) {
-            return widget->property(defaultProperty).toBool();
-        });
-    }
+    if (again == all.end()) again = defaultAmong(all);
     if (again != all.end()) (*again)->setFocus(Qt::OtherFocusReason);
 }
 

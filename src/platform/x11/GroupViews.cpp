@@ -103,6 +103,10 @@ public:
         : ControlGroup(pictures, new QTabWidget), tabs(static_cast<QTabWidget*>(&widget())) {
         tabs->tabBar()->setUsesScrollButtons(false);
         tabs->tabBar()->setElideMode(Qt::ElideNone);
+        // The row of tabs takes the keys. It is read before the pages, as it is seen.
+        tabs->setFocusProxy(nullptr);
+        tabs->setFocusPolicy(Qt::NoFocus);
+        tabs->tabBar()->lower();
         QObject::connect(tabs, &QTabWidget::currentChanged, &context, [this](int index) {
             auto place = static_cast<std::size_t>(index);
             if (index < 0 || place >= children.size()) return;

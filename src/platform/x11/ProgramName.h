@@ -2,10 +2,11 @@
 
 namespace nevo {
 
-/// The stable application id: names the domain of the settings and of the items' places.
+/// The stable application id: names the domain of the settings and of the items' places, the
+/// desktop entry, and the icon.
 inline constexpr const char* applicationId = "com.nevoapp.Nevo";
 /// For people.
 inline constexpr const char* programName = "Nevo";
-inline constexpr const char* programVersion = "0.1.0";
+inline constexpr const char* programVersion = NEVO_VERSION;
 
 }  // namespace nevo

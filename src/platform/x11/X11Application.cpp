@@ -3,6 +3,7 @@
 #include <fcntl.h>
 #include <unistd.h>
 
+#include <QLibraryInfo>
 #include <QLocale>
 #include <QMessageBox>
 #include <QTimer>
@@ -31,6 +32,11 @@ extern "C" void noteSignal(int) {
 }  // namespace
 
 X11Application::X11Application(QApplication& application) : qt(application) {
+    // What its own dialogs say, in the language of the session; English where there is no such
+    // file.
+    QString translations = QLibraryInfo::path(QLibraryInfo::TranslationsPath);
+    if (dialogTexts.load(QLocale::system(), "qtbase", "_", translations))
+        QApplication::installTranslator(&dialogTexts);
     if (pipe2(signalPipe, O_CLOEXEC | O_NONBLOCK) != 0) return;
     signalSink = signalPipe[1];
     signalNotifier = std::make_unique<QSocketNotifier>(signalPipe[0], QSocketNotifier::Read);
@@ -78,7 +84,8 @@ void X11Application::activate() {
     }
 }
 
-void X11Application::orderFrontStandardAboutPanel() {
+void X11Application::orderFrontStandardAboutPanel(const std::string& title,
+                                                  const std::string& credits) {
     static constexpr const char* name = "about";
     for (QWidget* widget : QApplication::topLevelWidgets()) {
         if (widget->objectName() != name) continue;
@@ -89,9 +96,9 @@ void X11Application::orderFrontStandardAboutPanel() {
     auto* box = new QMessageBox;
     box->setObjectName(name);
     box->setAttribute(Qt::WA_DeleteOnClose);
-    box->setWindowTitle(QObject::tr("About %1").arg(programName));
+    box->setWindowTitle(QString::fromStdString(title));
     box->setText(QStringLiteral("<b>%1</b>&nbsp;&nbsp;%2").arg(programName, programVersion));
-    box->setInformativeText(QObject::tr("Keeps the status items of your menu bar in order."));
+    box->setInformativeText(QString::fromStdString(credits));
     box->setStandardButtons(QMessageBox::Close);
     box->setModal(false);
     box->show();

@@ -2,6 +2,7 @@
 
 #include <QApplication>
 #include <QSocketNotifier>
+#include <QTranslator>
 #include <memory>
 
 #include "platform/Application.h"
@@ -27,7 +28,8 @@ public:
     void setActivationPolicy(ActivationPolicy newPolicy) override { policy = newPolicy; }
     ActivationPolicy activationPolicy() const override { return policy; }
     void activate() override;
-    void orderFrontStandardAboutPanel() override;
+    void orderFrontStandardAboutPanel(const std::string& title,
+                                      const std::string& credits) override;
     void terminate() override;
 
     /// Calls the delegate and runs until the end; the exit status.
@@ -37,6 +39,7 @@ public:
 
 private:
     QApplication& qt;
+    QTranslator dialogTexts;
     ActivationPolicy policy = ActivationPolicy::regular;
     bool isTerminating = false;
     int exitStatus = 0;

@@ -14,7 +14,7 @@ constexpr int settleMilliseconds = 100;
 
 FileDomain::FileDomain(std::filesystem::path path, LogOutput& output)
     : log(output), file(std::move(path)) {
-    report();
+    report(true);
 }
 
 std::optional<DefaultsValue> FileDomain::object(const std::string& key) const {
@@ -51,18 +51,21 @@ bool FileDomain::write() {
     if (unwritten.empty()) return true;
     bool written = file.update(unwritten);
     if (written) unwritten.clear();
-    report();
+    report(written);
     return written;
 }
 
 bool FileDomain::reload() {
     bool isRead = file.reload();
-    report();
+    report(isRead);
     return isRead;
 }
 
-void FileDomain::report() {
+void FileDomain::report(bool isWell) {
+    if (isWell) toldProblems.clear();
     for (const std::string& problem : file.takeProblems()) {
+        // Each change tries again, and a failure that goes on is told once.
+        if (!isWell && !toldProblems.insert(problem).second) continue;
         std::string line = "[Nevo] stored values: " + problem + "\n";
         log.writeStandardError(line);
         log.appendToLogFile(line);

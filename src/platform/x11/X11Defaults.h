@@ -2,6 +2,7 @@
 
 #include <QFileSystemWatcher>
 #include <QTimer>
+#include <set>
 
 #include "platform/LogOutput.h"
 #include "platform/NotificationCenter.h"
@@ -31,11 +32,13 @@ protected:
     const std::filesystem::path& path() const { return file.path(); }
 
 private:
-    void report();
+    /// Logs what went wrong; `isWell` when the file was read or written all the same.
+    void report(bool isWell);
 
     LogOutput& log;
     DomainFile file;
     DomainFile::Changes unwritten;
+    std::set<std::string> toldProblems;
 };
 
 /// This program's own domain: written once a turn of the loop, watched for what others write.

@@ -40,6 +40,7 @@ public:
 
 class NoExtras : public Accessibility {
 public:
+    bool isTrustUserControlled() const override { return false; }
     bool isProcessTrusted() const override { return true; }
     void promptForTrust() override {}
     std::optional<std::vector<AccessibilityElement>> extrasMenuBarChildren(
@@ -137,6 +138,7 @@ X11Desktop::X11Desktop(XServer& x, int& argc, char** argv) {
     QApplication::setDesktopFileName(applicationId);
     QApplication::setQuitOnLastWindowClosed(false);
     parts = std::make_unique<Parts>(x, argc, argv);
+    QApplication::setWindowIcon(QIcon(QStringLiteral(":/app/%1.svg").arg(applicationId)));
     // Where no desktop environment has chosen a theme, the common one has the most icons.
     if (QIcon::fallbackThemeName().isEmpty()) QIcon::setFallbackThemeName("Adwaita");
 }

@@ -15,11 +15,16 @@ namespace nevo {
 
 namespace {
 
+/// While a picture is read, and as it is held at four bytes a pixel: four times the largest icon
+/// there is, since what is held is also copied.
 constexpr int mostMegabytes = 64;
+constexpr qint64 mostPixels = 2048 * 2048;
 /// A point of a picture that is made here holds as many pixels across: enough for every scale.
 constexpr int pixelsAcrossPoint = 4;
 constexpr int mostPixelsASide = 8192;
 constexpr std::string_view brandPrefix = "Brand";
+
+bool isTooLarge(QSize size) { return qint64{size.width()} * size.height() > mostPixels; }
 
 std::optional<Image> drawing(const QString& path, const std::string& source) {
     QSvgRenderer renderer;
@@ -60,13 +65,12 @@ std::optional<Image> X11Images::decode(const Bytes& data) const {
     QImageReader reader(&buffer);
     reader.setDecideFormatFromContent(true);
     reader.setAutoTransform(true);
-    // A drawing's size is whatever its author wrote: it is looked at before it takes memory.
-    QSize size = reader.size();
-    if (size.width() > mostPixelsASide || size.height() > mostPixelsASide) return std::nullopt;
+    // A drawing of a few bytes may take a billion steps.
+    if (reader.format().startsWith("svg")) return std::nullopt;
+    // Its size is whatever its author wrote, and it is looked at before it takes memory.
+    if (isTooLarge(reader.size())) return std::nullopt;
     QImage image = reader.read();
-    if (image.isNull() || image.width() > mostPixelsASide || image.height() > mostPixelsASide) {
-        return std::nullopt;
-    }
+    if (image.isNull() || isTooLarge(image.size())) return std::nullopt;
     return fromQImage(image);
 }
 

@@ -43,6 +43,16 @@ std::string execArgument(const std::string& text) {
     return result + "\"";
 }
 
+/// A plain value of an entry.
+std::string stringValue(const std::string& text) {
+    std::string result;
+    for (char c : text) {
+        if (c == '\\') result += '\\';
+        result += c == '\n' ? std::string("\\n") : std::string(1, c);
+    }
+    return result;
+}
+
 /// The keys of the entry's own group; those of a file that can't be read are none.
 std::map<QString, QString> keysOf(const QString& path) {
     QFile file(path);
@@ -93,10 +103,11 @@ std::optional<std::string> X11LoginItem::setRegistered(bool registered) {
         return failure(what, folder, QObject::tr("the folder can't be made"));
     }
     QSaveFile file(path);
+    // The entry outlives the program when that is uninstalled; TryExec lets desktops pass it over.
     std::string entry = fmt::format(
-        "[Desktop Entry]\nType=Application\nName={}\nExec={}\nTerminal=false\n"
+        "[Desktop Entry]\nType=Application\nName={}\nIcon={}\nExec={}\nTryExec={}\nTerminal=false\n"
         "X-GNOME-Autostart-enabled=true\n",
-        programName, execArgument(program));
+        programName, applicationId, execArgument(program), stringValue(program));
     bool isWritten = file.open(QIODevice::WriteOnly) &&
                      file.write(entry.data(), static_cast<qint64>(entry.size())) >= 0 &&
                      file.commit();

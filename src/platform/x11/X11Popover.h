@@ -1,6 +1,5 @@
 #pragma once
 
-#include <QFrame>
 #include <QPointer>
 
 #include "platform/Images.h"
@@ -10,7 +9,9 @@
 
 namespace nevo {
 
-/// A panel of text rows that closes at a click elsewhere or Escape.
+class PopoverPanel;
+
+/// A panel of controls that closes at a click elsewhere or Escape.
 class X11Popover : public Popover {
 public:
     X11Popover(XServer& x, BarClient& client, const Images& pictures, const Compositor& manager);
@@ -20,23 +21,19 @@ public:
     /// Always transient, and never animated: this desktop's popups are so.
     void setBehavior(int) override {}
     void setAnimates(bool) override {}
-    void setContent(std::function<std::vector<PopoverRow>()> newContent) override {
-        content = std::move(newContent);
-    }
+    void setContent(Control newContent) override;
     bool isShown() const override;
     void performClose() override;
     void show(Rect rect, StatusItemButton& button, int preferredEdge) override;
 
 private:
-    QFrame* build() const;
-
     XServer& server;
     BarClient& bar;
     const Images& images;
     const Compositor& compositor;
     Size size{300, 280};
-    std::function<std::vector<PopoverRow>()> content;
-    QPointer<QFrame> panel;
+    Control content;
+    QPointer<PopoverPanel> panel;
 };
 
 }  // namespace nevo

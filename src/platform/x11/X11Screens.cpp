@@ -13,7 +13,6 @@ namespace nevo {
 namespace {
 /// A change comes as several events over some time: a mode, an output, the screen's size.
 constexpr int settleMilliseconds = 250;
-constexpr const char* changed = "NSApplicationDidChangeScreenParametersNotification";
 }  // namespace
 
 X11Screens::X11Screens(XServer& x, EventPump& pump, NotificationCenter& center)
@@ -114,7 +113,7 @@ void X11Screens::reconsider() {
     if (monitors == announced && isSameRow) return;
     announced = monitors;
     if (row) announcedRow = row;
-    notifications.post(changed);
+    notifications.post(screenParametersChangedNotification);
 }
 
 std::vector<Screen> X11Screens::screens() const {

@@ -9,7 +9,7 @@
 namespace nevo {
 
 /// The active RandR monitors, the primary one first. Posts
-/// "NSApplicationDidChangeScreenParametersNotification" once a change of them has settled, or one
+/// `screenParametersChangedNotification` once a change of them has settled, or one
 /// of the bar's row: an item has come or gone, or stands elsewhere in the order. Opacity, width and
 /// what dividers do are no such change.
 class X11Screens : public Screens {

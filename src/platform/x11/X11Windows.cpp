@@ -1,5 +1,6 @@
 #include "platform/x11/X11Windows.h"
 
+#include "platform/x11/AccessibleRoles.h"
 #include "platform/x11/ContentWindow.h"
 
 namespace nevo {
@@ -31,7 +32,9 @@ public:
     X11Window(const X11Window&) = delete;
     X11Window& operator=(const X11Window&) = delete;
 
-    void setContent(Control content) override { window->setContent(std::move(content)); }
+    void setContent(Control content, Transition transition) override {
+        window->setContent(std::move(content), transition);
+    }
     bool isVisible() const override { return window->isVisible(); }
     void makeKeyAndOrderFront() override {
         window->open(true);
@@ -63,6 +66,7 @@ private:
 
 X11Windows::X11Windows(const Images& pictures, XServer& server, EventPump& pump)
     : images(pictures), motion(server, pump) {
+    installAccessibleRoles();
     motion.changed = [this] {
         if (reducedMotionDidChange) reducedMotionDidChange();
     };
