@@ -4,6 +4,7 @@
 #include <vector>
 
 #include "menubar/Bar.h"
+#include "menubar/ItemsReport.h"
 #include "menubar/Log.h"
 #include "menubar/UsualHeight.h"
 
@@ -17,6 +18,12 @@ int main(int argc, char** argv) {
         return 0;
     }
     auto display = options ? Display::open(failure) : nullptr;
+    if (display && options->listsItems) {
+        auto report = reportItems(*display, failure);
+        if (report) std::fputs(report->c_str(), stdout);
+        if (!report) logLine(failure);
+        return report ? 0 : 1;
+    }
     auto host = display ? TrayHost::claim(*display, failure) : nullptr;
     if (!host) {
         logLine(failure);

@@ -68,10 +68,13 @@ Bar::Bar(const Display& x, const Options& chosen, std::unique_ptr<TrayHost> tray
     grabDragButton();
     layout();
     host->announce();
+    openNotifiers();
     adoptionDue = Clock::now() + adoptionDelay;
 }
 
 Bar::~Bar() {
+    // Their items go with the rest.
+    notifiers->gone = [](statusnotifier::Item&) {};
     if (!display.server().isBroken()) {
         for (BarItem* item : items.all()) removeItem(*item, true);
     }
@@ -107,6 +110,8 @@ int Bar::run() {
     while (!isEnding) {
         drainEvents();
         if (isEnding) break;
+        notifiers->process();
+        icons->process();
         work();
         if (!waitForSomething()) break;
     }
@@ -130,10 +135,15 @@ bool Bar::waitForSomething() {
         auto left = std::chrono::ceil<std::chrono::milliseconds>(*deadline - Clock::now()).count();
         timeout = static_cast<int>(std::max<std::int64_t>(left, 0));
     }
-    std::array<pollfd, 3> descriptors{{{display.server().fileDescriptor(), POLLIN, 0},
-                                       {signalDescriptor, POLLIN, 0},
-                                       {minuteDescriptor, POLLIN, 0}}};
+    std::vector<pollfd> descriptors{{display.server().fileDescriptor(), POLLIN, 0},
+                                    {signalDescriptor, POLLIN, 0},
+                                    {minuteDescriptor, POLLIN, 0}};
+    notifiers->appendTo(descriptors);
+    icons->appendTo(descriptors);
+    if (menuHelper) descriptors.push_back({menuHelper->endDescriptor(), POLLIN, 0});
+    std::size_t last = descriptors.size() - 1;
     ::poll(descriptors.data(), descriptors.size(), timeout);
+    if (menuHelper && (descriptors[last].revents & POLLIN) != 0) menuHelper.reset();
     if ((descriptors[1].revents & POLLIN) != 0) isEnding = true;
     if ((descriptors[2].revents & (POLLIN | POLLERR)) != 0) tick();
     return true;
@@ -149,6 +159,8 @@ Bar::Deadline Bar::nextDeadline() const {
     if (monitorsDue) consider(*monitorsDue);
     if (clockDue) consider(*clockDue);
     if (adoptionDue) consider(*adoptionDue);
+    if (auto time = notifiers->deadline()) consider(*time);
+    if (auto time = icons->deadline()) consider(*time);
     return next;
 }
 

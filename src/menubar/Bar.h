@@ -10,8 +10,11 @@
 #include "menubar/BarWindow.h"
 #include "menubar/ClockFace.h"
 #include "menubar/Display.h"
+#include "menubar/HelperProcess.h"
+#include "menubar/IconSource.h"
 #include "menubar/ItemTable.h"
 #include "menubar/Leases.h"
+#include "menubar/Notifiers.h"
 #include "menubar/Options.h"
 #include "menubar/RowKeeper.h"
 #include "menubar/SyntheticInput.h"
@@ -37,6 +40,8 @@ public:
     int run();
 
 private:
+    /// Withdrawn ones included.
+    static constexpr std::size_t mostItems = 500;
     using Clock = std::chrono::steady_clock;
     using Deadline = std::optional<Clock::time_point>;
 
@@ -128,6 +133,22 @@ private:
     void endDrag();
     void cancelDrag();
 
+    // BarNotifiers.cpp: items of programs that have no window of their own
+    int pictureSide() const;
+    void openNotifiers();
+    BarItem* withNotifier(const statusnotifier::Item& notifier) const;
+    void onNotifierChanged(statusnotifier::Item& notifier);
+    BarItem* dockNotifier(statusnotifier::Item& notifier);
+    statusnotifier::Picture pictureOf(const BarItem& item, const statusnotifier::ItemIcon& icon);
+    void showFace(BarItem& item);
+    void showTitle(BarItem& item);
+    BarItem* xembedTwin(const BarItem& item) const;
+    void hideXembedTwin(BarItem& item);
+    void showXembedTwin(BarItem& item);
+    void onFacePress(BarItem& item, const xcb_button_press_event_t& event);
+    void onFaceRelease(BarItem& item, const xcb_button_release_event_t& event);
+    void openMenu(BarItem& item);
+
     // BarVisit.cpp
     void onVisitMessage(BarItem& item, bool comes, int x, xcb_window_t lease);
     void endVisit();
@@ -145,6 +166,11 @@ private:
     /// The primary monitor's first: it holds the items.
     std::vector<std::unique_ptr<BarWindow>> windows;
     ItemTable items;
+    std::unique_ptr<IconSource> icons;
+    std::unique_ptr<Notifiers> notifiers;
+    /// Shows a menu, while it exists and a little longer.
+    std::unique_ptr<HelperProcess> menuHelper;
+    bool menuFailureLogged = false;
 
     struct DockRequest {
         xcb_window_t client;

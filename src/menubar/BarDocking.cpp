@@ -12,7 +12,6 @@ namespace nevo::menubar {
 using xcb::PropertyRead;
 
 namespace {
-constexpr std::size_t mostItems = 500;
 constexpr std::uint32_t longestText = 1024;
 constexpr double largestLength = 10000;
 constexpr double lengthUnit = 1000;
@@ -103,6 +102,7 @@ void Bar::identify(BarItem& item) {
     auto owner = owners.identify(item.pid, item.windowClass);
     item.applicationId = appId.text().value_or("");
     item.ownerName = owner.name;
+    item.signs = owner.signs;
     if (item.applicationId.empty()) {
         item.applicationId = owner.applicationId;
     } else if (auto entry = desktopEntries.byId(item.applicationId)) {
@@ -154,7 +154,7 @@ void Bar::refresh(BarItem& item) {
         nameItem(item, newName);
         if (std::exchange(item.isInRow, false)) setInRow(item, true);
     }
-    setInRow(item, item.xembed.wantsMapped);
+    setInRow(item, item.xembed.wantsMapped && !item.isTwin);
     needsLayout = true;
 }
 
@@ -186,7 +186,7 @@ void Bar::removeItem(BarItem& item, bool handsBack) {
     bool isShutdown = isEnding;
     if (drag && drag->item == item.key) cancelDrag();
     if (item.isInRow && !isShutdown) keeper.leave(item.key);
-    if (handsBack) {
+    if (handsBack && !item.face) {
         const PixelRect& bar = windows.front()->rect();
         handBack(display, item.client, bar.x, bar.y, leases.contains(item.client));
     }
@@ -206,8 +206,14 @@ void Bar::publishIdentity(const BarItem& item) const {
     xcb::writeText(c, frame, display.atom(barprotocol::itemAppId), utf8, item.applicationId);
     xcb::writeText(c, frame, display.atom(barprotocol::itemName), utf8, item.name);
     xcb::writeText(c, frame, display.atom(barprotocol::itemOwnerName), utf8, item.ownerName);
+    std::string signs = item.signs + (item.hasOwnName ? "; a name of its own" : "");
+    if (!item.windowClass.instance.empty()) {
+        signs += (item.face ? "; id " : "; class ") + item.windowClass.instance;
+    }
+    xcb::writeText(c, frame, display.atom(barprotocol::itemSigns), utf8, signs);
     xcb::writeNumber(c, frame, display.atom(barprotocol::itemKind),
                      static_cast<std::uint32_t>(item.kind));
+    if (item.face) return;
     xcb_window_t client = item.client;
     xcb::writeNumbers(c, frame, display.atom(barprotocol::itemClient), XCB_ATOM_WINDOW,
                       std::span(&client, 1));

@@ -89,13 +89,18 @@ void Bar::handleWindowEvent(const xcb_generic_event_t& event, std::uint8_t type)
             logLine("another program took the system tray over; ending.");
             isEnding = true;
             return;
-        case XCB_BUTTON_PRESS:
-            return onPress(as<xcb_button_press_event_t>(event));
+        case XCB_BUTTON_PRESS: {
+            auto& press = as<xcb_button_press_event_t>(event);
+            BarItem* item = items.withClient(press.event);
+            return item != nullptr && item->face ? onFacePress(*item, press) : onPress(press);
+        }
         case XCB_MOTION_NOTIFY:
             if (drag && drag->usesPointer) moveDrag(as<xcb_motion_notify_event_t>(event).root_x);
             return;
         case XCB_BUTTON_RELEASE: {
             auto& release = as<xcb_button_release_event_t>(event);
+            BarItem* item = items.withClient(release.event);
+            if (item != nullptr && item->face) return onFaceRelease(*item, release);
             if (!drag || !drag->usesPointer || release.detail != XCB_BUTTON_INDEX_1) return;
             moveDrag(release.root_x);
             return endDrag();

@@ -4,11 +4,13 @@
 #include <optional>
 #include <string>
 
+#include "menubar/ItemFace.h"
 #include "menubar/ItemFrame.h"
 #include "menubar/XembedClient.h"
 #include "platform/Geometry.h"
 #include "platform/menubar/MenuBarRow.h"
 #include "platform/xcb/WindowOwner.h"
+#include "statusnotifier/Item.h"
 
 namespace nevo::menubar {
 
@@ -25,13 +27,24 @@ struct BarItem {
     MenuBarRow::Key key = 0;
     ItemKind kind = ItemKind::xembed;
     std::unique_ptr<ItemFrame> frame;
+    /// What stands in the frame: a window of the program, or our own `face`.
     xcb_window_t client = 0;
+    /// Of a program that offers its item over the bus; nullptr for a window's.
+    statusnotifier::Item* notifier = nullptr;
+    std::unique_ptr<ItemFace> face;
+    std::string title;
+    statusnotifier::Picture shownPicture;
+    statusnotifier::Picture shownOverlay;
+    /// What its program is installed with; shown where the item itself has no picture.
+    std::string iconName;
 
     std::optional<ProcessId> pid;
     xcb::WindowClass windowClass;
     std::string windowName;
     std::string applicationId;
     std::string ownerName;
+    /// What these were taken from.
+    std::string signs;
     /// The name that its place is kept by.
     std::string name;
     /// The key of its place in the order of the row.
@@ -43,6 +56,8 @@ struct BarItem {
     bool isInRow = false;
     /// Taken in from the root window, not docked by its program.
     bool isAdopted = false;
+    /// Its program shows the same item over the bus.
+    bool isTwin = false;
     /// Something of the client that we read has changed.
     bool isStale = false;
 

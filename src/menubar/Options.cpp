@@ -15,6 +15,7 @@ const char* const helpText =
     "                          where Xft.dpi is above 96); the size of all else follows it\n"
     "  --no-clock              leave the clock away; the bar then never wakes up by itself\n"
     "  --drag-modifier NAME    key held to drag an item with button 1: super (default), ctrl, alt\n"
+    "  --items                 list the items of the bar that runs, and what each is known by\n"
     "  --help                  show this text\n";
 
 namespace {
@@ -56,6 +57,8 @@ std::optional<Options> parseOptions(const std::vector<std::string>& arguments,
         }
         if (argument == "--help") {
             options.help = true;
+        } else if (argument == "--items") {
+            options.listsItems = true;
         } else if (argument == "--no-clock") {
             options.clock = false;
         } else if (argument == "--height") {

@@ -19,6 +19,8 @@ struct Options {
     /// Held with button 1 to drag an item.
     std::uint16_t dragModifier = XCB_MOD_MASK_4;
     bool help = false;
+    /// Tell of the bar that runs, and start none.
+    bool listsItems = false;
 };
 
 /// The options of a command line without the program's name; nothing and one plain sentence in

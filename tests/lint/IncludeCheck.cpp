@@ -27,9 +27,10 @@ const std::vector<Layer>& layers() {
          {"platform", "platform/menubar", "platform/store", "platform/xcb"},
          {"qt", "xcb", "fmt", "posix"}},
         {"platform", {}, {}},
+        {"statusnotifier", {"platform"}, {"systemd", "fmt", "posix"}},
         {"menubar",
-         {"platform", "platform/menubar", "platform/store", "platform/xcb"},
-         {"xcb", "cairo", "systemd", "nlohmann", "fmt", "posix"}},
+         {"platform", "platform/menubar", "platform/store", "platform/xcb", "statusnotifier"},
+         {"xcb", "cairo", "nlohmann", "fmt", "posix"}},
         // The texts of each language are made into headers at build time.
         {"core", {"platform", "strings"}, {"nlohmann", "fmt"}},
         {"discovery", {"platform", "core"}, {"nlohmann", "fmt"}},

@@ -29,6 +29,11 @@ inline constexpr const char* itemName =
     "_NEVO_ITEM_NAME";  ///< UTF8_STRING, the name its place is kept by
 inline constexpr const char* itemOwnerName =
     "_NEVO_ITEM_OWNER_NAME";  ///< UTF8_STRING, the program's name for people
+inline constexpr const char* itemTitle =
+    "_NEVO_ITEM_TITLE";  ///< UTF8_STRING, what its program calls the item now; absent when it
+                         ///< doesn't
+inline constexpr const char* itemSigns =
+    "_NEVO_ITEM_SIGNS";  ///< UTF8_STRING, what application id and name were taken from
 inline constexpr const char* itemKind =
     "_NEVO_ITEM_KIND";  ///< CARDINAL: 0 XEmbed, 1 StatusNotifierItem
 inline constexpr const char* itemClient =

@@ -24,6 +24,34 @@ bool takesValue(std::string_view option) {
     return std::find(options.begin(), options.end(), option) != options.end();
 }
 
+/// What many programs call the file that they begin with: the folder around it says which one.
+bool isUsualName(std::string_view name) {
+    constexpr std::array<std::string_view, 12> usual{"app.asar", "main.py", "__main__.py", "app.py",
+                                                     "run.py",   "main.js", "index.js",    "app",
+                                                     "bin",      "src",     "resources",   "dist"};
+    return std::find(usual.begin(), usual.end(), name) != usual.end();
+}
+
+/// "chat-1.2.3.jar" is "chat" after its next update, too.
+std::string withoutArchiveVersion(std::string name) {
+    constexpr std::string_view ending = ".jar";
+    if (!name.ends_with(ending)) return name;
+    name.resize(name.size() - ending.size());
+    auto end = name.find_last_not_of("0123456789._-");
+    return end == std::string::npos ? name : name.substr(0, end + 1);
+}
+
+/// The name that says most of a script: its own, or that of the nearest telling folder around it.
+std::string scriptName(std::string_view path) {
+    while (!path.empty()) {
+        std::string name = baseName(path);
+        if (!name.empty() && name != "." && !isUsualName(name)) return withoutArchiveVersion(name);
+        auto slash = path.rfind('/');
+        path = slash == std::string_view::npos ? std::string_view() : path.substr(0, slash);
+    }
+    return {};
+}
+
 /// What an interpreter was told to run: its first argument that is no option.
 std::string scriptOf(const std::vector<std::string>& arguments) {
     for (std::size_t i = 1; i < arguments.size(); ++i) {
@@ -32,7 +60,8 @@ std::string scriptOf(const std::vector<std::string>& arguments) {
         if (takesValue(argument)) {
             ++i;
         } else if (!argument.empty() && argument.front() != '-') {
-            return baseName(argument);
+            std::string name = scriptName(argument);
+            return name.empty() ? baseName(argument) : name;
         }
     }
     return {};
@@ -48,10 +77,10 @@ std::vector<std::string> withoutEnvironment(const std::vector<std::string>& argu
 }  // namespace
 
 bool isInterpreter(std::string_view name) {
-    constexpr std::array<std::string_view, 22> interpreters{
-        "sh",   "bash", "dash",  "zsh",  "ksh",     "fish",       "busybox", "python",
-        "pypy", "perl", "ruby",  "node", "wish",    "tclsh",      "lua",     "java",
-        "gjs",  "php",  "guile", "mono", "Rscript", "gjs-console"};
+    constexpr std::array<std::string_view, 23> interpreters{
+        "sh",   "bash", "dash",  "zsh",  "ksh",     "fish",        "busybox", "python",
+        "pypy", "perl", "ruby",  "node", "wish",    "tclsh",       "lua",     "java",
+        "gjs",  "php",  "guile", "mono", "Rscript", "gjs-console", "electron"};
     auto listed = [&](std::string_view candidate) {
         return std::find(interpreters.begin(), interpreters.end(), candidate) != interpreters.end();
     };

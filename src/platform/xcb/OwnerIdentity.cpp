@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "platform/xcb/CommandLine.h"
+#include "platform/xcb/Sandbox.h"
 
 namespace nevo::xcb {
 
@@ -59,12 +60,24 @@ std::string programOfProcess(ProcessId pid) {
 
 OwnerIdentity OwnerIdentities::identify(std::optional<ProcessId> pid,
                                         const WindowClass& windowClass) {
+    std::string sandbox = pid ? sandboxOfProcess(*pid) : std::string();
+    if (!sandbox.empty()) {
+        std::string signs = "sandbox " + sandbox;
+        if (const DesktopEntry* entry = entries.byId(sandbox))
+            return {sandbox, entry->name, entry->icon, signs};
+        return {sandbox, sandbox, {}, signs};
+    }
     std::string program = pid ? programOfProcess(*pid) : std::string();
+    std::string signs = program.empty() ? "" : "program " + program;
     const DesktopEntry* entry = entries.find(program, windowClass.instance, windowClass.name);
-    if (entry != nullptr) return {entry->id, entry->name, entry->icon};
+    if (entry != nullptr) {
+        signs += (signs.empty() ? "" : ", ") + ("desktop entry " + entry->id);
+        return {entry->id, entry->name, entry->icon, signs};
+    }
     std::string id =
         firstNonEmpty({program, windowClass.name, windowClass.instance, std::string("unknown")});
-    return {id, id, {}};
+    if (signs.empty()) signs = id == "unknown" ? "nothing" : "class " + id;
+    return {id, id, {}, signs};
 }
 
 }  // namespace nevo::xcb

@@ -11,13 +11,15 @@ namespace nevo::xcb {
 
 /// Who a program is, the same at each of its starts: no process id or window number in it.
 struct OwnerIdentity {
-    /// The desktop entry's id, else the program's base name, else the window class; "unknown" when
-    /// there is none of these.
+    /// That of the sandbox it runs in, else the desktop entry's id, else the program's base name,
+    /// else the window class; "unknown" when there is none of these.
     std::string applicationId;
     /// For people, in the user's language where the program is installed with a desktop entry.
     std::string name;
     /// An icon theme's name or an absolute path; may be empty.
     std::string icon;
+    /// What all this was taken from, for people who look for the reason.
+    std::string signs;
     bool operator==(const OwnerIdentity&) const = default;
 };
 

@@ -1,0 +1,222 @@
+#include <fmt/format.h>
+
+#include <algorithm>
+#include <cmath>
+#include <utility>
+
+#include "menubar/Bar.h"
+#include "menubar/Log.h"
+#include "platform/menubar/BarProtocol.h"
+#include "platform/xcb/Properties.h"
+
+namespace nevo::menubar {
+
+using statusnotifier::ItemIcon;
+using statusnotifier::Picture;
+using statusnotifier::Status;
+
+namespace {
+/// Of a bar that is 24 high: the size that most programs draw their icons for.
+constexpr double pictureOfHeight = 22.0 / 24;
+/// An overlay covers a quarter of the picture.
+constexpr int overlayPart = 2;
+
+enum Button : std::uint8_t { left = 1, middle, right, up, down, wheelLeft, wheelRight };
+
+/// What tells the items of one program apart; nothing where it carries the process's number, which
+/// the next start doesn't have.
+std::string stableId(const std::string& id, std::optional<ProcessId> pid) {
+    bool hasPid = pid && id.find(std::to_string(*pid)) != std::string::npos;
+    return hasPid ? std::string() : id;
+}
+
+/// The half of the picture's size that an overlay has.
+Picture halved(const Picture& picture) {
+    Picture half{(picture.width + 1) / overlayPart, (picture.height + 1) / overlayPart, {}};
+    for (int y = 0; y < half.height; ++y) {
+        for (int x = 0; x < half.width; ++x) {
+            auto at = std::min(2 * y, picture.height - 1) * picture.width +
+                      std::min(2 * x, picture.width - 1);
+            half.pixels.push_back(picture.pixels[static_cast<std::size_t>(at)]);
+        }
+    }
+    return half;
+}
+}  // namespace
+
+int Bar::pictureSide() const {
+    return static_cast<int>(std::lround(options.height * pictureOfHeight));
+}
+
+void Bar::openNotifiers() {
+    icons = std::make_unique<IconSource>(pictureSide());
+    icons->changed = [this](const IconSource::Name&) {
+        for (BarItem* item : items.all()) {
+            if (item->notifier != nullptr) showFace(*item);
+        }
+    };
+    notifiers = std::make_unique<Notifiers>(pictureSide());
+    notifiers->changed = [this](statusnotifier::Item& item) { onNotifierChanged(item); };
+    notifiers->gone = [this](statusnotifier::Item& item) {
+        BarItem* held = withNotifier(item);
+        if (held == nullptr) return;
+        showXembedTwin(*held);
+        removeItem(*held, false);
+    };
+}
+
+BarItem* Bar::withNotifier(const statusnotifier::Item& notifier) const {
+    for (BarItem* item : items.all()) {
+        if (item->notifier == &notifier) return item;
+    }
+    return nullptr;
+}
+
+void Bar::onNotifierChanged(statusnotifier::Item& notifier) {
+    BarItem* item = withNotifier(notifier);
+    if (item == nullptr) item = dockNotifier(notifier);
+    if (item == nullptr) return;
+    showFace(*item);
+    showTitle(*item);
+    // A passive item is one that its program has nothing to show with.
+    setInRow(*item, notifier.properties().status != Status::passive);
+    if (item->isInRow) hideXembedTwin(*item);
+}
+
+BarItem* Bar::dockNotifier(statusnotifier::Item& notifier) {
+    if (items.size() >= mostItems) return nullptr;
+    auto frame = ItemFrame::create(display, windows.front()->window(), 32, display.alphaVisual(),
+                                   options.height, BarWindow::groundPixel);
+    if (!frame) return nullptr;
+    auto made = std::make_unique<BarItem>();
+    made->kind = ItemKind::statusNotifier;
+    made->notifier = &notifier;
+    made->face = std::make_unique<ItemFace>(display, frame->window(), options.height);
+    made->client = made->face->window();
+    made->frame = std::move(frame);
+    made->requestedWidth = options.height;
+    made->pid = notifier.pid();
+    const std::string& id = notifier.properties().id;
+    made->windowClass = {stableId(id, notifier.pid()), id};
+    BarItem& item = items.add(std::move(made));
+    auto owner = owners.identify(item.pid, item.windowClass);
+    item.applicationId = owner.applicationId;
+    item.ownerName = owner.name;
+    item.iconName = owner.icon;
+    item.signs = owner.signs;
+    nameItem(item, "");
+    xcb::writeNumber(display.get(), item.frame->window(), display.atom(barprotocol::itemOpacity),
+                     item.opacity);
+    return &item;
+}
+
+/// The picture by name where there is one, as the protocol has it, else the pixels, else the icon
+/// that its program is installed with.
+Picture Bar::pictureOf(const BarItem& item, const ItemIcon& icon) {
+    const std::string& themePath = item.notifier->properties().iconThemePath;
+    if (!icon.name.empty()) {
+        const Picture* named = icons->find({icon.name, themePath});
+        if (named != nullptr && !named->isEmpty()) return *named;
+    }
+    return icon.picture;
+}
+
+void Bar::showFace(BarItem& item) {
+    const auto& properties = item.notifier->properties();
+    bool wantsAttention = properties.status == Status::needsAttention;
+    Picture picture;
+    if (wantsAttention) picture = pictureOf(item, properties.attentionIcon);
+    if (picture.isEmpty()) picture = pictureOf(item, properties.icon);
+    if (picture.isEmpty()) picture = pictureOf(item, {item.iconName, {}});
+    Picture overlay = halved(pictureOf(item, properties.overlayIcon));
+    if (picture == item.shownPicture && overlay == item.shownOverlay) return;
+    item.face->show(picture, overlay);
+    item.shownPicture = std::move(picture);
+    item.shownOverlay = std::move(overlay);
+}
+
+/// For people alone: it changes with the language and with what the program does.
+void Bar::showTitle(BarItem& item) {
+    const auto& properties = item.notifier->properties();
+    std::string title = properties.title.empty() ? properties.toolTip : properties.title;
+    if (title == item.title) return;
+    xcb::writeText(display.get(), item.frame->window(), display.atom(barprotocol::itemTitle),
+                   display.atom("UTF8_STRING"), title);
+    item.title = std::move(title);
+}
+
+/// A program that speaks both protocols at the same time shows one icon: the one that says more of
+/// itself. A program may also have several icons, of which none is another's twin.
+BarItem* Bar::xembedTwin(const BarItem& item) const {
+    if (!item.pid) return nullptr;
+    BarItem* twin = nullptr;
+    for (BarItem* other : items.all()) {
+        if (other == &item || other->pid != item.pid || other->isStatusItem()) continue;
+        if (other->kind == ItemKind::statusNotifier || twin != nullptr) return nullptr;
+        twin = other;
+    }
+    return twin;
+}
+
+void Bar::hideXembedTwin(BarItem& item) {
+    BarItem* twin = xembedTwin(item);
+    if (twin == nullptr) return;
+    twin->isTwin = true;
+    setInRow(*twin, false);
+}
+
+void Bar::showXembedTwin(BarItem& item) {
+    BarItem* twin = xembedTwin(item);
+    if (twin == nullptr) return;
+    twin->isTwin = false;
+    setInRow(*twin, twin->xembed.wantsMapped);
+}
+
+/// The press alone opens a menu, as everywhere; the rest happens when the button is let go inside.
+void Bar::onFacePress(BarItem& item, const xcb_button_press_event_t& event) {
+    auto& notifier = *item.notifier;
+    const auto& properties = notifier.properties();
+    if (event.detail >= up && event.detail <= wheelRight) {
+        bool isForward = event.detail == down || event.detail == wheelRight;
+        notifier.scroll(isForward ? 1 : -1, event.detail >= wheelLeft);
+        return;
+    }
+    bool opensMenu = event.detail == right || (event.detail == left && properties.itemIsMenu);
+    if (!opensMenu) return;
+    // The menu takes the pointer for itself.
+    xcb_ungrab_pointer(display.get(), event.time);
+    if (properties.menu.empty()) {
+        notifier.contextMenu(event.root_x, event.root_y);
+    } else {
+        openMenu(item);
+    }
+}
+
+void Bar::onFaceRelease(BarItem& item, const xcb_button_release_event_t& event) {
+    const PixelRect& frame = item.frame->rect();
+    bool isInside =
+        PixelRect{0, 0, frame.width, frame.height}.contains(event.event_x, event.event_y);
+    auto& notifier = *item.notifier;
+    if (!isInside) return;
+    if (event.detail == middle) notifier.secondaryActivate(event.root_x, event.root_y);
+    if (event.detail != left || notifier.properties().itemIsMenu) return;
+    notifier.activate(event.root_x, event.root_y, [this, &notifier] {
+        BarItem* held = withNotifier(notifier);
+        if (held != nullptr && !notifier.properties().menu.empty()) openMenu(*held);
+    });
+}
+
+void Bar::openMenu(BarItem& item) {
+    const PixelRect& bar = windows.front()->rect();
+    const PixelRect& frame = item.frame->rect();
+    const auto& notifier = *item.notifier;
+    std::string failure;
+    menuHelper =
+        HelperProcess::start({"--menu", notifier.address().owner, notifier.properties().menu,
+                              std::to_string(bar.x + frame.x), std::to_string(bar.y),
+                              std::to_string(frame.width), std::to_string(bar.height)},
+                             false, failure);
+    if (!menuHelper && !std::exchange(menuFailureLogged, true)) logLine(failure);
+}
+
+}  // namespace nevo::menubar

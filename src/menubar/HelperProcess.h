@@ -1,0 +1,37 @@
+#pragma once
+
+#include <sys/types.h>
+
+#include <memory>
+#include <string>
+#include <vector>
+
+namespace nevo::menubar {
+
+/// `nevo-menubar-helper`, which does what needs a toolkit: decodes pictures, shows menus. Ended
+/// with this object.
+class HelperProcess {
+public:
+    /// With `hasPipes`, its standard input and output are ours to write and read, without waiting.
+    /// Nullptr when it can't be started, with one plain sentence in `failure`.
+    static std::unique_ptr<HelperProcess> start(const std::vector<std::string>& arguments,
+                                                bool hasPipes, std::string& failure);
+    ~HelperProcess();
+    HelperProcess(const HelperProcess&) = delete;
+    HelperProcess& operator=(const HelperProcess&) = delete;
+
+    int input() const { return toHelper; }
+    int output() const { return fromHelper; }
+    /// Readable when it has ended.
+    int endDescriptor() const { return end; }
+
+private:
+    HelperProcess() = default;
+
+    pid_t pid = -1;
+    int end = -1;
+    int toHelper = -1;
+    int fromHelper = -1;
+};
+
+}  // namespace nevo::menubar

@@ -1,0 +1,161 @@
+#include "menubar/IconSource.h"
+
+#include <fmt/format.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <array>
+#include <cerrno>
+#include <cstdio>
+#include <cstring>
+#include <string_view>
+#include <utility>
+
+#include "menubar/Log.h"
+
+namespace nevo::menubar {
+
+using statusnotifier::Picture;
+using namespace std::chrono_literals;
+
+namespace {
+/// One picture takes milliseconds, and the first the start of the helper.
+constexpr auto patience = 5s;
+/// How long a helper that has nothing to do stays for more.
+constexpr auto idleTime = 3s;
+/// A program that draws its icon under ever new names must not fill the memory.
+constexpr std::size_t mostKnown = 300;
+constexpr std::size_t longestHeader = 64;
+
+bool isOneLine(const std::string& text) {
+    return std::none_of(text.begin(), text.end(),
+                        [](char each) { return each == '\n' || each == '\t' || each == '\0'; });
+}
+}  // namespace
+
+const Picture* IconSource::find(const Name& name) {
+    if (auto entry = known.find(name); entry != known.end()) {
+        return entry->second ? &*entry->second : nullptr;
+    }
+    if (known.size() >= mostKnown) {
+        std::erase_if(known, [](const auto& entry) { return entry.second.has_value(); });
+    }
+    bool canBeAsked = !name.name.empty() && isOneLine(name.name) && isOneLine(name.themePath);
+    auto& entry = known[name];
+    if (!canBeAsked || hasFailed || waiting.size() >= mostKnown) {
+        entry = Picture();
+        return &*entry;
+    }
+    waiting.push_back(name);
+    return nullptr;
+}
+
+bool IconSource::startHelper() {
+    if (helper) return true;
+    std::string failure;
+    helper = HelperProcess::start({"--icons"}, true, failure);
+    if (!helper) {
+        hasFailed = true;
+        logLine(failure);
+    }
+    return helper != nullptr;
+}
+
+void IconSource::process() {
+    if (!current && !waiting.empty()) {
+        if (startHelper()) {
+            ask(waiting.front());
+            waiting.pop_front();
+        } else {
+            for (const Name& name : std::exchange(waiting, {})) settle(name, {});
+        }
+    }
+    if (helper) send();
+    bool isAlive = !helper || receive();
+    while (takeAnswer()) {
+    }
+    bool isLate = helper && Clock::now() >= due;
+    if (!isAlive || isLate) giveUp();
+}
+
+void IconSource::ask(const Name& name) {
+    current = name;
+    toSend = fmt::format("1 {}\t{}\t{}\n", pictureSide, name.themePath, name.name);
+    due = Clock::now() + patience;
+}
+
+void IconSource::send() {
+    while (!toSend.empty()) {
+        auto count = ::write(helper->input(), toSend.data(), toSend.size());
+        if (count <= 0) return;
+        toSend.erase(0, static_cast<std::size_t>(count));
+    }
+}
+
+/// False when the helper has ended.
+bool IconSource::receive() {
+    std::array<char, 64 * 1024> bytes;
+    while (true) {
+        auto count = ::read(helper->output(), bytes.data(), bytes.size());
+        if (count == 0) return false;
+        if (count < 0) return errno == EAGAIN || errno == EINTR;
+        received.append(bytes.data(), static_cast<std::size_t>(count));
+    }
+}
+
+/// An answer is a line "ID WIDTH HEIGHT" and the pixels.
+bool IconSource::takeAnswer() {
+    std::size_t end = received.find('\n');
+    if (end == std::string::npos) return false;
+    int id = 0;
+    int width = 0;
+    int height = 0;
+    bool isHeader = end <= longestHeader &&
+                    std::sscanf(received.c_str(), "%d %d %d\n", &id, &width, &height) == 3;
+    bool fits = width >= 0 && height >= 0 && width <= pictureSide && height <= pictureSide;
+    if (!isHeader || !fits || !current) {
+        giveUp();
+        return false;
+    }
+    Picture picture{width, height,
+                    std::vector<std::uint32_t>(static_cast<std::size_t>(width) *
+                                               static_cast<std::size_t>(height))};
+    std::size_t size = picture.pixels.size() * sizeof picture.pixels[0];
+    if (received.size() < end + 1 + size) return false;
+    std::memcpy(picture.pixels.data(), received.data() + end + 1, size);
+    received.erase(0, end + 1 + size);
+    due = Clock::now() + idleTime;
+    settle(*std::exchange(current, std::nullopt), std::move(picture));
+    if (!waiting.empty()) {
+        ask(waiting.front());
+        waiting.pop_front();
+        send();
+    }
+    return true;
+}
+
+void IconSource::settle(const Name& name, Picture picture) {
+    known[name] = std::move(picture);
+    changed(name);
+}
+
+/// The helper has ended, hangs, has spoken nonsense, or has nothing to do.
+void IconSource::giveUp() {
+    helper.reset();
+    toSend.clear();
+    received.clear();
+    if (current) settle(*std::exchange(current, std::nullopt), {});
+}
+
+void IconSource::appendTo(std::vector<pollfd>& descriptors) const {
+    if (!helper) return;
+    descriptors.push_back({helper->output(), POLLIN, 0});
+    if (!toSend.empty()) descriptors.push_back({helper->input(), POLLOUT, 0});
+}
+
+std::optional<IconSource::Clock::time_point> IconSource::deadline() const {
+    if (!current && !waiting.empty()) return Clock::now();
+    return helper ? std::optional(due) : std::nullopt;
+}
+
+}  // namespace nevo::menubar

@@ -1,0 +1,61 @@
+#include "platform/xcb/Sandbox.h"
+
+#include <algorithm>
+#include <fstream>
+
+namespace nevo::xcb {
+
+namespace {
+constexpr std::size_t mostBytes = 16 * 1024;
+constexpr std::string_view flatpakPrefix = "app-flatpak-";
+constexpr std::string_view snapPrefix = "snap.";
+
+/// "app-flatpak-org.example.Chat-1234.scope": the number is the launcher's process.
+std::string flatpakOf(std::string_view unit) {
+    if (!unit.starts_with(flatpakPrefix) || !unit.ends_with(".scope")) return {};
+    unit.remove_prefix(flatpakPrefix.size());
+    return std::string(unit.substr(0, unit.rfind('-')));
+}
+
+/// "snap.chat.chat.1b2c-uuid.scope" or "snap.chat.chat-uuid.scope": the snap's name and its
+/// program's.
+std::string snapOf(std::string_view unit) {
+    if (!unit.starts_with(snapPrefix)) return {};
+    unit.remove_prefix(snapPrefix.size());
+    auto dot = unit.find('.');
+    if (dot == std::string_view::npos) return {};
+    std::string_view snap = unit.substr(0, dot);
+    std::string_view program = unit.substr(dot + 1);
+    program = program.substr(0, program.find('.'));
+    // Five groups of hexadecimal digits with hyphens between them.
+    constexpr std::size_t uuidSize = 36;
+    if (program.size() > uuidSize + 1 && program[program.size() - uuidSize - 1] == '-' &&
+        std::count(program.end() - static_cast<std::ptrdiff_t>(uuidSize), program.end(), '-') ==
+            4) {
+        program.remove_suffix(uuidSize + 1);
+    }
+    return std::string(snap) + "_" + std::string(program);
+}
+}  // namespace
+
+std::string sandboxOfControlGroups(std::string_view text) {
+    while (!text.empty()) {
+        auto end = std::min(text.find_first_of("/\n"), text.size());
+        std::string_view unit = text.substr(0, end);
+        text.remove_prefix(std::min(end + 1, text.size()));
+        for (auto of : {flatpakOf, snapOf}) {
+            if (std::string id = of(unit); !id.empty()) return id;
+        }
+    }
+    return {};
+}
+
+std::string sandboxOfProcess(ProcessId pid) {
+    std::ifstream stream("/proc/" + std::to_string(pid) + "/cgroup", std::ios::binary);
+    std::string text(mostBytes, '\0');
+    stream.read(text.data(), static_cast<std::streamsize>(text.size()));
+    text.resize(static_cast<std::size_t>(stream.gcount()));
+    return sandboxOfControlGroups(text);
+}
+
+}  // namespace nevo::xcb

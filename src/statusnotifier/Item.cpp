@@ -1,0 +1,198 @@
+#include "statusnotifier/Item.h"
+
+#include <array>
+#include <string_view>
+#include <utility>
+
+namespace nevo::statusnotifier {
+
+namespace {
+constexpr const char* interface = "org.kde.StatusNotifierItem";
+constexpr const char* propertiesInterface = "org.freedesktop.DBus.Properties";
+constexpr const char* busName = "org.freedesktop.DBus";
+/// A wheel's step, in the eighths of a degree that this protocol's programs reckon with.
+constexpr int wheelStep = 120;
+/// Those whose items stand below this path count steps.
+constexpr std::string_view stepCounters = "/org/ayatana/";
+
+/// What a signal says is new.
+struct News {
+    std::string_view signal;
+    std::array<const char*, 2> properties;
+};
+constexpr std::array<News, 8> allNews{
+    {{"NewIcon", {"IconName", "IconPixmap"}},
+     {"NewAttentionIcon", {"AttentionIconName", "AttentionIconPixmap"}},
+     {"NewOverlayIcon", {"OverlayIconName", "OverlayIconPixmap"}},
+     {"NewIconThemePath", {"IconThemePath", nullptr}},
+     {"NewTitle", {"Title", nullptr}},
+     {"NewToolTip", {"ToolTip", nullptr}},
+     {"NewStatus", {"Status", nullptr}},
+     {"NewMenu", {"Menu", nullptr}}}};
+
+/// The object, or what was asked of it, doesn't exist; other errors may pass.
+bool isUnknown(sd_bus_message* answer) {
+    for (const char* name :
+         {SD_BUS_ERROR_UNKNOWN_OBJECT, SD_BUS_ERROR_UNKNOWN_INTERFACE, SD_BUS_ERROR_UNKNOWN_METHOD,
+          SD_BUS_ERROR_SERVICE_UNKNOWN, SD_BUS_ERROR_NAME_HAS_NO_OWNER}) {
+        if (sd_bus_message_is_method_error(answer, name) > 0) return true;
+    }
+    return false;
+}
+
+bool isError(sd_bus_message* answer) { return sd_bus_message_is_method_error(answer, nullptr) > 0; }
+}  // namespace
+
+Item::Item(SessionBus& of, ItemAddress place, int pictureSide, Events told)
+    : bus(of), where(std::move(place)), side(pictureSide), events(std::move(told)) {
+    subscribe();
+    askForAll();
+    askForProcess();
+}
+
+void Item::subscribe() {
+    sd_bus_slot* slot = nullptr;
+    sd_bus_match_signal_async(bus.get(), &slot, where.owner.c_str(), where.path.c_str(), interface,
+                              nullptr, onSignal, nullptr, this);
+    signals.reset(std::exchange(slot, nullptr));
+    std::string rule =
+        "type='signal',sender='org.freedesktop.DBus',path='/org/freedesktop/DBus',"
+        "interface='org.freedesktop.DBus',member='NameOwnerChanged',arg0='" +
+        where.owner + "'";
+    sd_bus_add_match_async(bus.get(), &slot, rule.c_str(), onOwnerChanged, nullptr, this);
+    ownerChanges.reset(slot);
+}
+
+void Item::askForAll() {
+    sd_bus_slot* slot = nullptr;
+    sd_bus_call_method_async(bus.get(), &slot, where.owner.c_str(), where.path.c_str(),
+                             propertiesInterface, "GetAll", onAll, this, "s", interface);
+    firstAnswer.reset(slot);
+}
+
+void Item::askForProcess() {
+    sd_bus_slot* slot = nullptr;
+    sd_bus_call_method_async(bus.get(), &slot, busName, "/org/freedesktop/DBus", busName,
+                             "GetConnectionUnixProcessID", onProcess, this, "s",
+                             where.owner.c_str());
+    processAnswer.reset(slot);
+}
+
+int Item::onAll(sd_bus_message* answer, void* data, sd_bus_error*) {
+    auto& item = *static_cast<Item*>(data);
+    if (isUnknown(answer)) {
+        item.events.gone(item);
+        return 0;
+    }
+    // One that is slow or refuses now may say more when it has news.
+    if (isError(answer)) return 0;
+    readAllProperties(answer, item.side, item.shown);
+    item.hasAnswered = true;
+    item.tell();
+    return 0;
+}
+
+int Item::onProcess(sd_bus_message* answer, void* data, sd_bus_error*) {
+    auto& item = *static_cast<Item*>(data);
+    std::uint32_t number = 0;
+    if (!isError(answer) && sd_bus_message_read_basic(answer, 'u', &number) > 0) {
+        item.process = static_cast<ProcessId>(number);
+    }
+    item.knowsProcess = true;
+    item.tell();
+    return 0;
+}
+
+void Item::tell() {
+    if (isKnown()) events.changed(*this);
+}
+
+int Item::onSignal(sd_bus_message* message, void* data, sd_bus_error*) {
+    static_cast<Item*>(data)->noteSignal(sd_bus_message_get_member(message));
+    return 0;
+}
+
+void Item::noteSignal(const char* member) {
+    for (const News& news : allNews) {
+        if (news.signal != member) continue;
+        for (const char* property : news.properties) {
+            if (property != nullptr) staleProperties.insert(property);
+        }
+    }
+}
+
+int Item::onOwnerChanged(sd_bus_message* message, void* data, sd_bus_error*) {
+    auto& item = *static_cast<Item*>(data);
+    const char* name = nullptr;
+    const char* before = nullptr;
+    const char* after = nullptr;
+    if (sd_bus_message_read(message, "sss", &name, &before, &after) < 0) return 0;
+    if (*after == '\0') item.events.gone(item);
+    return 0;
+}
+
+void Item::refresh() {
+    if (!hasAnswered) {
+        staleProperties.clear();
+        askForAll();
+        return;
+    }
+    for (const std::string& name : std::exchange(staleProperties, {})) {
+        Read& read = reads.emplace_back(Read{this, name, nullptr});
+        sd_bus_slot* slot = nullptr;
+        int error = sd_bus_call_method_async(bus.get(), &slot, where.owner.c_str(),
+                                             where.path.c_str(), propertiesInterface, "Get", onRead,
+                                             &read, "ss", interface, name.c_str());
+        read.slot.reset(slot);
+        if (error < 0) reads.pop_back();
+    }
+}
+
+int Item::onRead(sd_bus_message* answer, void* data, sd_bus_error*) {
+    auto& read = *static_cast<Read*>(data);
+    read.item->finishRead(read, answer);
+    return 0;
+}
+
+/// Told once for all that was asked together, so that no half of a change is seen.
+void Item::finishRead(Read& read, sd_bus_message* answer) {
+    if (!isError(answer)) {
+        ItemProperties next = shown;
+        if (readProperty(answer, read.name, side, next) && !(next == shown)) {
+            shown = std::move(next);
+            hasNews = true;
+        }
+    }
+    reads.remove_if([&read](const Read& each) { return &each == &read; });
+    if (reads.empty() && std::exchange(hasNews, false)) tell();
+}
+
+void Item::activate(int x, int y, std::function<void()> refused) {
+    refusedActivation = std::move(refused);
+    sd_bus_slot* slot = nullptr;
+    sd_bus_call_method_async(bus.get(), &slot, where.owner.c_str(), where.path.c_str(), interface,
+                             "Activate", onActivated, this, "ii", x, y);
+    activation.reset(slot);
+}
+
+int Item::onActivated(sd_bus_message* answer, void* data, sd_bus_error*) {
+    auto& item = *static_cast<Item*>(data);
+    auto refused = std::exchange(item.refusedActivation, nullptr);
+    if (isUnknown(answer) && refused) refused();
+    return 0;
+}
+
+void Item::click(const char* method, int x, int y) {
+    sd_bus_call_method_async(bus.get(), nullptr, where.owner.c_str(), where.path.c_str(), interface,
+                             method, nullptr, nullptr, "ii", x, y);
+}
+
+void Item::scroll(int steps, bool isHorizontal) {
+    bool countsSteps = where.path.starts_with(stepCounters);
+    sd_bus_call_method_async(bus.get(), nullptr, where.owner.c_str(), where.path.c_str(), interface,
+                             "Scroll", nullptr, nullptr, "is",
+                             countsSteps ? steps : -steps * wheelStep,
+                             isHorizontal ? "horizontal" : "vertical");
+}
+
+}  // namespace nevo::statusnotifier

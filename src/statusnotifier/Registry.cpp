@@ -1,0 +1,46 @@
+#include "statusnotifier/Registry.h"
+
+#include <algorithm>
+
+namespace nevo::statusnotifier {
+
+bool Registry::add(const ItemAddress& address) {
+    // Some programs register twice, and some whose object came after its announcement.
+    if (auto known = items.find(address); known != items.end()) {
+        if (!known->second->isKnown()) known->second->refresh();
+        return true;
+    }
+    auto ofThisProgram = std::count_if(items.begin(), items.end(), [&](const auto& entry) {
+        return entry.first.owner == address.owner;
+    });
+    if (items.size() >= mostItems ||
+        static_cast<std::size_t>(ofThisProgram) >= mostItemsOfAProgram) {
+        return false;
+    }
+    Item::Events told{[this](Item& item) { changed(item); },
+                      [this](Item& item) { remove(ItemAddress(item.address())); }};
+    items[address] = std::make_unique<Item>(bus, address, pictureSide, std::move(told));
+    listed(address, true);
+    return true;
+}
+
+void Registry::remove(const ItemAddress& address) {
+    auto taken = items.extract(address);
+    if (taken.empty()) return;
+    gone(*taken.mapped());
+    listed(address, false);
+}
+
+std::vector<Item*> Registry::all() const {
+    std::vector<Item*> list;
+    for (const auto& [address, item] : items) list.push_back(item.get());
+    return list;
+}
+
+std::vector<ItemAddress> Registry::addresses() const {
+    std::vector<ItemAddress> list;
+    for (const auto& [address, item] : items) list.push_back(address);
+    return list;
+}
+
+}  // namespace nevo::statusnotifier
