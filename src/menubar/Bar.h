@@ -142,9 +142,8 @@ private:
     statusnotifier::Picture pictureOf(const BarItem& item, const statusnotifier::ItemIcon& icon);
     void showFace(BarItem& item);
     void showTitle(BarItem& item);
-    BarItem* xembedTwin(const BarItem& item) const;
-    void hideXembedTwin(BarItem& item);
-    void showXembedTwin(BarItem& item);
+    BarItem* twinOf(const BarItem& item) const;
+    void settleTwins(const BarItem& item, bool isNotifierShown);
     void onFacePress(BarItem& item, const xcb_button_press_event_t& event);
     void onFaceRelease(BarItem& item, const xcb_button_release_event_t& event);
     void openMenu(BarItem& item);

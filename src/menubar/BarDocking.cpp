@@ -57,6 +57,8 @@ void Bar::dock(xcb_window_t client, bool adopted) {
     BarItem& item = items.add(std::move(made));
     identify(item);
     if (!adopted) dropAdoptedTwin(item);
+    const BarItem* twin = twinOf(item);
+    item.isTwin = twin != nullptr && twin->isInRow;
     refresh(item);
     announceEmbedded(display, client, item.frame->window(), item.xembed.version);
     xcb::writeNumber(display.get(), item.frame->window(), display.atom(barprotocol::itemOpacity),
@@ -117,8 +119,9 @@ void Bar::nameItem(BarItem& item, const std::string& ownName) {
     auto hintsOf = [](const BarItem& i) {
         return NameHints{i.applicationId, i.windowClass.instance, i.windowName};
     };
+    const BarItem* twin = twinOf(item);
     for (const BarItem* other : items.all()) {
-        if (other == &item || other->applicationId != item.applicationId) continue;
+        if (other == &item || other == twin || other->applicationId != item.applicationId) continue;
         siblings.push_back(hintsOf(*other));
         siblingNames.push_back(other->name);
     }

@@ -60,7 +60,7 @@ void Bar::openNotifiers() {
     notifiers->gone = [this](statusnotifier::Item& item) {
         BarItem* held = withNotifier(item);
         if (held == nullptr) return;
-        showXembedTwin(*held);
+        settleTwins(*held, false);
         removeItem(*held, false);
     };
 }
@@ -79,8 +79,9 @@ void Bar::onNotifierChanged(statusnotifier::Item& notifier) {
     showFace(*item);
     showTitle(*item);
     // A passive item is one that its program has nothing to show with.
-    setInRow(*item, notifier.properties().status != Status::passive);
-    if (item->isInRow) hideXembedTwin(*item);
+    bool isShown = notifier.properties().status != Status::passive;
+    settleTwins(*item, isShown);
+    setInRow(*item, isShown);
 }
 
 BarItem* Bar::dockNotifier(statusnotifier::Item& notifier) {
@@ -145,31 +146,26 @@ void Bar::showTitle(BarItem& item) {
     item.title = std::move(title);
 }
 
-/// A program that speaks both protocols at the same time shows one icon: the one that says more of
-/// itself. A program may also have several icons, of which none is another's twin.
-BarItem* Bar::xembedTwin(const BarItem& item) const {
-    if (!item.pid) return nullptr;
+/// The one item of the other protocol that the same program has, if it has one of each: a program
+/// that speaks both at the same time shows one icon, the one that says more of itself. A program
+/// with several icons has no twins.
+BarItem* Bar::twinOf(const BarItem& item) const {
+    if (!item.pid || item.isStatusItem()) return nullptr;
     BarItem* twin = nullptr;
     for (BarItem* other : items.all()) {
-        if (other == &item || other->pid != item.pid || other->isStatusItem()) continue;
-        if (other->kind == ItemKind::statusNotifier || twin != nullptr) return nullptr;
+        if (other == &item || other->pid != item.pid) continue;
+        if (other->kind == item.kind || twin != nullptr) return nullptr;
         twin = other;
     }
     return twin;
 }
 
-void Bar::hideXembedTwin(BarItem& item) {
-    BarItem* twin = xembedTwin(item);
-    if (twin == nullptr) return;
-    twin->isTwin = true;
-    setInRow(*twin, false);
-}
-
-void Bar::showXembedTwin(BarItem& item) {
-    BarItem* twin = xembedTwin(item);
-    if (twin == nullptr) return;
-    twin->isTwin = false;
-    setInRow(*twin, twin->xembed.wantsMapped);
+/// The window waits out of sight while its program's other item is shown.
+void Bar::settleTwins(const BarItem& item, bool isNotifierShown) {
+    BarItem* twin = twinOf(item);
+    if (twin == nullptr || twin->kind != ItemKind::xembed) return;
+    twin->isTwin = isNotifierShown;
+    setInRow(*twin, twin->xembed.wantsMapped && !twin->isTwin);
 }
 
 /// The press alone opens a menu, as everywhere; the rest happens when the button is let go inside.
