@@ -27,7 +27,8 @@ bool isDirectionMark(std::string_view character) {
 
 bool isControl(std::string_view character) {
     auto first = static_cast<unsigned char>(character[0]);
-    if (character.size() == 1) return first < 0x20 || first == 0x7F;
+    // Whatever follows: text that isn't valid may have anything after it.
+    if (first < 0x20 || first == 0x7F) return true;
     return character.size() == 2 && first == 0xC2 &&
            static_cast<unsigned char>(character[1]) < 0xA0;
 }
