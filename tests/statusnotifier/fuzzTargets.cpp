@@ -141,11 +141,16 @@ void fuzzProperties(std::span<const std::uint8_t> input) {
     auto send = [&](const void* bytes, std::size_t size) {
         [[maybe_unused]] auto sent = ::send(ends[1], bytes, size, MSG_NOSIGNAL);
     };
+    auto process = [&] {
+        while (sd_bus_process(made, nullptr) > 0) {
+        }
+    };
+    // A bus says nothing before the greeting has been taken in.
     send(greeting.data(), greeting.size());
-    send(message.data(), message.size());
-    while (sd_bus_process(made, nullptr) > 0) {
-    }
+    process();
     require(sd_bus_is_ready(made) > 0, "the library takes it for a bus that has answered");
+    send(message.data(), message.size());
+    process();
     bus.reset();
     ::close(ends[1]);
 }
