@@ -10,6 +10,8 @@ namespace {
 constexpr const char* interface = "org.kde.StatusNotifierItem";
 constexpr const char* propertiesInterface = "org.freedesktop.DBus.Properties";
 constexpr const char* busName = "org.freedesktop.DBus";
+/// For all that an item says at once, microseconds; what is asked for singly may take longer.
+constexpr std::uint64_t wholeAnswerTime = 3'000'000;
 /// A wheel's step, in the eighths of a degree that this protocol's programs reckon with.
 constexpr int wheelStep = 120;
 /// Those whose items stand below this path count steps.
@@ -64,10 +66,25 @@ void Item::subscribe() {
 }
 
 void Item::askForAll() {
+    sd_bus_message* call = nullptr;
+    sd_bus_message_new_method_call(bus.get(), &call, where.owner.c_str(), where.path.c_str(),
+                                   propertiesInterface, "GetAll");
+    Message held(call);
+    if (!held || sd_bus_message_append(call, "s", interface) < 0) return;
     sd_bus_slot* slot = nullptr;
-    sd_bus_call_method_async(bus.get(), &slot, where.owner.c_str(), where.path.c_str(),
-                             propertiesInterface, "GetAll", onAll, this, "s", interface);
+    sd_bus_call_async(bus.get(), &slot, call, onAll, this, wholeAnswerTime);
     firstAnswer.reset(slot);
+}
+
+/// One property that is too large, or that its program takes long for, isn't to cost the others.
+void Item::askSingly() {
+    asksSingly = true;
+    for (const char* name : {"Id", "Title", "Status", "IconThemePath", "Menu", "ItemIsMenu"}) {
+        staleProperties.insert(name);
+    }
+    for (const char* signal : {"NewIcon", "NewAttentionIcon", "NewOverlayIcon", "NewToolTip"}) {
+        noteSignal(signal);
+    }
 }
 
 void Item::askForProcess() {
@@ -84,8 +101,10 @@ int Item::onAll(sd_bus_message* answer, void* data, sd_bus_error*) {
         item.events.gone(item);
         return 0;
     }
-    // One that is slow or refuses now may say more when it has news.
-    if (isError(answer)) return 0;
+    if (isError(answer)) {
+        item.askSingly();
+        return 0;
+    }
     readAllProperties(answer, item.side, item.shown);
     item.hasAnswered = true;
     item.tell();
@@ -132,11 +151,6 @@ int Item::onOwnerChanged(sd_bus_message* message, void* data, sd_bus_error*) {
 }
 
 void Item::refresh() {
-    if (!hasAnswered) {
-        staleProperties.clear();
-        askForAll();
-        return;
-    }
     for (const std::string& name : std::exchange(staleProperties, {})) {
         Read& read = reads.emplace_back(Read{this, name, nullptr});
         sd_bus_slot* slot = nullptr;
@@ -154,17 +168,21 @@ int Item::onRead(sd_bus_message* answer, void* data, sd_bus_error*) {
     return 0;
 }
 
-/// Told once for all that was asked together, so that no half of a change is seen.
+/// Told once for all that was asked together, so that no half of a change is seen; but of an item
+/// with a part that is never answered, what there is.
 void Item::finishRead(Read& read, sd_bus_message* answer) {
     if (!isError(answer)) {
         ItemProperties next = shown;
-        if (readProperty(answer, read.name, side, next) && !(next == shown)) {
+        if (readProperty(answer, read.name, side, next)) {
+            // What an item is known by has to be there before it is shown.
+            bool isFirst = !hasAnswered && read.name == "Id";
+            hasAnswered = hasAnswered || isFirst;
+            hasNews = hasNews || isFirst || !(next == shown);
             shown = std::move(next);
-            hasNews = true;
         }
     }
     reads.remove_if([&read](const Read& each) { return &each == &read; });
-    if (reads.empty() && std::exchange(hasNews, false)) tell();
+    if ((reads.empty() || asksSingly) && std::exchange(hasNews, false)) tell();
 }
 
 void Item::activate(int x, int y, std::function<void()> refused) {

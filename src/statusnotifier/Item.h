@@ -42,10 +42,14 @@ public:
     bool isKnown() const { return hasAnswered && knowsProcess; }
 
     /// Whether there are news to be asked for.
-    bool isStale() const { return !staleProperties.empty() && reads.empty(); }
+    bool isStale() const {
+        return !staleProperties.empty() && reads.empty() && (hasAnswered || asksSingly);
+    }
     /// Asks for them. However often its program says that something is new, it is asked only here,
     /// and only when it has answered what it was asked before.
     void refresh();
+    /// Asks for everything anew, of an item that isn't known yet.
+    void askForAll();
 
     // What a person does with it; places in root coordinates.
     /// `refused` is called when its program knows of no such thing.
@@ -63,7 +67,7 @@ private:
     };
 
     void subscribe();
-    void askForAll();
+    void askSingly();
     void askForProcess();
     void click(const char* method, int x, int y);
     void noteSignal(const char* member);
@@ -84,6 +88,8 @@ private:
     ItemProperties shown;
     std::optional<ProcessId> process;
     bool hasAnswered = false;
+    /// All at once was too much, or took too long.
+    bool asksSingly = false;
     bool knowsProcess = false;
 
     std::set<std::string> staleProperties;

@@ -141,6 +141,7 @@ TEST_F(WindowServices, theStartWithTheSessionIsAnEntryThatOthersMayChange) {
     EXPECT_NE(text.find("Exec=\"/opt/a \\\\\"b\\\\\" \\\\$c \\\\`d\\\\` \\\\\\\\e 50%%/nevo\"\n"),
               std::string::npos)
         << text;
+    EXPECT_NE(text.find("TryExec=/opt/a \"b\" $c `d` \\\\e 50%/nevo\n"), std::string::npos) << text;
 
     for (const char* line : {"Hidden=true", "X-GNOME-Autostart-enabled = false"}) {
         std::ofstream(entry) << "[Desktop Entry]\nExec=nevo\n" << line << "\n";

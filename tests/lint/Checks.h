@@ -30,6 +30,13 @@ Findings pointersOutside(const SourceFile& file);
 /// Tests that are switched off.
 Findings sleepingTests(const SourceFile& file);
 
+/// Where the files that are installed beside the programs give them another id, name or version
+/// than they have.
+Findings disagreeingNames(const std::vector<SourceFile>& files);
+
+/// The long options of `program` that its `manual` doesn't tell, and the other way round.
+Findings disagreeingManual(const SourceFile& program, const SourceFile& manual);
+
 /// The packages in `list` (scripts/packages) that `decisions` don't name.
 Findings unexplainedPackages(const SourceFile& list, const std::string& decisions);
 

@@ -4,6 +4,7 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <regex>
 
 #include "lint/Checks.h"
 
@@ -15,6 +16,15 @@ using Check = Findings (*)(const SourceFile&);
 const std::vector<SourceFile>& tree() {
     static const std::vector<SourceFile> files = wholeTree();
     return files;
+}
+
+/// A file that the tree has to have.
+const SourceFile& fileOf(const std::string& path) {
+    static const SourceFile none;
+    auto found = std::find_if(tree().begin(), tree().end(),
+                              [&](const SourceFile& file) { return file.path == path; });
+    EXPECT_NE(found, tree().end()) << path << " wasn't found";
+    return found == tree().end() ? none : *found;
 }
 
 std::string joined(const Findings& findings) {
@@ -126,13 +136,30 @@ TEST(Lint, everyPackageHasItsReason) {
               1U);
 
     std::string decisions;
-    const SourceFile* list = nullptr;
     for (const SourceFile& file : tree()) {
         if (file.isIn("docs/decisions")) decisions += file.text;
-        if (file.path == "scripts/packages") list = &file;
     }
-    ASSERT_NE(list, nullptr);
-    EXPECT_EQ(joined(unexplainedPackages(*list, decisions)), "");
+    EXPECT_EQ(joined(unexplainedPackages(fileOf("scripts/packages"), decisions)), "");
+}
+
+TEST(Lint, whatIsInstalledAgreesWithThePrograms) {
+    EXPECT_EQ(joined(disagreeingNames(tree())), "");
+    for (auto [path, other] : {std::pair("src/platform/x11/ProgramName.h", "com.example.Other\""),
+                               {"CMakeLists.txt", "VERSION 9.9 LANG"}}) {
+        auto changed = tree();
+        for (SourceFile& file : changed) {
+            static const std::regex idOrVersion(R"x(com\.\w+\.Nevo"|VERSION [0-9.]+ LANG)x");
+            if (file.path == path) file.text = std::regex_replace(file.text, idOrVersion, other);
+        }
+        EXPECT_NE(joined(disagreeingNames(changed)), "") << path;
+    }
+
+    EXPECT_EQ(disagreeingManual({"p", "\"--one\" \"--two\""}, {"m", "\\-\\-one --three"}).size(),
+              2U);
+    for (auto [program, manual] : {std::pair("apps/nevo/main.cpp", "packaging/nevo.1"),
+                                   {"src/menubar/Options.cpp", "packaging/nevo-menubar.1"}}) {
+        EXPECT_EQ(joined(disagreeingManual(fileOf(program), fileOf(manual))), "");
+    }
 }
 
 }  // namespace
