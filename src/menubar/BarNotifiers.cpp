@@ -42,6 +42,21 @@ Picture halved(const Picture& picture) {
     }
     return half;
 }
+/// A quiet dot, for an item that has nothing to show or hasn't told it yet: it can be clicked.
+Picture placeholder(int side) {
+    constexpr std::uint32_t color = 0x80808080;
+    Picture picture{side, side, {}};
+    int middle = side - 1;
+    int reach = side / 3;
+    for (int y = 0; y < side; ++y) {
+        for (int x = 0; x < side; ++x) {
+            int dx = 2 * x - middle;
+            int dy = 2 * y - middle;
+            picture.pixels.push_back(dx * dx + dy * dy <= reach * reach ? color : 0);
+        }
+    }
+    return picture;
+}
 }  // namespace
 
 int Bar::pictureSide() const {
@@ -129,6 +144,7 @@ void Bar::showFace(BarItem& item) {
     if (wantsAttention) picture = pictureOf(item, properties.attentionIcon);
     if (picture.isEmpty()) picture = pictureOf(item, properties.icon);
     if (picture.isEmpty()) picture = pictureOf(item, {item.iconName, {}});
+    if (picture.isEmpty()) picture = placeholder(pictureSide());
     Picture overlay = halved(pictureOf(item, properties.overlayIcon));
     if (picture == item.shownPicture && overlay == item.shownOverlay) return;
     item.face->show(picture, overlay);

@@ -2,6 +2,7 @@
 
 #include <utility>
 
+#include "core/MenuBarIcon.h"
 #include "core/Texts.h"
 #include "core/notificationNames.h"
 #include "surfaces/controls.h"
@@ -12,6 +13,7 @@ namespace {
 
 constexpr double pollInterval = 1.0;
 constexpr double cardSymbol = 28;
+constexpr Size welcomeIconSize{96, 96};
 
 struct Feature {
     const char* name;
@@ -89,7 +91,11 @@ Control OnboardingRootView::content() {
 }
 
 Control OnboardingRootView::welcome() {
-    return columnOf({textOf("onboarding.welcome.title", Control::TextStyle::largeTitle),
+    Control icon;
+    icon.kind = Control::Kind::image;
+    icon.image = menuBarIconImage(platform.images, defaultMenuBarIconName, {});
+    if (icon.image) icon.image->size = welcomeIconSize;
+    return columnOf({icon, textOf("onboarding.welcome.title", Control::TextStyle::largeTitle),
                      textOf("onboarding.welcome.slogan"),
                      defaultButton("onboarding.welcome.cta", [weak = weak_from_this()] {
                          if (auto self = weak.lock()) self->go(OnboardingStep::features);
