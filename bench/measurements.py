@@ -6,6 +6,7 @@ from contextlib import ExitStack
 from dataclasses import dataclass
 
 import proc
+from notifiers import badNotifiers, notifiers
 from shelf import shelf
 from stage import CLIPMAN, PARCELLITE, VOLUMEICON, Failure, stage
 from table import Row, middle, percentile
@@ -210,4 +211,5 @@ def drag(programs, options):
     return rows
 
 
-ALL = {"collapse": collapse, "shelf": shelf, "hosts": hosts, "bad": bad, "nevo": nevo, "drag": drag}
+ALL = {"collapse": collapse, "shelf": shelf, "hosts": hosts, "notifiers": notifiers, "bad": bad,
+       "bad-notifiers": badNotifiers, "nevo": nevo, "drag": drag}

@@ -1,5 +1,6 @@
 """What the kernel tells about a process: memory, processor time, wake-ups."""
 
+import os
 import re
 import time
 from dataclasses import dataclass
@@ -15,6 +16,9 @@ class Memory:
     pss: int
     rss: int
 
+    def __add__(self, other):
+        return Memory(self.pss + other.pss, self.rss + other.rss)
+
 
 @dataclass(frozen=True)
 class Work:
@@ -23,6 +27,9 @@ class Work:
     milliseconds: float
     wakeups: int
 
+    def __add__(self, other):
+        return Work(self.milliseconds + other.milliseconds, self.wakeups + other.wakeups)
+
     def __sub__(self, earlier):
         return Work(self.milliseconds - earlier.milliseconds, self.wakeups - earlier.wakeups)
 
@@ -30,6 +37,23 @@ class Work:
 def memory(pid):
     text = Path(f"/proc/{pid}/smaps_rollup").read_text()
     return Memory(*(int(re.search(rf"^{name}:\s+(\d+)", text, re.M)[1]) for name in ("Pss", "Rss")))
+
+
+def peak(pid):
+    """The most memory that a process has had, in kilobytes."""
+    return int(re.search(r"^VmHWM:\s+(\d+)", Path(f"/proc/{pid}/status").read_text(), re.M)[1])
+
+
+def session(leader):
+    """The processes of a session, such as a program that has one and its helpers."""
+    members = []
+    for folder in Path("/proc").glob("[0-9]*"):
+        try:
+            if os.getsid(int(folder.name)) == leader:
+                members.append(int(folder.name))
+        except ProcessLookupError:
+            continue
+    return members
 
 
 def work(pid):

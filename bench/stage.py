@@ -16,6 +16,9 @@ PARCELLITE = ("parcellite",)
 VOLUMEICON = ("volumeicon",)
 CLIPMAN = ("xfce4-clipman",)
 QLIPPER = ("qlipper",)
+QASMIXER = ("qasmixer", "--tray", "--no-single")
+COPYQ = ("copyq",)
+DIODON = ("diodon",)
 
 
 class Stage(Desktop):

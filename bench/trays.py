@@ -22,6 +22,33 @@ def tint2(desktop):
     return "tint2", "-c", str(configuration)
 
 
+XFCE_PANEL = """<?xml version="1.0" encoding="UTF-8"?>
+<channel name="xfce4-panel" version="1.0">
+  <property name="configver" type="int" value="2"/>
+  <property name="panels" type="array">
+    <value type="int" value="1"/>
+    <property name="panel-1" type="empty">
+      <property name="position" type="string" value="p=6;x=0;y=0"/>
+      <property name="length" type="uint" value="100"/>
+      <property name="size" type="uint" value="24"/>
+      <property name="plugin-ids" type="array"><value type="int" value="1"/></property>
+    </property>
+  </property>
+  <property name="plugins" type="empty">
+    <property name="plugin-1" type="string" value="systray"/>
+  </property>
+</channel>
+"""
+
+
+def xfcePanel(desktop):
+    """With nothing but its tray."""
+    folder = desktop.home / ".config/xfce4/xfconf/xfce-perchannel-xml"
+    folder.mkdir(parents=True)
+    (folder / "xfce4-panel.xml").write_text(XFCE_PANEL)
+    return "xfce4-panel", "--disable-wm-check"
+
+
 HOSTS = {
     "nevo-menubar": lambda desktop: (desktop.ours("nevo-menubar"),),
     "nevo-menubar --no-clock": lambda desktop: (desktop.ours("nevo-menubar"), "--no-clock"),

@@ -120,6 +120,10 @@ class Desktop:
         time.sleep(0.3)  # what the last event started may still be painting
         self.run("import", "-silent", "-window", "root", str(self.output / f"{name}.png"))
 
+    def look(self, window):
+        """What a window shows, as a short sum; empty when it has gone."""
+        return self.run("import", "-silent", "-window", window, "-format", "%#", "info:-")
+
     def hand(self, *words):
         """Mouse and keyboard."""
         self.run("xdotool", *(str(word) for word in words))

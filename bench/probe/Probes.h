@@ -25,10 +25,18 @@ void openShelf(const Server& server);
 /// monotonic clock.
 void watchHost(const Server& server, int icons);
 
+/// Prints "watching", waits for the top of the screen to change and then to stay as it is for three
+/// seconds, and prints "shown" with the moment of its last change, on the same clock.
+void watchUntilStill(const Server& server);
+
 /// Docks an icon and clicks it `count` times. Prints "click" with the milliseconds from each press
 /// until the icon's program had it, and at last "missed" with the number of presses that came to
 /// nothing because the icon had been pushed away meanwhile.
 void timeClicks(const Server& server, int count);
+
+/// The same with an item over the session bus, whose clicks the bar hands on: from the button's
+/// release until the item's program had the call.
+void timeActivations(const Server& server, int count);
 
 /// Docks an icon of that name, and keeps it there until it is ended.
 void showIcon(const Server& server, const std::string& name);

@@ -16,6 +16,14 @@ constexpr const char* byDefault = "default";
 constexpr const char* shown = "show";
 constexpr const char* hidden = "hide";
 
+/// As people look for it: the case of letters doesn't count.
+std::string folded(std::string name) {
+    std::transform(name.begin(), name.end(), name.begin(), [](char each) {
+        return each >= 'A' && each <= 'Z' ? static_cast<char>(each - 'A' + 'a') : each;
+    });
+    return name;
+}
+
 }  // namespace
 
 AppRulesSettingsTab::AppRulesSettingsTab(const SettingsServices& given, RulesSettingsTab& of,
@@ -30,7 +38,7 @@ void AppRulesSettingsTab::findApplications() {
         if (counts) detectedApps.emplace_back(app.bundleIdentifier, *app.localizedName);
     }
     std::sort(detectedApps.begin(), detectedApps.end(), [](const auto& a, const auto& b) {
-        return std::tie(a.second, a.first) < std::tie(b.second, b.first);
+        return std::tuple(folded(a.second), a.first) < std::tuple(folded(b.second), b.first);
     });
     // A program may run several times over.
     detectedApps.erase(std::unique(detectedApps.begin(), detectedApps.end()), detectedApps.end());
@@ -51,7 +59,13 @@ Control AppRulesSettingsTab::content() {
 
 Control AppRulesSettingsTab::addRule() {
     std::vector<ControlOption> apps{optionOf("", "settings.rules.add_rule.select_app_placeholder")};
-    for (const auto& [bundleID, name] : detectedApps) apps.push_back({bundleID, name, {}});
+    bool isListed = !selectedAppID;
+    for (const auto& [bundleID, name] : detectedApps) {
+        apps.push_back({bundleID, name, {}});
+        isListed = isListed || bundleID == selectedAppID;
+    }
+    // It has ended meanwhile.
+    if (!isListed) apps.push_back({*selectedAppID, nameOf(*selectedAppID), {}});
     Control section = sectionOf(
         "settings.rules.add_rule.section_title",
         {pickerOf("settings.rules.add_rule.picker_label", std::move(apps),

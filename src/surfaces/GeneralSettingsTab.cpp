@@ -12,7 +12,7 @@ namespace {
 constexpr double pollInterval = 1.0;
 
 /// A permission's name and what it is for, and whether it is held.
-Control permissionRow(const std::string& name, bool isGranted) {
+Control permissionRow(const std::string& name, bool isGranted, bool isRequired) {
     std::string key = "settings.general.permissions." + name;
     Control row = rowOf({});
     row.key = key;
@@ -20,8 +20,9 @@ Control permissionRow(const std::string& name, bool isGranted) {
     row.isOn = isGranted;
     Control title = textOf(key + ".title");
     title.detail = text(key + ".description");
-    const char* state = isGranted ? "settings.general.permissions.granted_badge"
-                                  : "settings.general.permissions.required_badge";
+    const char* missing = isRequired ? "settings.general.permissions.required_badge"
+                                     : "settings.general.permissions.missing_badge";
+    const char* state = isGranted ? "settings.general.permissions.granted_badge" : missing;
     Control badge = plainText(key + ".state", text(state), Control::TextStyle::badge);
     row.children = {title, badge};
     return row;
@@ -76,15 +77,16 @@ void GeneralSettingsTab::setLaunchAtLogin(bool wanted) {
 }
 
 Control GeneralSettingsTab::permissions() {
-    Control accessibility = permissionRow("accessibility", accessibilityGranted);
+    Control accessibility = permissionRow("accessibility", accessibilityGranted, true);
     if (services.platform.accessibility.isTrustUserControlled()) {
         accessibility.children.push_back(
             buttonOf("settings.general.permissions.grant_button", [weak = weak_from_this()] {
                 if (auto self = weak.lock()) self->grantAccessibility();
             }));
     }
-    return sectionOf("settings.general.permissions.section_title",
-                     {accessibility, permissionRow("screen_recording", screenRecordingGranted)});
+    return sectionOf(
+        "settings.general.permissions.section_title",
+        {accessibility, permissionRow("screen_recording", screenRecordingGranted, false)});
 }
 
 void GeneralSettingsTab::grantAccessibility() {

@@ -3,7 +3,6 @@
 #include <iterator>
 #include <string>
 
-#include "core/MenuBarIcon.h"
 #include "core/Texts.h"
 #include "surfaces/controls.h"
 
@@ -13,7 +12,6 @@ namespace {
 
 constexpr double sampleSize = 18;
 constexpr const char* hiddenSamples[] = {"bubble.left.fill", "doc.on.clipboard"};
-constexpr const char* toggleSample = "line.3.horizontal.decrease";
 constexpr const char* visibleSamples[] = {"speaker.wave.2.fill", "battery.75percent"};
 
 struct Step {
@@ -51,17 +49,22 @@ Control MenuBarLayoutView::picture(bool isExpanded, bool isMarked) {
     bar.press = [weak = weak_from_this(), number = isExpanded ? 2 : 1] {
         if (auto self = weak.lock()) self->showStep(number);
     };
-    Control items = rowOf({});
+    Control toggle;
+    toggle.kind = Control::Kind::image;
+    toggle.image = appState.menuBarIconImage();
+    Control stays = rowOf({toggle});
+    for (const char* name : visibleSamples) stays.children.push_back(symbolOf(name, sampleSize));
+    bar.children = {textOf(bar.key + "_label", Control::TextStyle::title)};
     if (isExpanded) {
-        for (const char* name : hiddenSamples) items.children.push_back(symbolOf(name, sampleSize));
-    }
-    items.children.push_back(symbolOf(toggleSample, sampleSize));
-    for (const char* name : visibleSamples) items.children.push_back(symbolOf(name, sampleSize));
-    bar.children = {textOf(bar.key + "_label", Control::TextStyle::title), items};
-    if (isExpanded) {
-        bar.children.push_back(rowOf({textOf("layout.will_be_hidden", Control::TextStyle::note),
-                                      textOf("layout.always_visible", Control::TextStyle::note)}));
+        Control hides = rowOf({});
+        for (const char* name : hiddenSamples) hides.children.push_back(symbolOf(name, sampleSize));
+        Control marked =
+            columnOf({hides, textOf("layout.will_be_hidden", Control::TextStyle::note)});
+        bar.children.push_back(
+            rowOf({marked,
+                   columnOf({stays, textOf("layout.always_visible", Control::TextStyle::note)})}));
     } else {
+        bar.children.push_back(stays);
         bar.children.push_back(textOf("layout.collapsed_description", Control::TextStyle::note));
     }
     return bar;

@@ -3,6 +3,7 @@
 #include <functional>
 #include <memory>
 
+#include "core/AppState.h"
 #include "platform/Controls.h"
 
 namespace nevo {
@@ -12,7 +13,8 @@ namespace nevo {
 class MenuBarLayoutView : public std::enable_shared_from_this<MenuBarLayoutView> {
 public:
     /// `changed` is told when another step is marked.
-    explicit MenuBarLayoutView(std::function<void()> changed) : onChange(std::move(changed)) {}
+    MenuBarLayoutView(const AppState& state, std::function<void()> changed)
+        : appState(state), onChange(std::move(changed)) {}
 
     Control content();
 
@@ -22,6 +24,7 @@ private:
     Control picture(bool isExpanded, bool isMarked);
     Control step(int number);
 
+    const AppState& appState;
     std::function<void()> onChange;
     /// Counted from 1.
     int showingStep = 1;

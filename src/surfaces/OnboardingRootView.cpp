@@ -13,6 +13,7 @@ namespace {
 
 constexpr double pollInterval = 1.0;
 constexpr double cardSymbol = 28;
+constexpr double simulationHeight = 56;
 constexpr Size welcomeIconSize{96, 96};
 
 struct Feature {
@@ -24,6 +25,11 @@ constexpr Feature featureCards[] = {{"push", "arrow.left.to.line"},
                                     {"rules", "switch.2"},
                                     {"hotkey", "keyboard"},
                                     {"icon", "line.3.horizontal.decrease"}};
+
+/// A bar whose items have been pushed off, or one with the shelf below it.
+Control menuBarSimulation(const std::string& mode) {
+    return symbolOf(mode == "push" ? "menubar.push" : "menubar.shelf", simulationHeight);
+}
 
 Control defaultButton(const std::string& key, std::function<void()> press) {
     Control made = buttonOf(key, std::move(press));
@@ -47,11 +53,16 @@ std::shared_ptr<OnboardingRootView> OnboardingRootView::create(
     OnboardingStep step, std::string chosenMode, Callbacks callbacks) {
     std::shared_ptr<OnboardingRootView> made(new OnboardingRootView(
         platform, accessibility, motion, std::move(chosenMode), std::move(callbacks)));
-    made->go(step);
+    made->enter(step);
     return made;
 }
 
 void OnboardingRootView::go(OnboardingStep to) {
+    enter(to);
+    callbacks.changed(motion.betweenPages());
+}
+
+void OnboardingRootView::enter(OnboardingStep to) {
     current = to;
     timer.reset();
     if (to == OnboardingStep::modeSelect) {
@@ -59,12 +70,12 @@ void OnboardingRootView::go(OnboardingStep to) {
         hasNotch = screen && screen->safeAreaTop > 0;
         selected = hasNotch ? "shelf" : "push";
     } else if (to == OnboardingStep::permissions) {
-        readPermissions();
+        hasAX = service.isTrusted();
+        hasSCK = platform.screenCapture.preflightAccess();
         timer = platform.runLoop.timer(pollInterval, true, [weak = weak_from_this()] {
             if (auto self = weak.lock()) self->readPermissions();
         });
     }
-    callbacks.changed(motion.betweenPages());
 }
 
 Control OnboardingRootView::content() {
@@ -136,11 +147,8 @@ Control OnboardingRootView::modeCard(const std::string& mode, const std::string&
         self->selected = mode;
         self->callbacks.changed(Transition::none);
     };
-    // A bar with its items pushed off, or with the shelf under it.
-    Control bar = rowOf({symbolOf(mode == "push" ? "arrow.left.to.line" : "display", cardSymbol),
-                         symbolOf("line.3.horizontal.decrease", cardSymbol),
-                         symbolOf("battery.75percent", cardSymbol)});
-    card.children = {bar, wordsOf(key + ".title", key + ".body", Control::TextStyle::title)};
+    card.children = {menuBarSimulation(mode),
+                     wordsOf(key + ".title", key + ".body", Control::TextStyle::title)};
     bool isRecommended = (mode == "shelf") == hasNotch;
     if (isRecommended) {
         card.children.push_back(
@@ -161,11 +169,14 @@ void OnboardingRootView::continueWithMode() {
 }
 
 Control OnboardingRootView::permissions() {
-    bool isShelf = chosenMode == "shelf";
+    const char* subtitle = chosenMode == "shelf" ? "onboarding.permissions.subtitle.shelf"
+                                                 : "onboarding.permissions.subtitle";
+    // A system that asks nobody.
+    bool isGiven = !platform.accessibility.isTrustUserControlled() && hasAX && hasSCK;
+    if (isGiven) subtitle = "onboarding.permissions.subtitle.given";
     return columnOf({textOf("onboarding.permissions.title", Control::TextStyle::largeTitle),
-                     textOf(isShelf ? "onboarding.permissions.subtitle.shelf"
-                                    : "onboarding.permissions.subtitle"),
-                     accessibilityCard(), screenRecordingCard(), closingControl()});
+                     textOf(subtitle), accessibilityCard(), screenRecordingCard(),
+                     closingControl()});
 }
 
 Control OnboardingRootView::accessibilityCard() {

@@ -40,6 +40,7 @@ private:
     OnboardingRootView(const Platform& platform, AccessibilityService& accessibility,
                        const MotionPreference& motion, std::string mode, Callbacks given);
     void go(OnboardingStep to);
+    void enter(OnboardingStep to);
     Control welcome();
     Control features();
     Control modeSelect();

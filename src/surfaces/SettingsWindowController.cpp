@@ -46,7 +46,7 @@ std::shared_ptr<SettingsWindowController> SettingsWindowController::create(
         if (auto self = weak.lock()) self->refreshSoon();
     };
     made->general = std::make_shared<GeneralSettingsTab>(made->services, changed);
-    made->layout = std::make_shared<MenuBarLayoutView>(changed);
+    made->layout = std::make_shared<MenuBarLayoutView>(made->services.appState, changed);
     made->menuBar = std::make_shared<MenuBarSettingsTab>(made->services, changed);
     made->rules = std::make_shared<RulesSettingsTab>(made->services, changed);
     made->appRules = std::make_shared<AppRulesSettingsTab>(made->services, *made->rules, changed);

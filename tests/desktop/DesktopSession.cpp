@@ -9,6 +9,8 @@
 #include <fstream>
 #include <sstream>
 
+#include "platform/xcb/Properties.h"
+
 namespace nevo::desktoptest {
 
 namespace fs = std::filesystem;
@@ -153,6 +155,15 @@ Process& DesktopSession::startNevo() {
 Process& DesktopSession::startProgram(const std::string& command) {
     programs.push_back(start(command, fs::path(wordsOf(command)[0]).filename()));
     return *programs.back();
+}
+
+void DesktopSession::startWindowManager() {
+    startProgram("openbox");
+    xcb::Atoms atoms(server->get(), {});
+    waitFor("a window manager runs", [&] {
+        xcb::PropertyRead read(server->get(), server->root(), atoms["_NET_SUPPORTING_WM_CHECK"]);
+        return read.number().has_value();
+    });
 }
 
 void DesktopSession::startDesktop() {

@@ -30,6 +30,8 @@ protected:
     Process& startNevo();
     /// A program of the distribution, by its command. Later on it goes by its first word.
     Process& startProgram(const std::string& command);
+    /// A window manager, and waits until it is at work.
+    void startWindowManager();
     /// Starts the bar and five tray programs, and waits until all stand in the bar.
     void startDesktop();
     /// Ends it at once, and waits until it is gone.
@@ -39,7 +41,7 @@ protected:
     testing::AssertionResult refuses(const std::string& program, const Environment& changes = {});
 
     Process& bar() { return *barProcess; }
-    Process& nevo() { return *nevoProcess; }
+    Process& nevo() const { return *nevoProcess; }
     Process& program(const std::string& name);
     /// Where a domain of stored values is kept.
     std::filesystem::path defaultsFile(const std::string& domain) const;

@@ -31,7 +31,8 @@ void Hand::moveTo(Point place) {
 
 void Hand::click(Point place, int button) {
     using Clock = std::chrono::steady_clock;
-    holdsSoon([this] { return Clock::now() - lastClick > shortestTimeBetweenClicks; });
+    bool isWheel = button > 3;
+    holdsSoon([&] { return isWheel || Clock::now() - lastClick > shortestTimeBetweenClicks; });
     moveTo(place);
     fake(XCB_BUTTON_PRESS, static_cast<std::uint8_t>(button));
     fake(XCB_BUTTON_RELEASE, static_cast<std::uint8_t>(button));
@@ -71,6 +72,16 @@ void Hand::press(xcb_keysym_t key, const std::vector<xcb_keysym_t>& held) {
     for (xcb_keysym_t each : held) hold(each);
     press(key);
     for (xcb_keysym_t each : held) letGo(each);
+}
+
+void Hand::type(const std::string& text) {
+    constexpr std::string_view shifted = "~_+:?";
+    for (char letter : text) {
+        bool isShifted = (letter >= 'A' && letter <= 'Z') || shifted.find(letter) != shifted.npos;
+        std::vector<xcb_keysym_t> held;
+        if (isShifted) held.push_back(leftShiftKey);
+        press(static_cast<xcb_keysym_t>(letter), held);
+    }
 }
 
 void Hand::hold(xcb_keysym_t key) {

@@ -2,6 +2,7 @@
 
 #include <chrono>
 #include <functional>
+#include <string>
 #include <vector>
 
 #include "platform/Geometry.h"
@@ -25,6 +26,8 @@ public:
     void press(xcb_keysym_t key);
     /// Presses `key` while holding the others.
     void press(xcb_keysym_t key, const std::vector<xcb_keysym_t>& held);
+    /// ASCII, as the keyboard of the United States has it.
+    void type(const std::string& text);
     void hold(xcb_keysym_t key);
     void letGo(xcb_keysym_t key);
     /// The key that gives `symbol` now; ends the test when there is none.
@@ -38,13 +41,17 @@ private:
     std::chrono::steady_clock::time_point lastClick;
 };
 
+inline constexpr xcb_keysym_t spaceKey = 0x20;
+inline constexpr xcb_keysym_t tabKey = 0xff09;
 inline constexpr xcb_keysym_t returnKey = 0xff0d;
 inline constexpr xcb_keysym_t escapeKey = 0xff1b;
 inline constexpr xcb_keysym_t upKey = 0xff52;
+inline constexpr xcb_keysym_t rightKey = 0xff53;
 inline constexpr xcb_keysym_t downKey = 0xff54;
 inline constexpr xcb_keysym_t numLockKey = 0xff7f;
 inline constexpr xcb_keysym_t leftShiftKey = 0xffe1;
 inline constexpr xcb_keysym_t capsLockKey = 0xffe5;
+inline constexpr xcb_keysym_t leftAltKey = 0xffe9;
 inline constexpr xcb_keysym_t leftSuperKey = 0xffeb;
 
 }  // namespace nevo::desktoptest

@@ -1,5 +1,6 @@
 #include "desktop/NevoSession.h"
 
+#include <QByteArray>
 #include <algorithm>
 #include <fstream>
 
@@ -16,6 +17,10 @@ void NevoSession::startUsing(const std::string& moreValues) {
     std::ofstream(file) << R"({"nevo_onboarding_completed": true)" << moreValues << "}";
     startNevo();
     waitForOnScreen({});
+}
+
+std::string NevoSession::bytesValue(const std::string& key, const char* json) {
+    return ", \"" + key + "\": {\"base64\": \"" + QByteArray(json).toBase64().toStdString() + "\"}";
 }
 
 void NevoSession::toggle(const Names& expectedOnScreen) {

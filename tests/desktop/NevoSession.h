@@ -13,6 +13,8 @@ protected:
     void startAll(const std::string& moreValues = {});
     /// The same for programs that run already.
     void startUsing(const std::string& moreValues);
+    /// A stored value of bytes for these, which are `json`.
+    static std::string bytesValue(const std::string& key, const char* json);
     /// Clicks the toggle and waits until exactly these programs' items can be seen.
     void toggle(const Names& expectedOnScreen);
     /// Shows all items, and Super-drags the toggle so that `count` items stand right of it.

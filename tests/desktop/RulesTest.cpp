@@ -1,6 +1,5 @@
 // What a user pins stays pinned, on a real display.
 
-#include <QByteArray>
 #include <algorithm>
 #include <csignal>
 
@@ -13,10 +12,6 @@ constexpr const char* iconRules =
     R"({"Parcellite >>> parcellite":"alwaysShow","Clipboard Manager >>> xfce4-clipman":"alwaysHide"})";
 constexpr const char* appRules =
     R"({"xev":{"visibleIcons":[],"hiddenIcons":["Parcellite >>> parcellite"]}})";
-
-std::string bytesValue(const std::string& key, const char* json) {
-    return ", \"" + key + "\": {\"base64\": \"" + QByteArray(json).toBase64().toStdString() + "\"}";
-}
 
 class Rules : public NevoSession {
 protected:

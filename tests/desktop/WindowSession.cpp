@@ -4,8 +4,6 @@
 
 #include <QApplication>
 
-#include "platform/xcb/Properties.h"
-
 namespace nevo::desktoptest {
 
 using Kind = Control::Kind;
@@ -84,12 +82,7 @@ void WindowSession::SetUp() {
     // A list that was opened by a click takes no other one before the time of a double click.
     constexpr int shorterThanBetweenClicks = 200;
     QApplication::setDoubleClickInterval(shorterThanBetweenClicks);
-    startProgram("openbox");
-    waitFor("a window manager runs", [this] {
-        xcb::Atoms atoms(server->get(), {});
-        xcb::PropertyRead read(server->get(), server->root(), atoms["_NET_SUPPORTING_WM_CHECK"]);
-        return read.number().has_value();
-    });
+    startWindowManager();
     // As Nevo itself: the bar takes windows of a program that has no icon for icons left behind.
     icon = std::make_unique<Probe>();
     waitFor("the icon stands in the bar", [this] { return !items().empty(); });

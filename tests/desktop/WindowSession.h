@@ -66,9 +66,4 @@ private:
     std::unique_ptr<EventPump> pump;
 };
 
-inline constexpr xcb_keysym_t tabKey = 0xff09;
-inline constexpr xcb_keysym_t spaceKey = 0x20;
-inline constexpr xcb_keysym_t rightKey = 0xff53;
-inline constexpr xcb_keysym_t leftAltKey = 0xffe9;
-
 }  // namespace nevo::desktoptest

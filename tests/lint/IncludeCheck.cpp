@@ -31,6 +31,7 @@ const std::vector<Layer>& layers() {
         {"menubar",
          {"platform", "platform/menubar", "platform/store", "platform/xcb", "statusnotifier"},
          {"xcb", "cairo", "nlohmann", "fmt", "posix"}},
+        {"trayhelper", {"platform", "platform/x11"}, {"qt", "xcb", "fmt", "posix"}},
         // The texts of each language are made into headers at build time.
         {"core", {"platform", "strings"}, {"nlohmann", "fmt"}},
         {"discovery", {"platform", "core"}, {"nlohmann", "fmt"}},

@@ -37,7 +37,7 @@ bool endsLikeScript(const std::string& path) {
 
 Findings clocksAndChance(const SourceFile& file) {
     bool simulated = (file.isIn("src") || file.isIn("apps")) && !file.isIn("src/platform/x11") &&
-                     !file.isIn("src/menubar");
+                     !file.isIn("src/menubar") && !file.isIn("src/trayhelper");
     if (!simulated || !file.isCode()) return {};
     static const std::regex pattern(
         "_clock::now|\\bsleep_(for|until)\\b|\\bu?sleep\\(\\d|\\bnanosleep\\b|\\bQTimer\\b|"

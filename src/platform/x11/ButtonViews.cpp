@@ -124,10 +124,13 @@ private:
         dialog->setObjectName(button->objectName() + "/dialog");
         dialog->setWindowTitle(plainText(control().title));
         dialog->setModal(false);
-        QObject::connect(
-            dialog, &QColorDialog::colorSelected, &context, [this](const QColor& color) {
-                tell(control().pickColor, Color{color.redF(), color.greenF(), color.blueF(), 1});
-            });
+        auto pick = [this](const QColor& color) {
+            tell(control().pickColor, Color{color.redF(), color.greenF(), color.blueF(), 1});
+        };
+        // Seen at once, wherever the colour is used; and as it was when it isn't wanted after all.
+        QObject::connect(dialog, &QColorDialog::currentColorChanged, &context, pick);
+        QObject::connect(dialog, &QColorDialog::rejected, &context,
+                         [pick, before = chosen()] { pick(before); });
         dialog->show();
     }
 

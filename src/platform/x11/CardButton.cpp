@@ -1,7 +1,10 @@
 #include "platform/x11/CardButton.h"
 
+#include <QButtonGroup>
 #include <QPainter>
 #include <algorithm>
+
+#include "platform/x11/ControlParts.h"
 
 namespace nevo {
 
@@ -33,22 +36,31 @@ void CardButton::showChosen(bool chosen) {
 }
 
 void CardButton::followSiblings() {
-    auto* group = parentWidget();
-    auto cards = group ? group->findChildren<QPushButton*>(Qt::FindDirectChildrenOnly)
-                       : QList<QPushButton*>{this};
+    auto* parent = parentWidget();
+    if (parent == nullptr) return;
     QList<CardButton*> row;
-    for (QPushButton* button : cards) {
+    for (auto* button : parent->findChildren<QPushButton*>(Qt::FindDirectChildrenOnly)) {
         if (auto* card = dynamic_cast<CardButton*>(button)) row.append(card);
     }
     bool isChoice =
         std::any_of(row.begin(), row.end(), [](const CardButton* card) { return card->isChosen; });
+    // Without it, all cards below the parent would be of one choice, those of its sections too.
+    auto* choice = parent->findChild<QButtonGroup*>(QString(), Qt::FindDirectChildrenOnly);
+    if (choice == nullptr) choice = new QButtonGroup(parent);
+    // An exclusive button refuses to be switched off.
+    choice->setExclusive(false);
     for (CardButton* card : row) {
-        // An exclusive button refuses to be switched off.
-        card->setAutoExclusive(false);
+        if (card->group() != choice) choice->addButton(card);
         card->setCheckable(isChoice);
         card->setChecked(card->isChosen);
+        // What assistive technology knows a choice by.
         card->setAutoExclusive(isChoice);
+        // As `stopAtChosen` has left it.
+        bool isSkipped = !isChoice && card->focusPolicy() == Qt::ClickFocus;
+        if (isSkipped) card->setFocusPolicy(Qt::StrongFocus);
     }
+    choice->setExclusive(isChoice);
+    if (isChoice) stopAtChosen(choice->buttons());
 }
 
 void CardButton::paintEvent(QPaintEvent*) {

@@ -105,7 +105,8 @@ private:
         : ControlView(pictures, new Field(operated, false)), box(operated) {
         box->setSizeAdjustPolicy(QComboBox::AdjustToContents);
         leaveWheelToPage(*box);
-        QObject::connect(box, &QComboBox::currentIndexChanged, &context, [this](int index) {
+        // Also of the value that is shown already: it may stand for what nobody has chosen yet.
+        QObject::connect(box, &QComboBox::activated, &context, [this](int index) {
             if (index < 0) return;
             tell(control().select, box->itemData(index).toString().toStdString());
         });
@@ -146,6 +147,7 @@ protected:
         group.setExclusive(false);
         for (std::size_t i = 0; i < control().options.size(); ++i) show(i);
         group.setExclusive(true);
+        stopAtChosen(group.buttons());
     }
 
 private:

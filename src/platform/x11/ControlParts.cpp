@@ -19,6 +19,8 @@ constexpr double mostPictureSide = 1024;
 constexpr float noteOpacity = 0.72F;
 constexpr int badgeMarginX = 8;
 constexpr int badgeMarginY = 2;
+/// Before what takes the rest of the width; a longer title goes on in a second line.
+constexpr int mostLettersBefore = 32;
 
 bool isEmpty(const Size& size) { return !(size.width > 0) || !(size.height > 0); }
 
@@ -46,7 +48,8 @@ QFont fontFor(TextStyle style) {
         font.setPixelSize(static_cast<int>(std::lround(font.pixelSize() * factor)));
     }
     bool isHeading = style == TextStyle::largeTitle || style == TextStyle::title;
-    if (isHeading) font.setWeight(QFont::DemiBold);
+    // Where a font has no bold letters, as many Chinese ones, none lighter than these are made up.
+    if (isHeading) font.setWeight(QFont::Bold);
     return font;
 }
 
@@ -183,7 +186,7 @@ void PictureBox::paintEvent(QPaintEvent*) {
 }
 
 Field::Field(QWidget* operated, bool takesWidth, QWidget* after)
-    : title(new TextLabel), detail(new TextLabel) {
+    : title(new TextLabel), detail(new TextLabel), leavesLittle(takesWidth) {
     auto* grid = new QGridLayout(this);
     grid->setContentsMargins(0, 0, 0, 0);
     grid->setVerticalSpacing(3);
@@ -200,6 +203,23 @@ void Field::showTexts(const Control& control) {
     title->showText(control.title, TextStyle::body);
     if (control.hidesTitle) title->hide();
     detail->showText(control.detail, TextStyle::note);
+    if (!leavesLittle) return;
+    // A label that may be broken asks for less than its line is long, and would get no more. What
+    // lays it out counts in fractions of a unit.
+    QFontMetrics metrics(title->font());
+    int letter = metrics.averageCharWidth();
+    title->setMinimumWidth(
+        std::min(metrics.horizontalAdvance(plainText(control.title)) + letter / 2 + 1,
+                 letter * mostLettersBefore));
+}
+
+void stopAtChosen(const QList<QAbstractButton*>& choice) {
+    auto chosen = std::find_if(choice.begin(), choice.end(),
+                               [](const QAbstractButton* button) { return button->isChecked(); });
+    if (chosen == choice.end()) chosen = choice.begin();
+    for (QAbstractButton* button : choice) {
+        button->setFocusPolicy(button == *chosen ? Qt::StrongFocus : Qt::ClickFocus);
+    }
 }
 
 void leaveWheelToPage(QWidget& widget) {

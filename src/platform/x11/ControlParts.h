@@ -1,5 +1,6 @@
 #pragma once
 
+#include <QAbstractButton>
 #include <QIcon>
 #include <QLabel>
 #include <QWidget>
@@ -68,7 +69,12 @@ public:
 private:
     TextLabel* title;
     TextLabel* detail;
+    bool leavesLittle;
 };
+
+/// Of a choice Tab stops at the button that is on, or at the first one if none is; arrow keys lead
+/// to the others.
+void stopAtChosen(const QList<QAbstractButton*>& choice);
 
 /// Keeps the wheel from changing `widget` while a page is scrolled with the pointer over it.
 void leaveWheelToPage(QWidget& widget);

@@ -1,6 +1,7 @@
 #include "platform/x11/ControlRenderer.h"
 
 #include <QCoreApplication>
+#include <QPushButton>
 #include <algorithm>
 
 #include "platform/x11/ControlParts.h"
@@ -9,10 +10,18 @@ namespace nevo {
 
 namespace {
 
-auto defaultAmong(std::vector<QWidget*>& widgets) {
-    return std::find_if(widgets.begin(), widgets.end(), [](const QWidget* widget) {
+/// Where the keyboard begins among the controls of a page: at the top, but at what Return is for
+/// when a button at the top would take Return for itself. nullptr when none takes the keys.
+QWidget* beginningOf(std::vector<QWidget*> widgets) {
+    std::erase_if(widgets, [](const QWidget* widget) {
+        return !widget->isEnabled() || (widget->focusPolicy() & Qt::TabFocus) == 0;
+    });
+    if (widgets.empty()) return nullptr;
+    auto byDefault = std::find_if(widgets.begin(), widgets.end(), [](const QWidget* widget) {
         return widget->property(defaultProperty).toBool();
     });
+    bool takesReturn = qobject_cast<QPushButton*>(widgets.front()) != nullptr;
+    return takesReturn && byDefault != widgets.end() ? *byDefault : widgets.front();
 }
 
 }  // namespace
@@ -38,12 +47,7 @@ void ControlRenderer::show(Control content) {
 void ControlRenderer::focusFirst() {
     std::vector<QWidget*> all;
     if (root) root->appendOperable(all);
-    std::erase_if(all, [](const QWidget* widget) {
-        return !widget->isEnabled() || (widget->focusPolicy() & Qt::TabFocus) == 0;
-    });
-    if (all.empty()) return;
-    auto wanted = defaultAmong(all);
-    (wanted == all.end() ? all.front() : *wanted)->setFocus(Qt::ActiveWindowFocusReason);
+    if (QWidget* first = beginningOf(all)) first->setFocus(Qt::ActiveWindowFocusReason);
 }
 
 void ControlRenderer::refresh() {
@@ -58,9 +62,9 @@ void ControlRenderer::keepFocus(QWidget* focused, const QString& name) {
     auto again = std::find_if(all.begin(), all.end(), [&](const QWidget* widget) {
         return !name.isEmpty() && widget->objectName() == name;
     });
-    // A page that has just come: what is next to be done.
-    if (again == all.end()) again = defaultAmong(all);
-    if (again != all.end()) (*again)->setFocus(Qt::OtherFocusReason);
+    // A page that has just come, with the keys still where they can do nothing.
+    QWidget* next = again == all.end() ? beginningOf(all) : *again;
+    if (next != nullptr) next->setFocus(Qt::OtherFocusReason);
 }
 
 }  // namespace nevo

@@ -12,7 +12,7 @@ public:
     ControlRenderer(PageArea& page, const Images& pictures);
 
     void show(Control content);
-    /// Where the keyboard begins: at what Return is for, else at the top.
+    /// Where the keyboard begins.
     void focusFirst();
     /// Font, palette or style have changed.
     void refresh();

@@ -40,7 +40,7 @@ public:
 private:
     QApplication& qt;
     QTranslator dialogTexts;
-    ActivationPolicy policy = ActivationPolicy::regular;
+    ActivationPolicy policy = ActivationPolicy::accessory;
     bool isTerminating = false;
     int exitStatus = 0;
     int signalPipe[2] = {-1, -1};

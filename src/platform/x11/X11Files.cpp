@@ -17,6 +17,19 @@ constexpr std::size_t mostBytes = 1 << 30;
 std::string sentence(const QString& what, const QString& why) {
     return QStringLiteral("%1: %2.").arg(what, why).toStdString();
 }
+
+/// Shows the files of all these types at once; empty when none of them is known.
+QString filterFor(const std::vector<std::string>& contentTypes) {
+    QStringList names, patterns;
+    for (const std::string& name : contentTypes) {
+        QMimeType type = QMimeDatabase().mimeTypeForName(plainText(name));
+        if (!type.isValid() || names.contains(type.comment())) continue;
+        names << type.comment();
+        patterns << type.globPatterns();
+    }
+    if (patterns.isEmpty()) return {};
+    return QStringLiteral("%1 (%2)").arg(names.join(", "), patterns.join(' '));
+}
 }  // namespace
 
 bool X11Files::exists(const std::string& path) const {
@@ -64,9 +77,8 @@ void X11Files::choose(const std::vector<std::string>& contentTypes,
     dialog->setObjectName("choose");
     dialog->setAttribute(Qt::WA_DeleteOnClose);
     dialog->setFileMode(QFileDialog::ExistingFile);
-    QStringList types;
-    for (const std::string& type : contentTypes) types << plainText(type);
-    if (!types.isEmpty()) dialog->setMimeTypeFilters(types);
+    QString filter = filterFor(contentTypes);
+    if (!filter.isEmpty()) dialog->setNameFilter(filter);
     QObject::connect(dialog, &QDialog::finished, dialog, [dialog, done](int result) {
         QStringList files = dialog->selectedFiles();
         bool isChosen = result == QDialog::Accepted && !files.isEmpty();

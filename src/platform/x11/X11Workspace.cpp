@@ -1,6 +1,7 @@
 #include "platform/x11/X11Workspace.h"
 
 #include <signal.h>
+#include <unistd.h>
 
 #include <QIcon>
 #include <QProcess>
@@ -89,8 +90,10 @@ RunningApplication X11Workspace::describe(const BarItemInfo& item,
     app.bundleIdentifier = item.appId;
     if (!item.ownerName.empty()) app.localizedName = item.ownerName;
     app.icon = icon(item.appId);
-    // A program with nothing but an item in the bar is no application with a place of its own.
-    bool hasWindow = std::any_of(windows.begin(), windows.end(),
+    // A program with nothing but an item in the bar is no application with a place of its own, and
+    // this one never is.
+    bool hasWindow = item.pid != getpid() &&
+                     std::any_of(windows.begin(), windows.end(),
                                  [&](const ClientWindowInfo& w) { return w.pid == item.pid; });
     app.activationPolicy = hasWindow ? ActivationPolicy::regular : ActivationPolicy::accessory;
     app.isTerminated = !isRunning(item.pid);

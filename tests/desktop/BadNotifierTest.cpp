@@ -1,0 +1,126 @@
+// Programs that offer items over the bus and behave badly: whatever they do, the row is right, and
+// a program beside them gets its clicks.
+
+#include <algorithm>
+#include <csignal>
+
+#include "desktop/DesktopSession.h"
+#include "desktop/TestClients.h"
+
+namespace nevo::desktoptest {
+namespace {
+
+class BadNotifiers : public DesktopSession {
+protected:
+    void SetUp() override {
+        DesktopSession::SetUp();
+        startBar();
+        probe = std::make_unique<Probe>();
+        waitForItems(1);
+    }
+
+    Process& startBad(const std::string& kind) {
+        Process& bad = startProgram(std::string(NEVO_BAD_NOTIFIER) + " " + kind);
+        waitFor(kind + " has registered",
+                [&] { return bad.output().find("registered") != std::string::npos; });
+        return bad;
+    }
+
+    void expectProbeAnswers() {
+        for (int i = 0; i < 3; ++i) {
+            int before = probe->clicks();
+            waitFor("the probe gets a click", [&] {
+                auto all = items();
+                auto found = std::find_if(all.begin(), all.end(), [&](const Item& each) {
+                    return each.client == probe->window();
+                });
+                if (found != all.end()) click(*found);
+                return probe->clicks() > before;
+            });
+        }
+    }
+
+    /// A program that behaves, started after the bad one: the bar still takes items in and shows
+    /// them.
+    void expectOthersCome(std::size_t count) {
+        Process& good = startProgram("qasmixer --tray --no-single");
+        waitFor("a good item comes", [&] { return items().size() == count + 1; });
+        kill(good, SIGKILL);
+        waitFor("the good item goes", [&] { return items().size() == count; });
+    }
+
+    void expectGoneWith(Process& bad) {
+        kill(bad, SIGKILL);
+        waitFor("only the probe is left", [&] { return items().size() == 1; });
+        EXPECT_TRUE(isDense());
+    }
+
+    std::unique_ptr<Probe> probe;
+};
+
+TEST_F(BadNotifiers, thatShowNothingTakeNoRoom) {
+    for (const char* kind : {"nopath", "late", "silent"}) {
+        Process& bad = startBad(kind);
+        expectOthersCome(1);
+        expectProbeAnswers();
+        EXPECT_EQ(items().size(), 1U) << kind;
+        expectGoneWith(bad);
+    }
+}
+
+TEST_F(BadNotifiers, thatLieAboutThemselvesGetASlotAtMost) {
+    for (const char* kind : {"lying", "large", "tricky-title"}) {
+        Process& bad = startBad(kind);
+        waitFor("it has a slot", [&] { return items().size() == 2; });
+        EXPECT_EQ(items().front().slot.width, barView->frame().height) << kind;
+        expectProbeAnswers();
+        expectGoneWith(bad);
+    }
+    // What is too large to be taken in costs that alone.
+    for (const char* kind : {"huge", "long-title"}) {
+        Process& bad = startBad(kind);
+        expectOthersCome(1);
+        expectProbeAnswers();
+        waitFor("it has a slot", [&] { return items().size() == 2; });
+        expectGoneWith(bad);
+    }
+}
+
+TEST_F(BadNotifiers, thatFloodHoldNobodyUp) {
+    Process& flood = startBad("flood");
+    waitFor("it has a slot", [&] { return items().size() == 2; });
+    expectOthersCome(2);
+    expectProbeAnswers();
+    expectGoneWith(flood);
+
+    Process& crowd = startBad("thousand");
+    waitFor("a few of the crowd have come", [&] { return items().size() == 33; });
+    expectProbeAnswers();
+    expectOthersCome(33);
+    EXPECT_TRUE(isDense());
+    expectGoneWith(crowd);
+}
+
+TEST_F(BadNotifiers, thatLeaveOrHangWhileTheirMenuOpensTakeItAlong) {
+    Process& leaver = startBad("leaver");
+    waitFor("it has a slot", [&] { return items().size() == 2; });
+    rightClick(item("bad-notifier"));
+    EXPECT_EQ(leaver.waitForEnd(), 0);
+    kill(leaver, SIGKILL);
+    waitFor("its item is gone", [&] { return items().size() == 1; });
+    expectProbeAnswers();
+
+    Process& hanging = startBad("plain");
+    waitFor("it has a slot", [&] { return items().size() == 2; });
+    Rect place = item("bad-notifier").place;
+    Picture before = screenshot();
+    hanging.signal(SIGSTOP);
+    rightClick(item("bad-notifier"));
+    expectProbeAnswers();
+    // The last picture stays.
+    EXPECT_EQ(screenshot().pixels(place), before.pixels(place));
+    expectGoneWith(hanging);
+}
+
+}  // namespace
+}  // namespace nevo::desktoptest

@@ -1,0 +1,163 @@
+// Programs that offer their items over the session bus, beside those that dock windows: one row,
+// one order, one set of rules, and no item is lost.
+
+#include <algorithm>
+#include <csignal>
+
+#include "desktop/NevoSession.h"
+
+namespace nevo::desktoptest {
+namespace {
+
+const Names notifierCommands{"qlipper", "qasmixer --tray --no-single", "copyq", "diodon"};
+const Names windowCommands{"volumeicon", "parcellite", "xfce4-clipman", "pnmixer"};
+
+class Notifiers : public NevoSession {
+protected:
+    void startBothKinds() {
+        startBar();
+        for (const Names& commands : {notifierCommands, windowCommands}) {
+            for (const std::string& command : commands) {
+                startProgram(command);
+                waitForItems(programItems().size() + 1);
+            }
+        }
+    }
+
+    bool isNotifier(const std::string& name) const { return item(name).client == 0; }
+
+    /// The names of all items, in the order of the row.
+    void waitForRow(const Names& expected) {
+        waitFor("the row is as it was", [&] { return namesOnScreen() == expected; });
+    }
+
+    void restartBar() {
+        kill(bar(), SIGKILL);
+        startBar();
+    }
+
+    /// A menu, or whatever window comes in answer to a click.
+    void waitForWindow(std::size_t before) {
+        waitFor("a window comes", [&] { return windowsBelowBar().size() > before; });
+    }
+};
+
+TEST_F(Notifiers, standInOneRowWithWindowsAndAnswerClicks) {
+    startBothKinds();
+    ASSERT_EQ(programItems().size(), 8U);
+    for (const char* name : {"qlipper", "qasmixer", "copyq", "diodon"}) {
+        EXPECT_TRUE(isNotifier(name)) << name;
+    }
+    for (const char* name : {"volumeicon", "parcellite", "xfce4-clipman", "pnmixer"}) {
+        EXPECT_FALSE(isNotifier(name)) << name;
+    }
+    EXPECT_EQ(item("copyq").appId, "com.github.hluk.copyq");
+    EXPECT_EQ(item("copyq").ownerName, "CopyQ");
+    EXPECT_EQ(item("diodon").appId, "diodon");
+    EXPECT_EQ(item("qasmixer").name, "Item-0");
+    EXPECT_TRUE(isDense());
+    // Each shows a picture: its slot isn't of one colour.
+    for (const Item& each : programItems()) {
+        waitFor("it shows a picture", [&] { return !screenshot().isEmptyBar(each.place); });
+    }
+
+    // One that knows of no clicks shows its menu instead, which Escape closes.
+    std::size_t before = windowsBelowBar().size();
+    click(item("diodon"));
+    waitForWindow(before);
+    hand->press(escapeKey);
+    waitFor("the menu is closed", [&] { return windowsBelowBar().size() == before; });
+    // A click is the program's own: qasmixer shows its window.
+    click(item("qasmixer"));
+    waitForWindow(before);
+}
+
+TEST_F(Notifiers, aRowOfAMenuReachesItsProgram) {
+    startBar();
+    startProgram("copyq");
+    startProgram("qasmixer --tray --no-single");
+    waitForItems(2);
+    std::size_t before = windowsBelowBar().size();
+    rightClick(item("qasmixer"));
+    waitForWindow(before);
+    // The last row of its menu ends the program.
+    hand->press(upKey);
+    hand->press(returnKey);
+    Process& mixer = program("qasmixer");
+    EXPECT_EQ(mixer.waitForEnd(), 0);
+    kill(mixer, SIGKILL);
+    waitForOnScreen({"copyq"});
+    EXPECT_TRUE(isDense());
+}
+
+TEST_F(Notifiers, areHiddenRuledAndReorderedLikeWindows) {
+    startBothKinds();
+    Names before = namesOnScreen();
+    superDrag(item("qasmixer"), item("parcellite").place.x - 2);
+    waitFor("an item has changed its place among those of the other kind", [&] {
+        return namesOnScreen() != before &&
+               item("qasmixer").slot.maxX() == item("parcellite").slot.x;
+    });
+    Names order = namesOnScreen();
+
+    // What stands left of the toggle is hidden, but for what a rule keeps.
+    startUsing(
+        bytesValue("nevo_icon_rules", R"({"CopyQ >>> com.github.hluk.copyq":"alwaysShow"})"));
+    waitForOnScreen({"copyq"});
+    kill(nevo(), SIGTERM);
+    waitFor("all are shown", [&] { return namesOnScreen().size() == order.size(); });
+    order = namesOnScreen();
+
+    kill(program("qasmixer"), SIGKILL);
+    Names without = order;
+    std::erase(without, "qasmixer");
+    waitForRow(without);
+    startProgram("qasmixer --tray --no-single");
+    waitForRow(order);
+}
+
+TEST_F(Notifiers, areNeverLostHoweverOftenTheBarIsKilled) {
+    startBothKinds();
+    Names order = namesOnScreen();
+    for (int i = 0; i < 50; ++i) {
+        restartBar();
+        waitForRow(order);
+    }
+    EXPECT_TRUE(isDense());
+}
+
+TEST_F(Notifiers, areShownBesideAnotherTrayAndTakenOverFromIt) {
+    startBothKinds();
+    Names order = namesOnScreen();
+    // A tray on another display, on the same bus.
+    auto [otherServer, number] = startAndReadLine(
+        {"Xvfb", "-displayfd", "{}", "-screen", "0", "800x200x24", "-nolisten", "tcp"},
+        environment(), folder / "log/other-Xvfb");
+    Environment elsewhere = environment();
+    elsewhere["DISPLAY"] = ":" + number;
+    Process other({NEVO_BAR_PROGRAM}, elsewhere, folder / "log/other-bar");
+    auto report = [&] {
+        std::filesystem::remove(folder / "log/items");
+        Process lister({NEVO_BAR_PROGRAM, "--items"}, elsewhere, folder / "log/items");
+        lister.waitForEnd();
+        return lister.output();
+    };
+    waitFor("the other tray shows what this one knows", [&] {
+        std::string text = report();
+        return std::count(text.begin(), text.end(), '\n') == 5;
+    });
+    EXPECT_NE(other.output().find("another tray keeps the items"), std::string::npos);
+
+    kill(bar(), SIGKILL);
+    waitFor("it says that it has taken over", [&] {
+        return other.output().find("is gone; its items are kept here now") != std::string::npos;
+    });
+    startBar();
+    waitForRow(order);
+    other.signal(SIGTERM);
+    EXPECT_EQ(other.waitForEnd(), 0);
+    waitForRow(order);
+}
+
+}  // namespace
+}  // namespace nevo::desktoptest
