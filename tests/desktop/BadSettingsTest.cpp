@@ -89,11 +89,17 @@ TEST_F(BadSettings, whatIsNoIconOrTooLargeChangesNothingAndTakesNoMemory) {
     openSettings();
     goTo("Bar");
     auto standard = pixelsOfToggle();
-    chooseIcon(writePicture("good.png", 512, QImage::Format_ARGB32));
-    waitFor("the toggle is red", [&] {
-        auto pixels = pixelsOfToggle();
-        return std::count(pixels.begin(), pixels.end(), 0xff0000U) > 100;
-    });
+    for (const char* good : {"good.icns", "good.png"}) {
+        if (pixelsOfToggle() != standard) {
+            clickOn("push button", "Use Standard Icon");
+            waitFor("the toggle is as at first", [&] { return pixelsOfToggle() == standard; });
+        }
+        chooseIcon(writePicture(good, 512, QImage::Format_ARGB32));
+        waitFor("the toggle is red", [&] {
+            auto pixels = pixelsOfToggle();
+            return std::count(pixels.begin(), pixels.end(), 0xff0000U) > 100;
+        });
+    }
     auto red = pixelsOfToggle();
     std::string stored = readFile(defaultsFile("com.nevoapp.Nevo"));
     grownMegabytes();
