@@ -31,7 +31,8 @@ Control MenuBarLayoutView::content() {
     Control steps = sectionOf("layout.how_it_works", {});
     for (int number = 1; number <= static_cast<int>(std::size(layoutSteps)); ++number)
         steps.children.push_back(step(number));
-    return columnOf({picture(true, isOfExpandedBar), picture(false, !isOfExpandedBar), steps});
+    return columnOf(
+        {rowOf({picture(true, isOfExpandedBar), picture(false, !isOfExpandedBar)}), steps});
 }
 
 void MenuBarLayoutView::showStep(int number) {

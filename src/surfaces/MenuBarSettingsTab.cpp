@@ -15,8 +15,9 @@ namespace nevo {
 
 namespace {
 
-/// More than any icon file; what is larger isn't one.
-constexpr std::size_t mostIconBytes = 16U << 20U;
+/// More than any icon file; what is larger isn't one. The settings, where it is kept as text, have
+/// room for it several times over.
+constexpr std::size_t mostIconBytes = 4U << 20U;
 const std::vector<std::string> iconTypes{"image/png", "image/x-icns", "image/icns"};
 
 constexpr double leastOpacity = 0.4;

@@ -101,6 +101,8 @@ void X11Application::orderFrontStandardAboutPanel(const std::string& title,
     box->setInformativeText(QString::fromStdString(credits));
     box->setStandardButtons(QMessageBox::Close);
     box->setModal(false);
+    // The title has room in the frame.
+    box->setStyleSheet("QLabel#qt_msgbox_informativelabel { min-width: 260px; }");
     box->show();
     box->raise();
     box->activateWindow();
