@@ -56,7 +56,8 @@ Bar::Bar(const Display& x, const Options& chosen, std::unique_ptr<TrayHost> tray
       keeper(RowStore::defaultPath(), pixelsPerPoint(chosen.height)),
       leases(x),
       syntheticInput(x),
-      clockFace(x, chosen.height) {
+      clockFace(x, chosen.height),
+      toolTip(x) {
     openSignals();
     selectMonitorEvents(display);
     if (options.clock) {
@@ -159,6 +160,7 @@ Bar::Deadline Bar::nextDeadline() const {
     if (monitorsDue) consider(*monitorsDue);
     if (clockDue) consider(*clockDue);
     if (adoptionDue) consider(*adoptionDue);
+    if (toolTipDue) consider(*toolTipDue);
     if (auto time = notifiers->deadline()) consider(*time);
     if (auto time = icons->deadline()) consider(*time);
     return next;
@@ -178,6 +180,7 @@ void Bar::work() {
         clockDue.reset();
         tick();
     }
+    if (toolTipDue && now >= *toolTipDue) showToolTip();
     if (adoptionDue && now >= *adoptionDue) {
         adoptionDue.reset();
         adoptStranded();

@@ -18,6 +18,7 @@
 #include "menubar/Options.h"
 #include "menubar/RowKeeper.h"
 #include "menubar/SyntheticInput.h"
+#include "menubar/ToolTipWindow.h"
 #include "menubar/TrayHost.h"
 #include "platform/xcb/OwnerIdentity.h"
 
@@ -148,6 +149,11 @@ private:
     void onFaceRelease(BarItem& item, const xcb_button_release_event_t& event);
     void openMenu(BarItem& item);
 
+    // BarToolTip.cpp
+    void onFaceCrossing(const BarItem& item, bool enters);
+    void showToolTip();
+    void endToolTip();
+
     // BarVisit.cpp
     void onVisitMessage(BarItem& item, bool comes, int x, xcb_window_t lease);
     void endVisit();
@@ -170,6 +176,10 @@ private:
     /// Shows a menu, while it exists and a little longer.
     std::unique_ptr<HelperProcess> menuHelper;
     bool menuFailureLogged = false;
+    ToolTipWindow toolTip;
+    /// Whose text is shown, or waits to be.
+    MenuBarRow::Key toolTipItem = 0;
+    Deadline toolTipDue;
 
     struct DockRequest {
         xcb_window_t client;

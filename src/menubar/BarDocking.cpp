@@ -187,6 +187,7 @@ void Bar::setInRow(BarItem& item, bool inRow) {
 
 void Bar::removeItem(BarItem& item, bool handsBack) {
     bool isShutdown = isEnding;
+    if (toolTipItem == item.key) endToolTip();
     if (drag && drag->item == item.key) cancelDrag();
     if (item.isInRow && !isShutdown) keeper.leave(item.key);
     if (handsBack && !item.face) {

@@ -64,6 +64,7 @@ BarItem* Bar::itemAt(int rootX) const {
 }
 
 void Bar::beginDrag(BarItem& item, int pointerX, bool usesPointer, xcb_window_t lease) {
+    endToolTip();
     endVisit();
     PixelRect rect = item.frame->rect();
     rect.x += windows.front()->rect().x;

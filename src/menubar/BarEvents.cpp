@@ -97,6 +97,13 @@ void Bar::handleWindowEvent(const xcb_generic_event_t& event, std::uint8_t type)
         case XCB_MOTION_NOTIFY:
             if (drag && drag->usesPointer) moveDrag(as<xcb_motion_notify_event_t>(event).root_x);
             return;
+        case XCB_ENTER_NOTIFY:
+        case XCB_LEAVE_NOTIFY: {
+            const BarItem* item = items.withClient(as<xcb_enter_notify_event_t>(event).event);
+            bool isFace = item != nullptr && item->face;
+            if (isFace) onFaceCrossing(*item, type == XCB_ENTER_NOTIFY);
+            return;
+        }
         case XCB_BUTTON_RELEASE: {
             auto& release = as<xcb_button_release_event_t>(event);
             BarItem* item = items.withClient(release.event);

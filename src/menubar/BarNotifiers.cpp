@@ -186,6 +186,7 @@ void Bar::settleTwins(const BarItem& item, bool isNotifierShown) {
 
 /// The press alone opens a menu, as everywhere; the rest happens when the button is let go inside.
 void Bar::onFacePress(BarItem& item, const xcb_button_press_event_t& event) {
+    endToolTip();
     auto& notifier = *item.notifier;
     const auto& properties = notifier.properties();
     if (event.detail >= up && event.detail <= wheelRight) {

@@ -40,7 +40,10 @@ ItemFace::ItemFace(const Display& x, xcb_window_t frame, int side)
     xcb_create_colormap(c, XCB_COLORMAP_ALLOC_NONE, colormap, display.root(),
                         display.alphaVisual());
     std::array<std::uint32_t, 4> values{
-        0, 0, XCB_EVENT_MASK_BUTTON_PRESS | XCB_EVENT_MASK_BUTTON_RELEASE, colormap};
+        0, 0,
+        XCB_EVENT_MASK_BUTTON_PRESS | XCB_EVENT_MASK_BUTTON_RELEASE | XCB_EVENT_MASK_ENTER_WINDOW |
+            XCB_EVENT_MASK_LEAVE_WINDOW,
+        colormap};
     auto length = static_cast<std::uint16_t>(size);
     xcb_create_window(c, depth, id, frame, 0, 0, length, length, 0, XCB_WINDOW_CLASS_INPUT_OUTPUT,
                       display.alphaVisual(),

@@ -101,6 +101,17 @@ TEST_F(BadNotifiers, thatFloodHoldNobodyUp) {
     expectGoneWith(crowd);
 }
 
+TEST_F(BadNotifiers, thatRegisterOnceAreFoundByTheNextBar) {
+    startBad("plain");
+    startBad("tricky-title");
+    waitFor("both have a slot", [&] { return items().size() == 3; });
+    kill(bar(), SIGKILL);
+    startBar();
+    waitFor("all are there again", [&] { return items().size() == 3; });
+    EXPECT_TRUE(isDense());
+    expectProbeAnswers();
+}
+
 TEST_F(BadNotifiers, thatLeaveOrHangWhileTheirMenuOpensTakeItAlong) {
     Process& leaver = startBad("leaver");
     waitFor("it has a slot", [&] { return items().size() == 2; });

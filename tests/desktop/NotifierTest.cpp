@@ -72,6 +72,21 @@ TEST_F(Notifiers, standInOneRowWithWindowsAndAnswerClicks) {
     waitForWindow(before);
 }
 
+TEST_F(Notifiers, tellWhatTheyAreWhereThePointerRests) {
+    startBar();
+    startProgram("qasmixer --tray --no-single");
+    waitForItems(1);
+    std::size_t before = windowsBelowBar().size();
+    hand->moveTo(item("qasmixer").place.center());
+    waitForWindow(before);
+    hand->moveTo({10, 300});
+    waitFor("the text is gone", [&] { return windowsBelowBar().size() == before; });
+    hand->moveTo(item("qasmixer").place.center());
+    waitForWindow(before);
+    kill(program("qasmixer"), SIGKILL);
+    waitFor("the text goes with its item", [&] { return windowsBelowBar().size() == before; });
+}
+
 TEST_F(Notifiers, aRowOfAMenuReachesItsProgram) {
     startBar();
     startProgram("copyq");
