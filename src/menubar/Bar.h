@@ -144,7 +144,7 @@ private:
     void showFace(BarItem& item);
     void showTitle(BarItem& item);
     BarItem* twinOf(const BarItem& item) const;
-    void settleTwins(const BarItem& item, bool isNotifierShown);
+    void settleTwins(std::optional<ProcessId> pid, const BarItem* leaving);
     void onFacePress(BarItem& item, const xcb_button_press_event_t& event);
     void onFaceRelease(BarItem& item, const xcb_button_release_event_t& event);
     void openMenu(BarItem& item);
@@ -176,6 +176,12 @@ private:
     /// Shows a menu, while it exists and a little longer.
     std::unique_ptr<HelperProcess> menuHelper;
     bool menuFailureLogged = false;
+    /// A button that went down on an item of the bus, and counts when it comes up there.
+    struct FacePress {
+        MenuBarRow::Key item = 0;
+        std::uint8_t button = 0;
+    };
+    FacePress facePress;
     ToolTipWindow toolTip;
     /// Whose text is shown, or waits to be.
     MenuBarRow::Key toolTipItem = 0;

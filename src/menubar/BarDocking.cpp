@@ -60,6 +60,7 @@ void Bar::dock(xcb_window_t client, bool adopted) {
     const BarItem* twin = twinOf(item);
     item.isTwin = twin != nullptr && twin->isInRow;
     refresh(item);
+    settleTwins(item.pid, nullptr);
     announceEmbedded(display, client, item.frame->window(), item.xembed.version);
     xcb::writeNumber(display.get(), item.frame->window(), display.atom(barprotocol::itemOpacity),
                      item.opacity);
@@ -85,7 +86,7 @@ void Bar::adoptStranded() {
         auto all = items.all();
         // A program that has docked anew by itself has given up its old windows.
         bool hasDocked = pid && std::any_of(all.begin(), all.end(), [&](const BarItem* item) {
-                             return item->pid == pid && !item->isAdopted;
+                             return item->pid == pid && !item->isAdopted && !item->face;
                          });
         if (!hasDocked) requestDock(window, true);
     }
@@ -157,7 +158,7 @@ void Bar::refresh(BarItem& item) {
         nameItem(item, newName);
         if (std::exchange(item.isInRow, false)) setInRow(item, true);
     }
-    setInRow(item, item.xembed.wantsMapped && !item.isTwin);
+    setInRow(item, item.wantsPlace());
     needsLayout = true;
 }
 
@@ -194,6 +195,8 @@ void Bar::removeItem(BarItem& item, bool handsBack) {
         const PixelRect& bar = windows.front()->rect();
         handBack(display, item.client, bar.x, bar.y, leases.contains(item.client));
     }
+    if (facePress.item == item.key) facePress = {};
+    if (!isShutdown) settleTwins(item.pid, &item);
     items.remove(item.key);
     needsLayout = true;
     needsPaint = true;

@@ -160,8 +160,10 @@ void Bar::onReparented(const xcb_reparent_notify_event_t& event) {
 /// A client without `_XEMBED_INFO` shows and hides itself by mapping.
 void Bar::onClientMapped(xcb_window_t frame, xcb_window_t client, bool mapped) {
     BarItem* item = items.withClient(client);
-    if (item == nullptr || frame != item->frame->window() || item->xembed.present) return;
-    setInRow(*item, mapped);
+    bool isOurs = item != nullptr && item->face;
+    if (item == nullptr || isOurs || frame != item->frame->window() || item->xembed.present) return;
+    item->isMapped = mapped;
+    setInRow(*item, item->wantsPlace());
 }
 
 void Bar::onPropertyChanged(const xcb_property_notify_event_t& event) {

@@ -53,6 +53,8 @@ struct BarItem {
     bool hasOwnName = false;
 
     XembedInfo xembed;
+    /// Of a client without `_XEMBED_INFO`, which shows itself by mapping.
+    bool isMapped = true;
     bool isInRow = false;
     /// Taken in from the root window, not docked by its program.
     bool isAdopted = false;
@@ -79,6 +81,8 @@ struct BarItem {
     bool awaitsPlace = true;
     bool hasDamage = true;
 
+    /// Of a window's item: its program wants it to be shown, and nothing stands for it.
+    bool wantsPlace() const { return (xembed.present ? xembed.wantsMapped : isMapped) && !isTwin; }
     bool isStatusItem() const { return statusLength.has_value(); }
     /// The width of its slot.
     double length() const {

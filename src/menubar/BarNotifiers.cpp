@@ -70,12 +70,20 @@ void Bar::openNotifiers() {
             if (item->notifier != nullptr) showFace(*item);
         }
     };
+    icons->isInUse = [this](const IconSource::Name& name) {
+        auto all = items.all();
+        return std::any_of(all.begin(), all.end(), [&](const BarItem* item) {
+            if (item->notifier == nullptr) return false;
+            const auto& shown = item->notifier->properties();
+            return name.name == item->iconName || name.name == shown.icon.name ||
+                   name.name == shown.attentionIcon.name || name.name == shown.overlayIcon.name;
+        });
+    };
     notifiers = std::make_unique<Notifiers>(pictureSide());
     notifiers->changed = [this](statusnotifier::Item& item) { onNotifierChanged(item); };
     notifiers->gone = [this](statusnotifier::Item& item) {
         BarItem* held = withNotifier(item);
         if (held == nullptr) return;
-        settleTwins(*held, false);
         removeItem(*held, false);
     };
 }
@@ -95,8 +103,14 @@ void Bar::onNotifierChanged(statusnotifier::Item& notifier) {
     showTitle(*item);
     // A passive item is one that its program has nothing to show with.
     bool isShown = notifier.properties().status != Status::passive;
-    settleTwins(*item, isShown);
+    // Never both in the row, where they have one place.
+    BarItem* twin = isShown ? twinOf(*item) : nullptr;
+    if (twin != nullptr) {
+        twin->isTwin = true;
+        setInRow(*twin, false);
+    }
     setInRow(*item, isShown);
+    settleTwins(item->pid, nullptr);
 }
 
 BarItem* Bar::dockNotifier(statusnotifier::Item& notifier) {
@@ -132,6 +146,8 @@ Picture Bar::pictureOf(const BarItem& item, const ItemIcon& icon) {
     const std::string& themePath = item.notifier->properties().iconThemePath;
     if (!icon.name.empty()) {
         const Picture* named = icons->find({icon.name, themePath});
+        // What was there before is better than what is there for a moment.
+        if (named == nullptr && icon.picture.isEmpty()) return item.shownPicture;
         if (named != nullptr && !named->isEmpty()) return *named;
     }
     return icon.picture;
@@ -176,12 +192,21 @@ BarItem* Bar::twinOf(const BarItem& item) const {
     return twin;
 }
 
-/// The window waits out of sight while its program's other item is shown.
-void Bar::settleTwins(const BarItem& item, bool isNotifierShown) {
-    BarItem* twin = twinOf(item);
-    if (twin == nullptr || twin->kind != ItemKind::xembed) return;
-    twin->isTwin = isNotifierShown;
-    setInRow(*twin, twin->xembed.wantsMapped && !twin->isTwin);
+/// A window waits out of sight while its program's one other item is shown. To be called when a
+/// program's items have come, gone, or changed; `leaving` doesn't count any more.
+void Bar::settleTwins(std::optional<ProcessId> pid, const BarItem* leaving) {
+    if (!pid) return;
+    std::vector<BarItem*> bars;
+    std::vector<BarItem*> notified;
+    for (BarItem* item : items.all()) {
+        if (item->pid != pid || item == leaving || item->isStatusItem()) continue;
+        (item->face ? notified : bars).push_back(item);
+    }
+    bool isPair = bars.size() == 1 && notified.size() == 1;
+    for (BarItem* window : bars) {
+        window->isTwin = isPair && notified.front()->isInRow;
+        setInRow(*window, window->wantsPlace());
+    }
 }
 
 /// The press alone opens a menu, as everywhere; the rest happens when the button is let go inside.
@@ -194,9 +219,11 @@ void Bar::onFacePress(BarItem& item, const xcb_button_press_event_t& event) {
         notifier.scroll(isForward ? 1 : -1, event.detail >= wheelLeft);
         return;
     }
+    facePress = {item.key, event.detail};
     bool opensMenu = event.detail == right || (event.detail == left && properties.itemIsMenu);
     if (!opensMenu) return;
     // The menu takes the pointer for itself.
+    facePress = {};
     xcb_ungrab_pointer(display.get(), event.time);
     if (properties.menu.empty()) {
         notifier.contextMenu(event.root_x, event.root_y);
@@ -210,12 +237,15 @@ void Bar::onFaceRelease(BarItem& item, const xcb_button_release_event_t& event) 
     bool isInside =
         PixelRect{0, 0, frame.width, frame.height}.contains(event.event_x, event.event_y);
     auto& notifier = *item.notifier;
-    if (!isInside) return;
+    // The item may have come under the pointer, or the pointer to the item, since the press.
+    FacePress press = std::exchange(facePress, {});
+    if (!isInside || press.item != item.key || press.button != event.detail) return;
     if (event.detail == middle) notifier.secondaryActivate(event.root_x, event.root_y);
     if (event.detail != left || notifier.properties().itemIsMenu) return;
     notifier.activate(event.root_x, event.root_y, [this, &notifier] {
         BarItem* held = withNotifier(notifier);
-        if (held != nullptr && !notifier.properties().menu.empty()) openMenu(*held);
+        if (held != nullptr && held->isInRow && !notifier.properties().menu.empty())
+            openMenu(*held);
     });
 }
 

@@ -40,6 +40,16 @@ struct Pipe {
     }
 };
 
+/// Those that are to be taken off the system's list of processes when they have gone.
+std::vector<pid_t>& ended() {
+    static std::vector<pid_t> list;
+    return list;
+}
+
+void reap() {
+    std::erase_if(ended(), [](pid_t pid) { return ::waitpid(pid, nullptr, WNOHANG) != 0; });
+}
+
 int spawn(const std::vector<std::string>& words, const Pipe& input, const Pipe& output,
           pid_t& pid) {
     posix_spawn_file_actions_t files;
@@ -70,6 +80,7 @@ int spawn(const std::vector<std::string>& words, const Pipe& input, const Pipe& 
 
 std::unique_ptr<HelperProcess> HelperProcess::start(const std::vector<std::string>& arguments,
                                                     bool hasPipes, std::string& failure) {
+    reap();
     Pipe input;
     Pipe output;
     int error = hasPipes && (!input.open() || !output.open()) ? errno : 0;
@@ -98,9 +109,11 @@ HelperProcess::~HelperProcess() {
         if (descriptor >= 0) ::close(descriptor);
     }
     if (pid <= 0) return;
-    // It has nothing to lose, and mustn't be waited for.
+    // It has nothing to lose. One that hangs in a file system that doesn't answer can't even die:
+    // it mustn't be waited for.
     ::kill(pid, SIGKILL);
-    ::waitpid(pid, nullptr, 0);
+    ended().push_back(pid);
+    reap();
 }
 
 }  // namespace nevo::menubar

@@ -26,6 +26,8 @@ constexpr auto idleTime = 3s;
 /// A program that draws its icon under ever new names must not fill the memory.
 constexpr std::size_t mostKnown = 300;
 constexpr std::size_t longestHeader = 64;
+constexpr int mostFailures = 3;
+constexpr auto startPause = 30s;
 
 bool isOneLine(const std::string& text) {
     return std::none_of(text.begin(), text.end(),
@@ -38,11 +40,16 @@ const Picture* IconSource::find(const Name& name) {
         return entry->second ? &*entry->second : nullptr;
     }
     if (known.size() >= mostKnown) {
-        std::erase_if(known, [](const auto& entry) { return entry.second.has_value(); });
+        std::erase_if(known, [this](const auto& entry) {
+            return entry.second.has_value() && !isInUse(entry.first);
+        });
     }
+    // Too many at a time: the name is asked for again when its item shows it anew.
+    static const Picture none;
+    if (known.size() >= mostKnown) return &none;
     bool canBeAsked = !name.name.empty() && isOneLine(name.name) && isOneLine(name.themePath);
     auto& entry = known[name];
-    if (!canBeAsked || hasFailed || waiting.size() >= mostKnown) {
+    if (!canBeAsked) {
         entry = Picture();
         return &*entry;
     }
@@ -55,20 +62,16 @@ bool IconSource::startHelper() {
     std::string failure;
     helper = HelperProcess::start({"--icons"}, true, failure);
     if (!helper) {
-        hasFailed = true;
         logLine(failure);
+        nextStart = Clock::now() + startPause;
     }
     return helper != nullptr;
 }
 
 void IconSource::process() {
-    if (!current && !waiting.empty()) {
-        if (startHelper()) {
-            ask(waiting.front());
-            waiting.pop_front();
-        } else {
-            for (const Name& name : std::exchange(waiting, {})) settle(name, {});
-        }
+    if (!current && !waiting.empty() && Clock::now() >= nextStart && startHelper()) {
+        ask(waiting.front());
+        waiting.pop_front();
     }
     if (helper) send();
     bool isAlive = !helper || receive();
@@ -144,7 +147,15 @@ void IconSource::giveUp() {
     helper.reset();
     toSend.clear();
     received.clear();
-    if (current) settle(*std::exchange(current, std::nullopt), {});
+    if (!current) return;
+    Name name = *std::exchange(current, std::nullopt);
+    // Another may have been to blame: a machine that is only just starting up.
+    if (++failures[name] < mostFailures) {
+        waiting.push_back(name);
+    } else {
+        failures.erase(name);
+        settle(name, {});
+    }
 }
 
 void IconSource::appendTo(std::vector<pollfd>& descriptors) const {
@@ -154,7 +165,7 @@ void IconSource::appendTo(std::vector<pollfd>& descriptors) const {
 }
 
 std::optional<IconSource::Clock::time_point> IconSource::deadline() const {
-    if (!current && !waiting.empty()) return Clock::now();
+    if (!current && !waiting.empty()) return std::max(Clock::now(), nextStart);
     return helper ? std::optional(due) : std::nullopt;
 }
 

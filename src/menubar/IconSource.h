@@ -37,6 +37,8 @@ public:
     /// it is being looked for: `changed` tells of its coming, at a later `process`.
     const statusnotifier::Picture* find(const Name& name);
     std::function<void(const Name&)> changed;
+    /// Whether a name is in use; others may be forgotten.
+    std::function<bool(const Name&)> isInUse;
 
     void appendTo(std::vector<pollfd>& descriptors) const;
     std::optional<Clock::time_point> deadline() const;
@@ -56,7 +58,10 @@ private:
     std::map<Name, std::optional<statusnotifier::Picture>> known;
     std::deque<Name> waiting;
     std::unique_ptr<HelperProcess> helper;
-    bool hasFailed = false;
+    /// Of a helper that couldn't be started.
+    Clock::time_point nextStart;
+    /// How often the helper has ended or hung over a name.
+    std::map<Name, int> failures;
     /// Being looked for now, by the helper.
     std::optional<Name> current;
     std::string toSend;

@@ -19,6 +19,8 @@ namespace {
 constexpr auto refreshInterval = 50ms;
 constexpr auto firstPause = 200ms;
 constexpr auto longestPause = 30s;
+/// A connection that lasted that long doesn't end for a reason that comes back at once.
+constexpr auto healthyTime = 10s;
 }  // namespace
 
 Notifiers::Notifiers(int side) : pictureSide(side), pause(firstPause) {
@@ -41,6 +43,7 @@ void Notifiers::connect() {
         pause = std::min<Clock::duration>(2 * pause, longestPause);
         return;
     }
+    healthySince = Clock::now();
     registry = std::make_unique<Registry>(*bus, pictureSide);
     registry->changed = [this](Item& item) {
         told.insert(&item);
@@ -79,7 +82,7 @@ void Notifiers::process() {
         pause = std::min<Clock::duration>(2 * pause, longestPause);
         return;
     }
-    if (!bus->uniqueName().empty()) pause = firstPause;
+    if (now >= healthySince + healthyTime) pause = firstPause;
     if (now >= nextRefresh) refreshStale();
 }
 

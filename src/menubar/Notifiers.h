@@ -50,6 +50,7 @@ private:
     std::set<const Item*> told;
     Clock::time_point nextConnect;
     Clock::duration pause;
+    Clock::time_point healthySince;
     Clock::time_point nextRefresh;
     bool failureLogged = false;
 };

@@ -3,6 +3,7 @@
 #include <systemd/sd-bus.h>
 
 #include <memory>
+#include <string_view>
 
 namespace nevo::statusnotifier {
 
@@ -24,5 +25,16 @@ using BusHandle = std::unique_ptr<sd_bus, BusDeleter>;
 /// A call that waits for its answer, a subscription, an object: ends with the handle.
 using Slot = std::unique_ptr<sd_bus_slot, SlotDeleter>;
 using Message = std::unique_ptr<sd_bus_message, MessageDeleter>;
+
+/// For what may be refused: without an own handler of the answer the library would end the
+/// connection.
+inline int ignoreAnswer(sd_bus_message*, void*, sd_bus_error*) { return 1; }
+
+/// Whether the bus itself says it. A match by sender doesn't tell: any program may send the same
+/// signal to us alone.
+inline bool isFromBus(sd_bus_message* message) {
+    const char* sender = sd_bus_message_get_sender(message);
+    return sender != nullptr && std::string_view(sender) == "org.freedesktop.DBus";
+}
 
 }  // namespace nevo::statusnotifier

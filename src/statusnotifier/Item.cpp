@@ -1,6 +1,7 @@
 #include "statusnotifier/Item.h"
 
 #include <array>
+#include <cerrno>
 #include <string_view>
 #include <utility>
 
@@ -55,13 +56,13 @@ Item::Item(SessionBus& of, ItemAddress place, int pictureSide, Events told)
 void Item::subscribe() {
     sd_bus_slot* slot = nullptr;
     sd_bus_match_signal_async(bus.get(), &slot, where.owner.c_str(), where.path.c_str(), interface,
-                              nullptr, onSignal, nullptr, this);
+                              nullptr, onSignal, ignoreAnswer, this);
     signals.reset(std::exchange(slot, nullptr));
     std::string rule =
         "type='signal',sender='org.freedesktop.DBus',path='/org/freedesktop/DBus',"
         "interface='org.freedesktop.DBus',member='NameOwnerChanged',arg0='" +
         where.owner + "'";
-    sd_bus_add_match_async(bus.get(), &slot, rule.c_str(), onOwnerChanged, nullptr, this);
+    sd_bus_add_match_async(bus.get(), &slot, rule.c_str(), onOwnerChanged, ignoreAnswer, this);
     ownerChanges.reset(slot);
 }
 
@@ -145,6 +146,7 @@ int Item::onOwnerChanged(sd_bus_message* message, void* data, sd_bus_error*) {
     const char* name = nullptr;
     const char* before = nullptr;
     const char* after = nullptr;
+    if (!isFromBus(message)) return 0;
     if (sd_bus_message_read(message, "sss", &name, &before, &after) < 0) return 0;
     if (*after == '\0') item.events.gone(item);
     return 0;
@@ -153,10 +155,15 @@ int Item::onOwnerChanged(sd_bus_message* message, void* data, sd_bus_error*) {
 void Item::refresh() {
     for (const std::string& name : std::exchange(staleProperties, {})) {
         Read& read = reads.emplace_back(Read{this, name, nullptr});
+        sd_bus_message* call = nullptr;
+        sd_bus_message_new_method_call(bus.get(), &call, where.owner.c_str(), where.path.c_str(),
+                                       propertiesInterface, "Get");
+        Message held(call);
         sd_bus_slot* slot = nullptr;
-        int error = sd_bus_call_method_async(bus.get(), &slot, where.owner.c_str(),
-                                             where.path.c_str(), propertiesInterface, "Get", onRead,
-                                             &read, "ss", interface, name.c_str());
+        int error = held ? sd_bus_message_append(call, "ss", interface, name.c_str()) : -ENOMEM;
+        // Of an item that is shown, news that don't come mustn't hold up the next.
+        std::uint64_t patience = hasAnswered ? wholeAnswerTime : 0;
+        if (error >= 0) error = sd_bus_call_async(bus.get(), &slot, call, onRead, &read, patience);
         read.slot.reset(slot);
         if (error < 0) reads.pop_back();
     }
@@ -171,6 +178,8 @@ int Item::onRead(sd_bus_message* answer, void* data, sd_bus_error*) {
 /// Told once for all that was asked together, so that no half of a change is seen; but of an item
 /// with a part that is never answered, what there is.
 void Item::finishRead(Read& read, sd_bus_message* answer) {
+    // The object has gone, though its program hasn't.
+    if (sd_bus_message_is_method_error(answer, SD_BUS_ERROR_UNKNOWN_OBJECT) > 0) askForAll();
     if (!isError(answer)) {
         ItemProperties next = shown;
         if (readProperty(answer, read.name, side, next)) {

@@ -48,7 +48,7 @@ public:
     /// Asks for them. However often its program says that something is new, it is asked only here,
     /// and only when it has answered what it was asked before.
     void refresh();
-    /// Asks for everything anew, of an item that isn't known yet.
+    /// Asks for everything anew.
     void askForAll();
 
     // What a person does with it; places in root coordinates.

@@ -7,7 +7,7 @@ namespace nevo::statusnotifier {
 bool Registry::add(const ItemAddress& address) {
     // Some programs register twice, and some whose object came after its announcement.
     if (auto known = items.find(address); known != items.end()) {
-        if (!known->second->isKnown()) known->second->askForAll();
+        known->second->askForAll();
         return true;
     }
     auto ofThisProgram = std::count_if(items.begin(), items.end(), [&](const auto& entry) {

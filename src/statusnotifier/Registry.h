@@ -20,7 +20,7 @@ public:
     /// `side`: of the items' pictures, pixels.
     Registry(SessionBus& of, int side) : bus(of), pictureSide(side) {}
 
-    /// Takes an item in, or asks one that is known already for everything anew. False when there
+    /// Takes an item in, or asks one that is here already for everything anew. False when there
     /// are too many.
     bool add(const ItemAddress& address);
     /// It doesn't count any more, by its watcher's word.

@@ -52,7 +52,7 @@ Watcher::Watcher(SessionBus& of, Registry& items, std::function<void(const std::
                            "type='signal',sender='org.freedesktop.DBus',"
                            "interface='org.freedesktop.DBus',member='NameAcquired',arg0='") +
                        watcherName + "'";
-    sd_bus_add_match_async(bus.get(), &slot, rule.c_str(), onAcquired, nullptr, this);
+    sd_bus_add_match_async(bus.get(), &slot, rule.c_str(), onAcquired, ignoreAnswer, this);
     acquired.reset(slot);
     requestNames();
 }
@@ -62,7 +62,7 @@ Watcher::~Watcher() = default;
 void Watcher::requestNames() {
     sd_bus_slot* slot = nullptr;
     std::string host = "org.kde.StatusNotifierHost-" + std::to_string(::getpid());
-    sd_bus_request_name_async(bus.get(), &slot, host.c_str(), 0, nullptr, nullptr);
+    sd_bus_request_name_async(bus.get(), &slot, host.c_str(), 0, ignoreAnswer, nullptr);
     hostRequest.reset(std::exchange(slot, nullptr));
     // In the queue, the name comes to us when its owner goes.
     sd_bus_request_name_async(bus.get(), &slot, watcherName, SD_BUS_NAME_QUEUE, onRequested, this);
@@ -83,7 +83,8 @@ int Watcher::onRequested(sd_bus_message* answer, void* data, sd_bus_error*) {
     return 0;
 }
 
-int Watcher::onAcquired(sd_bus_message*, void* data, sd_bus_error*) {
+int Watcher::onAcquired(sd_bus_message* message, void* data, sd_bus_error*) {
+    if (!isFromBus(message)) return 0;
     auto& watcher = *static_cast<Watcher*>(data);
     if (watcher.otherChanges && !watcher.isWatcher) {
         watcher.say("the other tray on the session bus is gone; its items are kept here now.");
@@ -138,7 +139,7 @@ void Watcher::join() {
     say("another tray keeps the items on the session bus; showing what it knows.");
     sd_bus_slot* slot = nullptr;
     sd_bus_match_signal_async(bus.get(), &slot, watcherName, watcherPath, watcherName, nullptr,
-                              onOtherChanged, nullptr, this);
+                              onOtherChanged, ignoreAnswer, this);
     otherChanges.reset(std::exchange(slot, nullptr));
     std::string host = "org.kde.StatusNotifierHost-" + std::to_string(::getpid());
     sd_bus_call_method_async(bus.get(), nullptr, watcherName, watcherPath, watcherName,

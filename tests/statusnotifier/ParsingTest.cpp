@@ -106,7 +106,7 @@ TEST(PlainText, hasNothingThatActs) {
 TEST(Identity, isThatOfTheSandboxOrOfWhatAnInterpreterRuns) {
     using xcb::sandboxOfControlGroups;
     EXPECT_EQ(sandboxOfControlGroups("0::/user.slice/user-1000.slice/user@1000.service/app.slice/"
-                                     "app-flatpak-org.example.My-Chat-48213.scope\n"),
+                                     "app-flatpak-org.example.My\\x2dChat-48213.scope\n"),
               "org.example.My-Chat");
     EXPECT_EQ(sandboxOfControlGroups(
                   "0::/user.slice/snap.chat.client-9d1c5d40-1b1a-4a7e-8f0e-7d9c8b7a6f5e.scope\n"),

@@ -1,6 +1,7 @@
 #include "platform/xcb/Sandbox.h"
 
 #include <algorithm>
+#include <charconv>
 #include <fstream>
 
 namespace nevo::xcb {
@@ -10,11 +11,25 @@ constexpr std::size_t mostBytes = 16 * 1024;
 constexpr std::string_view flatpakPrefix = "app-flatpak-";
 constexpr std::string_view snapPrefix = "snap.";
 
+/// As the service manager writes a hyphen within a name: "\\x2d".
+std::string unescaped(std::string_view text) {
+    std::string result;
+    for (std::size_t i = 0; i < text.size(); ++i) {
+        unsigned value = 0;
+        const char* digits = text.data() + i + 2;
+        bool isEscape = text.substr(i).starts_with("\\x") && i + 3 < text.size() &&
+                        std::from_chars(digits, digits + 2, value, 16).ptr == digits + 2;
+        result += isEscape ? static_cast<char>(value) : text[i];
+        if (isEscape) i += 3;
+    }
+    return result;
+}
+
 /// "app-flatpak-org.example.Chat-1234.scope": the number is the launcher's process.
 std::string flatpakOf(std::string_view unit) {
     if (!unit.starts_with(flatpakPrefix) || !unit.ends_with(".scope")) return {};
     unit.remove_prefix(flatpakPrefix.size());
-    return std::string(unit.substr(0, unit.rfind('-')));
+    return unescaped(unit.substr(0, unit.rfind('-')));
 }
 
 /// "snap.chat.chat.1b2c-uuid.scope" or "snap.chat.chat-uuid.scope": the snap's name and its

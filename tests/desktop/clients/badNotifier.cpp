@@ -19,6 +19,7 @@ using Clock = std::chrono::steady_clock;
 
 constexpr const char* itemPath = "/StatusNotifierItem";
 constexpr const char* itemInterface = "org.kde.StatusNotifierItem";
+constexpr const char* propertiesInterface = "org.freedesktop.DBus.Properties";
 constexpr const char* menuPath = "/Menu";
 /// Of an animation.
 constexpr int frames = 7;
@@ -102,8 +103,8 @@ const sd_bus_vtable menuTable[] = {
 std::vector<std::pair<Clock::time_point, sd_bus_message*>> heldCalls;
 
 int holdBack(sd_bus_message* call, void*, sd_bus_error*) {
-    bool isQuestion =
-        sd_bus_message_is_method_call(call, "org.freedesktop.DBus.Properties", "GetAll") > 0;
+    const char* interface = sd_bus_message_get_interface(call);
+    bool isQuestion = interface != nullptr && std::string(interface) == propertiesInterface;
     if (!isQuestion || behaviour.answerTime == 0) return 0;
     auto due = behaviour.answerTime < 0 ? Clock::time_point::max()
                                         : Clock::now() + std::chrono::seconds(behaviour.answerTime);
