@@ -13,6 +13,7 @@ bool Registry::add(const ItemAddress& address) {
     auto ofThisProgram = std::count_if(items.begin(), items.end(), [&](const auto& entry) {
         return entry.first.owner == address.owner;
     });
+    if (items.size() >= mostItems) dropUnknown();
     if (items.size() >= mostItems ||
         static_cast<std::size_t>(ofThisProgram) >= mostItemsOfAProgram) {
         return false;
@@ -22,6 +23,14 @@ bool Registry::add(const ItemAddress& address) {
     items[address] = std::make_unique<Item>(bus, address, pictureSide, std::move(told));
     listed(address, true);
     return true;
+}
+
+/// Room for one that may be shown: those that have never answered are many programs' or one's, and
+/// none of them is missed.
+void Registry::dropUnknown() {
+    auto unknown = std::find_if(items.begin(), items.end(),
+                                [](const auto& entry) { return !entry.second->isKnown(); });
+    if (unknown != items.end()) remove(ItemAddress(unknown->first));
 }
 
 void Registry::remove(const ItemAddress& address) {

@@ -36,6 +36,8 @@ public:
     std::function<void(const ItemAddress&, bool isThere)> listed;
 
 private:
+    void dropUnknown();
+
     SessionBus& bus;
     int pictureSide;
     std::map<ItemAddress, std::unique_ptr<Item>> items;

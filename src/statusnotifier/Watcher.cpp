@@ -202,7 +202,8 @@ bool Watcher::take(const std::string& service, const char* sender, bool isThere)
         return true;
     }
     if (lookups.size() >= mostLookups) return false;
-    Lookup& lookup = lookups.emplace_back(Lookup{this, path, isThere, nullptr});
+    Lookup& lookup =
+        lookups.emplace_back(Lookup{this, path, sender != nullptr ? sender : "", isThere, nullptr});
     sd_bus_slot* slot = nullptr;
     int error = sd_bus_call_method_async(bus.get(), &slot, busName, busPath, busName,
                                          "GetNameOwner", onOwnerFound, &lookup, "s", name.c_str());
@@ -217,6 +218,9 @@ int Watcher::onOwnerFound(sd_bus_message* answer, void* data, sd_bus_error*) {
     const char* owner = nullptr;
     if (!isError(answer) && sd_bus_message_read_basic(answer, 's', &owner) > 0) {
         watcher.put({owner, lookup.path}, lookup.isThere);
+    } else if (!lookup.sender.empty()) {
+        // In a sandbox programs may not own the name that they say.
+        watcher.put({lookup.sender, lookup.path}, lookup.isThere);
     }
     watcher.lookups.remove_if([&](const Lookup& each) { return &each == &lookup; });
     return 0;

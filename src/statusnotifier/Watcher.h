@@ -27,6 +27,8 @@ private:
     struct Lookup {
         Watcher* watcher;
         std::string path;
+        /// Who said it; empty for another watcher.
+        std::string sender;
         bool isThere;
         Slot slot;
     };
