@@ -4,6 +4,7 @@
 #include <string>
 #include <utility>
 
+#include "menubar/AddressFile.h"
 #include "menubar/Log.h"
 
 namespace nevo::menubar {
@@ -17,6 +18,7 @@ using statusnotifier::Watcher;
 namespace {
 /// A program that draws its icon anew all the time is shown as often as this at the most.
 constexpr auto refreshInterval = 50ms;
+constexpr auto retryInterval = 1s;
 constexpr auto firstPause = 200ms;
 constexpr auto longestPause = 30s;
 /// A connection that lasted that long doesn't end for a reason that comes back at once.
@@ -54,9 +56,11 @@ void Notifiers::connect() {
     };
     registry->listed = [this](const ItemAddress& address, bool isThere) {
         if (watcher) watcher->announce(address, isThere);
+        addressesChanged = true;
     };
     watcher = std::make_unique<Watcher>(*bus, *registry,
                                         [](const std::string& sentence) { logLine(sentence); });
+    for (const ItemAddress& address : loadAddresses()) registry->add(address);
 }
 
 void Notifiers::disconnect() {
@@ -84,6 +88,19 @@ void Notifiers::process() {
     }
     if (now >= healthySince + healthyTime) pause = firstPause;
     if (now >= nextRefresh) refreshStale();
+    if (now >= nextRetry) retryMissing();
+    if (std::exchange(addressesChanged, false)) saveAddresses(registry->addresses());
+}
+
+/// Some programs offer their item a moment before it is there.
+void Notifiers::retryMissing() {
+    bool any = false;
+    for (Item* item : registry->all()) {
+        if (!item->isMissing()) continue;
+        item->askForAll();
+        any = true;
+    }
+    if (any) nextRetry = Clock::now() + retryInterval;
 }
 
 void Notifiers::refreshStale() {
@@ -108,9 +125,12 @@ std::optional<Notifiers::Clock::time_point> Notifiers::deadline() const {
         next = Clock::time_point(std::chrono::microseconds(*microseconds));
     }
     auto items = registry->all();
-    if (std::any_of(items.begin(), items.end(), [](Item* item) { return item->isStale(); })) {
-        next = std::min(next.value_or(nextRefresh), nextRefresh);
-    }
+    auto consider = [&](Clock::time_point time, auto condition) {
+        if (!std::any_of(items.begin(), items.end(), condition)) return;
+        next = std::min(next.value_or(time), time);
+    };
+    consider(nextRefresh, [](Item* item) { return item->isStale(); });
+    consider(nextRetry, [](Item* item) { return item->isMissing(); });
     return next;
 }
 

@@ -42,6 +42,7 @@ private:
     void connect();
     void disconnect();
     void refreshStale();
+    void retryMissing();
 
     int pictureSide;
     std::unique_ptr<statusnotifier::SessionBus> bus;
@@ -52,6 +53,8 @@ private:
     Clock::duration pause;
     Clock::time_point healthySince;
     Clock::time_point nextRefresh;
+    Clock::time_point nextRetry;
+    bool addressesChanged = false;
     bool failureLogged = false;
 };
 

@@ -11,6 +11,8 @@ namespace {
 constexpr const char* interface = "org.kde.StatusNotifierItem";
 constexpr const char* propertiesInterface = "org.freedesktop.DBus.Properties";
 constexpr const char* busName = "org.freedesktop.DBus";
+/// With a second between them.
+constexpr int mostTimesMissing = 4;
 /// For all that an item says at once, microseconds; what is asked for singly may take longer.
 constexpr std::uint64_t wholeAnswerTime = 3'000'000;
 /// A wheel's step, in the eighths of a degree that this protocol's programs reckon with.
@@ -43,6 +45,11 @@ bool isUnknown(sd_bus_message* answer) {
     return false;
 }
 
+bool isOwnerGone(sd_bus_message* answer) {
+    return sd_bus_message_is_method_error(answer, SD_BUS_ERROR_SERVICE_UNKNOWN) > 0 ||
+           sd_bus_message_is_method_error(answer, SD_BUS_ERROR_NAME_HAS_NO_OWNER) > 0;
+}
+
 bool isError(sd_bus_message* answer) { return sd_bus_message_is_method_error(answer, nullptr) > 0; }
 }  // namespace
 
@@ -73,7 +80,7 @@ void Item::askForAll() {
     Message held(call);
     if (!held || sd_bus_message_append(call, "s", interface) < 0) return;
     sd_bus_slot* slot = nullptr;
-    sd_bus_call_async(bus.get(), &slot, call, onAll, this, wholeAnswerTime);
+    isAsking = sd_bus_call_async(bus.get(), &slot, call, onAll, this, wholeAnswerTime) >= 0;
     firstAnswer.reset(slot);
 }
 
@@ -98,10 +105,13 @@ void Item::askForProcess() {
 
 int Item::onAll(sd_bus_message* answer, void* data, sd_bus_error*) {
     auto& item = *static_cast<Item*>(data);
+    item.isAsking = false;
     if (isUnknown(answer)) {
-        item.events.gone(item);
+        bool isPatient = !isOwnerGone(answer) && ++item.timesMissing < mostTimesMissing;
+        if (!isPatient) item.events.gone(item);
         return 0;
     }
+    item.timesMissing = 0;
     if (isError(answer)) {
         item.askSingly();
         return 0;

@@ -48,6 +48,8 @@ public:
     /// Asks for them. However often its program says that something is new, it is asked only here,
     /// and only when it has answered what it was asked before.
     void refresh();
+    /// There was no such object when it was asked last; after a few times the item is `gone`.
+    bool isMissing() const { return timesMissing > 0 && !isAsking; }
     /// Asks for everything anew.
     void askForAll();
 
@@ -88,6 +90,9 @@ private:
     ItemProperties shown;
     std::optional<ProcessId> process;
     bool hasAnswered = false;
+    int timesMissing = 0;
+    /// For everything.
+    bool isAsking = false;
     /// All at once was too much, or took too long.
     bool asksSingly = false;
     bool knowsProcess = false;

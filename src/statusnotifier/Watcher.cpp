@@ -144,6 +144,10 @@ void Watcher::join() {
     std::string host = "org.kde.StatusNotifierHost-" + std::to_string(::getpid());
     sd_bus_call_method_async(bus.get(), nullptr, watcherName, watcherPath, watcherName,
                              "RegisterStatusNotifierHost", nullptr, nullptr, "s", host.c_str());
+    // Before the list, so that nothing is missed between the two.
+    sd_bus_call_method_async(bus.get(), &slot, busName, busPath, busName, "GetNameOwner",
+                             onOtherFound, this, "s", watcherName);
+    otherFound.reset(std::exchange(slot, nullptr));
     sd_bus_call_method_async(bus.get(), &slot, watcherName, watcherPath, propertiesInterface, "Get",
                              onOthers, this, "ss", watcherName, "RegisteredStatusNotifierItems");
     others.reset(slot);
@@ -160,7 +164,17 @@ int Watcher::onOthers(sd_bus_message* answer, void* data, sd_bus_error*) {
     return 0;
 }
 
+int Watcher::onOtherFound(sd_bus_message* answer, void* data, sd_bus_error*) {
+    const char* owner = nullptr;
+    if (isError(answer) || sd_bus_message_read_basic(answer, 's', &owner) <= 0) return 0;
+    static_cast<Watcher*>(data)->otherOwner = owner;
+    return 0;
+}
+
 int Watcher::onOtherChanged(sd_bus_message* message, void* data, sd_bus_error*) {
+    // Anybody may send us the same signal.
+    const char* sender = sd_bus_message_get_sender(message);
+    if (sender == nullptr || static_cast<Watcher*>(data)->otherOwner != sender) return 0;
     std::string_view member = sd_bus_message_get_member(message);
     bool isThere = member == "StatusNotifierItemRegistered";
     if (!isThere && member != "StatusNotifierItemUnregistered") return 0;

@@ -56,6 +56,7 @@ private:
     static int onNames(sd_bus_message* answer, void* watcher, sd_bus_error*);
     static int onProbed(sd_bus_message* answer, void* probe, sd_bus_error*);
     static int onOthers(sd_bus_message* answer, void* watcher, sd_bus_error*);
+    static int onOtherFound(sd_bus_message* answer, void* watcher, sd_bus_error*);
     static int onOtherChanged(sd_bus_message* message, void* watcher, sd_bus_error*);
     static int onOwnerFound(sd_bus_message* answer, void* lookup, sd_bus_error*);
     static int readItems(sd_bus* bus, const char* path, const char* interface, const char* property,
@@ -76,6 +77,9 @@ private:
     Slot hostRequest;
     Slot acquired;
     Slot names;
+    /// The other watcher's own name on the bus.
+    std::string otherOwner;
+    Slot otherFound;
     Slot others;
     Slot otherChanges;
 };

@@ -103,7 +103,7 @@ TEST_F(BadNotifiers, thatFloodHoldNobodyUp) {
 
 TEST_F(BadNotifiers, thatRegisterOnceAreFoundByTheNextBar) {
     startBad("plain");
-    startBad("tricky-title");
+    startBad("oddpath");
     waitFor("both have a slot", [&] { return items().size() == 3; });
     kill(bar(), SIGKILL);
     startBar();

@@ -28,6 +28,8 @@ constexpr const char* watcher = "org.kde.StatusNotifierWatcher";
 struct Behaviour {
     const char* path = itemPath;
     int items = 1;
+    /// Register at paths of their own even if there is one.
+    bool hasOddPath = false;
     /// Seconds that an answer takes; below 0 for one that never comes.
     int answerTime = 0;
     int pixmapSide = 0;
@@ -129,8 +131,9 @@ void answerHeld() {
 
 void registerItems() {
     for (int i = 0; i < behaviour.items; ++i) {
-        std::string path = behaviour.items == 1 ? behaviour.path : "/Item" + std::to_string(i);
-        if (path == itemPath || behaviour.items > 1) {
+        bool isUsual = behaviour.items == 1 && !behaviour.hasOddPath;
+        std::string path = isUsual ? behaviour.path : "/Item" + std::to_string(i);
+        if (path == itemPath || !isUsual) {
             require(sd_bus_add_object_vtable(bus, nullptr, path.c_str(), itemInterface, itemTable,
                                              nullptr),
                     "item");
@@ -167,6 +170,7 @@ const std::map<std::string, Behaviour>& kinds() {
     std::string trickyTitle = "<b>bold</b>\x1b[31m\n\u202Eeman";
     static const std::map<std::string, Behaviour> all{
         {"plain", {.pixmapSide = 22}},
+        {"oddpath", {.hasOddPath = true, .pixmapSide = 22}},
         {"nopath", {.path = "/NoSuchThing"}},
         {"late", {.answerTime = 30}},
         {"silent", {.answerTime = -1}},
