@@ -123,6 +123,8 @@ TYPED_TEST(Contract, aLongItemPushesWhatIsLeftOfItOffTheScreen) {
 
 TYPED_TEST(Contract, anItemThatGrowsFromNothingStandsAtItsSavedPosition) {
     this->own->setLength(0);
+    // A bar that hears of both lengths at once has seen no growth.
+    EXPECT_TRUE(this->soon([&] { return this->frame("left").maxX() == this->right.x; }));
     auto& store = this->platform().defaults.standard();
     store.set(std::string(barprotocol::preferredPositionPrefix) + "Contract_Item", 0.0);
     store.synchronize();
