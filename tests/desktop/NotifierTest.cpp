@@ -9,6 +9,8 @@
 namespace nevo::desktoptest {
 namespace {
 
+using namespace std::string_literals;
+
 const Names notifierCommands{"qlipper", "qasmixer --tray --no-single", "copyq", "diodon"};
 const Names windowCommands{"volumeicon", "parcellite", "xfce4-clipman", "pnmixer"};
 
@@ -31,9 +33,25 @@ protected:
         waitFor("the row is as it was", [&] { return namesOnScreen() == expected; });
     }
 
-    void restartBar() {
+    /// Kills the bar, starts another, and waits until the row is as it was. GTK's tray icons write
+    /// to the bar's windows without expecting their death, and now and then one ends of it: started
+    /// anew, it has its old place.
+    void restartBar(const Names& order) {
         kill(bar(), SIGKILL);
         startBar();
+        waitFor("the row is as it was", [&] {
+            for (const std::string& command : {"diodon"s, "volumeicon"s, "parcellite"s, "pnmixer"s})
+                startAnewIfItDiedOfTheBar(command);
+            return namesOnScreen() == order;
+        });
+    }
+
+    void startAnewIfItDiedOfTheBar(const std::string& command) {
+        Process& process = program(command);
+        if (process.isRunning()) return;
+        EXPECT_NE(process.output().find("X Window System error"), std::string::npos) << command;
+        kill(process, SIGKILL);
+        startProgram(command);
     }
 
     /// A menu, or whatever window comes in answer to a click.
@@ -134,10 +152,7 @@ TEST_F(Notifiers, areHiddenRuledAndReorderedLikeWindows) {
 TEST_F(Notifiers, areNeverLostHoweverOftenTheBarIsKilled) {
     startBothKinds();
     Names order = namesOnScreen();
-    for (int i = 0; i < 50; ++i) {
-        restartBar();
-        waitForRow(order);
-    }
+    for (int i = 0; i < 50; ++i) restartBar(order);
     EXPECT_TRUE(isDense());
 }
 

@@ -26,6 +26,12 @@ protected:
         }
         return lines;
     }
+    /// Another mode shows all items and hides them anew; a click before that ends starts nothing
+    /// that lasts.
+    void waitForModeChange(const Names& all) const {
+        waitForOnScreen(all);
+        waitForOnScreen({});
+    }
     void waitForHidden(const std::string& name, bool isHidden) const {
         waitFor(name + (isHidden ? " is hidden" : " is shown"), [&] {
             Names seen = namesOnScreen();
@@ -81,6 +87,7 @@ TEST_F(Settings, theIconAndWhereHiddenItemsShow) {
     tabTo("radio button", "In the bar");
     hand->press(downKey);
     waitForStored(R"("displayMode": "shelf")");
+    waitForModeChange(all);
     click(toggleItem());
     waitFor("the shelf is open", [&] { return windowsBelowBar().size() > windows; });
     EXPECT_EQ(namesOnScreen(), Names());
@@ -88,6 +95,7 @@ TEST_F(Settings, theIconAndWhereHiddenItemsShow) {
     waitFor("the shelf is closed", [&] { return windowsBelowBar().size() == windows; });
     clickOn("radio button", "In the bar");
     waitForStored(R"("displayMode": "push")");
+    waitForModeChange(all);
     toggle(all);
 }
 
@@ -109,15 +117,13 @@ TEST_F(Settings, rulesForAProgramInFront) {
     toggle(names());
     goTo("Rules");
     startProgram("xev");
-    Rect window;
-    waitFor("the program has a window", [&] {
+    // Looked up each time, since the window manager places it after it is seen first.
+    auto smallWindows = [this] {
         auto all = windowsBelowBar();
-        auto found = std::find_if(all.begin(), all.end(), [](const Rect& rect) {
-            return rect.height < 300 && rect.width > 100;
-        });
-        if (found != all.end()) window = *found;
-        return found != all.end();
-    });
+        std::erase_if(all, [](const Rect& rect) { return rect.height > 300 || rect.width < 100; });
+        return all;
+    };
+    waitFor("the program has a window", [&] { return !smallWindows().empty(); });
     clickOn("page tab", "Rules");
     clickOn("push button", "Refresh");
     tabTo("combo box", "While in front");
@@ -128,12 +134,12 @@ TEST_F(Settings, rulesForAProgramInFront) {
     waitForStored("nevo_app_rules");
     control("push button", "Remove", "Your rules");
     waitForHidden("parcellite", false);
-    hand->click(window.center());
+    hand->click(smallWindows().at(0).center());
     waitForHidden("parcellite", true);
     clickOn("push button", "Remove", "Your rules");
     waitForHidden("parcellite", false);
     control("label", "No rules yet.", "Your rules");
-    hand->click(window.center());
+    hand->click(smallWindows().at(0).center());
     waitForHidden("parcellite", false);
 }
 

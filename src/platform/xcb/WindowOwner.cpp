@@ -23,8 +23,8 @@ std::optional<ProcessId> processByXRes(xcb_connection_t* connection, xcb_window_
     if (!reply) return std::nullopt;
     for (auto ids = xcb_res_query_client_ids_ids_iterator(reply.get()); ids.rem > 0;
          xcb_res_client_id_value_next(&ids)) {
-        bool isPid = (ids.data->spec.mask & XCB_RES_CLIENT_ID_MASK_LOCAL_CLIENT_PID) != 0;
-        if (!isPid || xcb_res_client_id_value_value_length(ids.data) < 1) continue;
+        // No other kind of id was asked for.
+        if (xcb_res_client_id_value_value_length(ids.data) < 1) continue;
         auto pid = static_cast<ProcessId>(*xcb_res_client_id_value_value(ids.data));
         if (pid > 0) return pid;
     }
