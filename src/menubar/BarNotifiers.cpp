@@ -1,6 +1,7 @@
 #include <fmt/format.h>
 
 #include <algorithm>
+#include <chrono>
 #include <cmath>
 #include <utility>
 
@@ -20,6 +21,8 @@ namespace {
 constexpr double pictureOfHeight = 22.0 / 24;
 /// An overlay covers a quarter of the picture.
 constexpr int overlayPart = 2;
+
+constexpr std::chrono::seconds patienceOfClick{2};
 
 enum Button : std::uint8_t { left = 1, middle, right, up, down, wheelLeft, wheelRight };
 
@@ -242,7 +245,11 @@ void Bar::onFaceRelease(BarItem& item, const xcb_button_release_event_t& event) 
     if (!isInside || press.item != item.key || press.button != event.detail) return;
     if (event.detail == middle) notifier.secondaryActivate(event.root_x, event.root_y);
     if (event.detail != left || notifier.properties().itemIsMenu) return;
-    notifier.activate(event.root_x, event.root_y, [this, &notifier] {
+    auto clicked = std::chrono::steady_clock::now();
+    notifier.activate(event.root_x, event.root_y, [this, &notifier, clicked] {
+        // A program that hung says so late; its menu would take the pointer from somebody who has
+        // gone on to other things.
+        if (std::chrono::steady_clock::now() - clicked > patienceOfClick) return;
         BarItem* held = withNotifier(notifier);
         if (held != nullptr && held->isInRow && !notifier.properties().menu.empty())
             openMenu(*held);

@@ -19,12 +19,14 @@ constexpr std::size_t mostProblems = 100;
 constexpr int domainsPerSave = 4;
 constexpr double samePlace = 0.001;
 
-std::string lastPositionKey(const std::string& domain, const std::string& name) {
-    return "position " + domain + "|" + name;
+std::string positionKey(const std::string& name) {
+    return barprotocol::preferredPositionPrefix + name;
 }
 
-std::string domainKey(const std::string& name) {
-    return barprotocol::preferredPositionPrefix + name;
+/// What the bar itself has last written or obeyed: in the same file as the position, which is
+/// replaced as a whole, so that no crash between two writes makes it look like another's wish.
+std::string lastPositionKey(const std::string& name) {
+    return "nevo-menubar Last Position " + name;
 }
 
 std::optional<double> numberIn(const std::optional<DefaultsValue>& value) {
@@ -54,58 +56,58 @@ RowStore::RowStore(std::filesystem::path rowFile, double pixelsToPoint)
 
 void RowStore::setPresent(const std::vector<std::string>& identities) {
     auto merged = mergedRowOrder(known, identities);
+    forgetAbsent(merged, identities, mostRemembered);
     if (merged == known) return;
-    if (merged.size() > mostRemembered) merged = identities;
     known = std::move(merged);
-    note(orderKey, known);
+    isUnsaved = true;
 }
 
 std::optional<double> RowStore::position(const std::string& domain, const std::string& name) {
     if (auto unsaved = unsavedPositions.find(domain); unsaved != unsavedPositions.end()) {
         auto entry = unsaved->second.find(name);
-        if (entry != unsaved->second.end()) return entry->second;
+        if (entry != unsaved->second.end() && entry->second.isOurs) return entry->second.position;
     }
     auto path = DomainFile::pathFor(domain);
     if (!path) return std::nullopt;
     DomainFile file(*path);
     logProblems(file);
-    auto points = numberIn(file.value(domainKey(name)));
+    auto points = numberIn(file.value(positionKey(name)));
     return points ? std::optional(*points * scale) : std::nullopt;
 }
 
 bool RowStore::isForeign(const std::string& domain, const std::string& name,
                          double position) const {
-    auto waiting = unsavedPositions.find(domain);
-    if (waiting != unsavedPositions.end() && waiting->second.contains(name)) return false;
-    auto key = lastPositionKey(domain, name);
-    auto unsaved = pending.find(key);
-    auto last = numberIn(unsaved == pending.end() ? row.value(key) : unsaved->second);
+    std::optional<double> last;
+    if (auto unsaved = unsavedPositions.find(domain); unsaved != unsavedPositions.end()) {
+        auto entry = unsaved->second.find(name);
+        if (entry != unsaved->second.end()) last = entry->second.position;
+    }
+    if (auto path = DomainFile::pathFor(domain); path && !last) {
+        auto points = numberIn(DomainFile(*path).value(lastPositionKey(name)));
+        if (points) last = *points * scale;
+    }
     // Scaling back and forth loses a little.
-    return !last || std::abs(*last * scale - position) > samePlace;
+    return !last || std::abs(*last - position) > samePlace;
 }
 
 void RowStore::acknowledge(const std::string& domain, const std::string& name, double position) {
-    if (isForeign(domain, name, position)) note(lastPositionKey(domain, name), position / scale);
+    if (isForeign(domain, name, position)) unsavedPositions[domain][name] = {position, false};
 }
 
 void RowStore::writePosition(const std::string& domain, const std::string& name, double position) {
-    if (DomainFile::pathFor(domain)) unsavedPositions[domain][name] = position;
+    if (DomainFile::pathFor(domain)) unsavedPositions[domain][name] = {position, true};
 }
 
 void RowStore::saveDomain(const std::string& domain,
-                          const std::map<std::string, double>& positions) {
+                          const std::map<std::string, Unsaved>& positions) {
     DomainFile file(*DomainFile::pathFor(domain));
     DomainFile::Changes changes;
-    for (const auto& [name, position] : positions) changes[domainKey(name)] = position / scale;
-    bool written = file.update(changes);
+    for (const auto& [name, unsaved] : positions) {
+        if (unsaved.isOurs) changes[positionKey(name)] = unsaved.position / scale;
+        changes[lastPositionKey(name)] = unsaved.position / scale;
+    }
+    file.update(changes);
     logProblems(file);
-    if (!written) return;
-    for (const auto& [name, position] : positions) acknowledge(domain, name, position);
-}
-
-void RowStore::note(const std::string& key, DefaultsValue value) {
-    pending[key] = std::move(value);
-    changed = true;
 }
 
 bool RowStore::save() {
@@ -113,21 +115,11 @@ bool RowStore::save() {
         auto first = unsavedPositions.extract(unsavedPositions.begin());
         saveDomain(first.key(), first.mapped());
     }
-    if (std::exchange(changed, false)) {
-        forgetOldPositions();
-        if (row.update(pending)) pending.clear();
+    if (std::exchange(isUnsaved, false)) {
+        row.update({{orderKey, known}});
         logProblems(row);
     }
     return !unsavedPositions.empty();
-}
-
-void RowStore::forgetOldPositions() {
-    auto keys = row.keys();
-    if (keys.size() + pending.size() <= 2 * mostRemembered) return;
-    std::erase_if(pending, [](const auto& change) { return change.first != orderKey; });
-    for (const std::string& key : keys) {
-        if (key != orderKey) pending[key] = std::nullopt;
-    }
 }
 
 void RowStore::logProblems(DomainFile& file) {

@@ -42,18 +42,21 @@ public:
     bool save();
 
 private:
-    void note(const std::string& key, DefaultsValue value);
-    void forgetOldPositions();
-    void saveDomain(const std::string& domain, const std::map<std::string, double>& positions);
+    struct Unsaved {
+        double position = 0;
+        /// Else somebody else has written it, and it has been obeyed.
+        bool isOurs = false;
+    };
+    void saveDomain(const std::string& domain, const std::map<std::string, Unsaved>& positions);
     void logProblems(DomainFile& file);
 
     double scale;
     DomainFile row;
     std::vector<std::string> known;
-    DomainFile::Changes pending;
-    bool changed = false;
+    /// The order.
+    bool isUnsaved = false;
     /// By domain and name.
-    std::map<std::string, std::map<std::string, double>> unsavedPositions;
+    std::map<std::string, std::map<std::string, Unsaved>> unsavedPositions;
     std::set<std::string> loggedProblems;
 };
 

@@ -26,17 +26,18 @@ protected:
         return bad;
     }
 
+    /// Each click arrives, and once.
     void expectProbeAnswers() {
         for (int i = 0; i < 3; ++i) {
             int before = probe->clicks();
-            waitFor("the probe gets a click", [&] {
-                auto all = items();
-                auto found = std::find_if(all.begin(), all.end(), [&](const Item& each) {
-                    return each.client == probe->window();
-                });
-                if (found != all.end()) click(*found);
-                return probe->clicks() > before;
+            auto all = items();
+            auto found = std::find_if(all.begin(), all.end(), [&](const Item& each) {
+                return each.client == probe->window();
             });
+            ASSERT_NE(found, all.end());
+            click(*found);
+            waitFor("the probe gets a click", [&] { return probe->clicks() > before; });
+            EXPECT_EQ(probe->clicks(), before + 1);
         }
     }
 
@@ -59,13 +60,22 @@ protected:
 };
 
 TEST_F(BadNotifiers, thatShowNothingTakeNoRoom) {
-    for (const char* kind : {"nopath", "late", "silent"}) {
+    for (const char* kind : {"nopath", "silent"}) {
         Process& bad = startBad(kind);
         expectOthersCome(1);
         expectProbeAnswers();
         EXPECT_EQ(items().size(), 1U) << kind;
         expectGoneWith(bad);
     }
+}
+
+TEST_F(BadNotifiers, thatAnswerLateAreShownThen) {
+    Process& late = startBad("late");
+    expectProbeAnswers();
+    EXPECT_EQ(items().size(), 1U);
+    EXPECT_TRUE(holdsWithin(std::chrono::minutes(2), [this] { return items().size() == 2; }));
+    expectProbeAnswers();
+    expectGoneWith(late);
 }
 
 TEST_F(BadNotifiers, thatLieAboutThemselvesGetASlotAtMost) {
@@ -99,6 +109,34 @@ TEST_F(BadNotifiers, thatFloodHoldNobodyUp) {
     expectOthersCome(33);
     EXPECT_TRUE(isDense());
     expectGoneWith(crowd);
+}
+
+TEST_F(BadNotifiers, thatForgeTheBussWordsMakeNobodyLeave) {
+    startProgram("qasmixer --tray --no-single");
+    waitForItems(2);
+    Process& forger = startBad("forger");
+    // Its item comes after its lies.
+    waitFor("it has a slot", [&] { return items().size() == 3; });
+    EXPECT_EQ(item("qasmixer").slot.width, barView->frame().height);
+    kill(forger, SIGKILL);
+    waitFor("only its own item goes", [&] { return items().size() == 2; });
+}
+
+TEST_F(BadNotifiers, thatComeAndGoFindTheirPlace) {
+    Process& shy = startBad("plain");
+    waitForItems(2);
+    startProgram("qasmixer --tray --no-single");
+    waitForItems(3);
+    Names order = namesOnScreen();
+    ASSERT_EQ(order[1], "bad-notifier");
+    for (int i = 0; i < 5; ++i) {
+        shy.signal(SIGUSR1);
+        waitFor("one that has nothing to show takes no room",
+                [&] { return namesOnScreen().size() == 2; });
+        EXPECT_TRUE(isDense());
+        shy.signal(SIGUSR1);
+        waitForOnScreen(order);
+    }
 }
 
 TEST_F(BadNotifiers, thatRegisterOnceAreFoundByTheNextBar) {

@@ -85,9 +85,12 @@ TEST_F(Notifiers, standInOneRowWithWindowsAndAnswerClicks) {
     waitForWindow(before);
     hand->press(escapeKey);
     waitFor("the menu is closed", [&] { return windowsBelowBar().size() == before; });
+    // No click where the button is let go over another item.
+    hand->drag(item("copyq").place.center(), item("qasmixer").place.center(), [] {});
     // A click is the program's own: qasmixer shows its window.
     click(item("qasmixer"));
     waitForWindow(before);
+    EXPECT_EQ(windowsBelowBar().size(), before + 1);
 }
 
 TEST_F(Notifiers, tellWhatTheyAreWhereThePointerRests) {

@@ -21,15 +21,6 @@ constexpr auto patience = std::chrono::seconds(20);
 constexpr auto goodbye = std::chrono::seconds(5);
 constexpr int pollMilliseconds = 5;
 
-bool holdsWithin(Clock::duration time, const std::function<bool()>& condition) {
-    auto deadline = Clock::now() + time;
-    while (!condition()) {
-        if (Clock::now() > deadline) return false;
-        ::poll(nullptr, 0, pollMilliseconds);
-    }
-    return true;
-}
-
 std::vector<char*> pointers(std::vector<std::string>& strings) {
     std::vector<char*> result;
     for (std::string& string : strings) result.push_back(string.data());
@@ -52,6 +43,15 @@ std::vector<char*> pointers(std::vector<std::string>& strings) {
 }
 
 }  // namespace
+
+bool holdsWithin(Clock::duration time, const std::function<bool()>& condition) {
+    auto deadline = Clock::now() + time;
+    while (!condition()) {
+        if (Clock::now() > deadline) return false;
+        ::poll(nullptr, 0, pollMilliseconds);
+    }
+    return true;
+}
 
 bool holdsSoon(const std::function<bool()>& condition) { return holdsWithin(patience, condition); }
 

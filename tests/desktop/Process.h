@@ -2,6 +2,7 @@
 
 #include <sys/types.h>
 
+#include <chrono>
 #include <filesystem>
 #include <functional>
 #include <map>
@@ -20,6 +21,8 @@ struct Failed : std::runtime_error {
 
 /// Looks at `condition` again and again until it holds; false when it still doesn't after 20 s.
 bool holdsSoon(const std::function<bool()>& condition);
+/// The same for another time, for what takes long by its nature.
+bool holdsWithin(std::chrono::steady_clock::duration time, const std::function<bool()>& condition);
 
 using Environment = std::map<std::string, std::string>;
 

@@ -120,6 +120,9 @@ TEST(Identity, isThatOfTheSandboxOrOfWhatAnInterpreterRuns) {
               "editor");
     EXPECT_EQ(programOfCommandLine({"python3", "/usr/share/mailer/main.py"}), "mailer");
     EXPECT_EQ(programOfCommandLine({"python3", "-m", "mailer"}), "mailer");
+    EXPECT_EQ(programOfCommandLine({"python3", "main.py"}, "/opt/mailer"), "mailer");
+    EXPECT_EQ(programOfCommandLine({"python3", "../main.py"}, "/opt/mailer/bin"), "mailer");
+    EXPECT_EQ(programOfCommandLine({"python3", "../main.py"}), "main.py");
     EXPECT_EQ(programOfCommandLine({"java", "-jar", "/opt/talk/talk-2.14.1.jar"}), "talk");
 }
 

@@ -172,5 +172,20 @@ TEST(RowOrder, AbsentItemsKeepTheirLeftNeighbour) {
     }
 }
 
+TEST(RowOrder, ItemsUnderEverNewNamesPushOutOnlyEachOther) {
+    std::vector<std::string> order{"chat|a", "mail|a", "chat|b", "chat|c", "music|a", "mail|b"};
+    forgetAbsent(order, {"chat|b"}, 6);
+    EXPECT_EQ(order.size(), 6U) << "there is room for all";
+    auto kept = order;
+    forgetAbsent(kept, {"chat|b", "music|a"}, 4);
+    EXPECT_EQ(kept, (std::vector<std::string>{"chat|b", "music|a"})) << "as many as mail has";
+    kept = order;
+    forgetAbsent(kept, {"mail|a", "mail|b"}, 4);
+    EXPECT_EQ(kept, (std::vector<std::string>{"mail|a", "music|a", "mail|b"}));
+    kept = order;
+    forgetAbsent(kept, order, 1);
+    EXPECT_EQ(kept, order) << "what is there is never forgotten";
+}
+
 }  // namespace
 }  // namespace nevo

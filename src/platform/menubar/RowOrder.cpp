@@ -1,5 +1,6 @@
 #include "platform/menubar/RowOrder.h"
 
+#include <algorithm>
 #include <map>
 #include <set>
 
@@ -25,6 +26,26 @@ std::vector<std::string> mergedRowOrder(const std::vector<std::string>& remember
         }
     }
     return result;
+}
+
+void forgetAbsent(std::vector<std::string>& order, const std::vector<std::string>& present,
+                  std::size_t most) {
+    std::set<std::string> isPresent(present.begin(), present.end());
+    auto application = [](const std::string& identity) {
+        return identity.substr(0, identity.find('|'));
+    };
+    std::map<std::string, std::size_t> absent;
+    for (const std::string& identity : order) {
+        if (!isPresent.contains(identity)) ++absent[application(identity)];
+    }
+    while (order.size() > most && !absent.empty()) {
+        auto worst = std::max_element(absent.begin(), absent.end(),
+                                      [](auto& a, auto& b) { return a.second < b.second; });
+        std::erase_if(order, [&](const std::string& identity) {
+            return !isPresent.contains(identity) && application(identity) == worst->first;
+        });
+        absent.erase(worst);
+    }
 }
 
 }  // namespace nevo

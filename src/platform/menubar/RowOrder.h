@@ -12,4 +12,10 @@ namespace nevo {
 std::vector<std::string> mergedRowOrder(const std::vector<std::string>& remembered,
                                         const std::vector<std::string>& present);
 
+/// Shortens an order to `most` identities ("APPLICATION|NAME") as far as absent ones can be
+/// forgotten: all those of the application that has the most of them, then of the next. A program
+/// whose items come under ever new names costs no other its place.
+void forgetAbsent(std::vector<std::string>& order, const std::vector<std::string>& present,
+                  std::size_t most);
+
 }  // namespace nevo

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <array>
+#include <filesystem>
 
 namespace nevo::xcb {
 
@@ -45,7 +46,8 @@ std::string withoutArchiveVersion(std::string name) {
 std::string scriptName(std::string_view path) {
     while (!path.empty()) {
         std::string name = baseName(path);
-        if (!name.empty() && name != "." && !isUsualName(name)) return withoutArchiveVersion(name);
+        if (!name.empty() && name != "." && name != ".." && !isUsualName(name))
+            return withoutArchiveVersion(name);
         auto slash = path.rfind('/');
         path = slash == std::string_view::npos ? std::string_view() : path.substr(0, slash);
     }
@@ -53,14 +55,15 @@ std::string scriptName(std::string_view path) {
 }
 
 /// What an interpreter was told to run: its first argument that is no option.
-std::string scriptOf(const std::vector<std::string>& arguments) {
+std::string scriptOf(const std::vector<std::string>& arguments, const std::string& folder) {
     for (std::size_t i = 1; i < arguments.size(); ++i) {
         const std::string& argument = arguments[i];
         if (argument == "-c" || argument == "-e" || argument == "-") return {};
         if (takesValue(argument)) {
             ++i;
         } else if (!argument.empty() && argument.front() != '-') {
-            std::string name = scriptName(argument);
+            std::string name =
+                scriptName((std::filesystem::path(folder) / argument).lexically_normal().string());
             return name.empty() ? baseName(argument) : name;
         }
     }
@@ -87,12 +90,13 @@ bool isInterpreter(std::string_view name) {
     return listed(name) || listed(withoutVersion(name));
 }
 
-std::string programOfCommandLine(const std::vector<std::string>& arguments) {
+std::string programOfCommandLine(const std::vector<std::string>& arguments,
+                                 const std::string& folder) {
     if (arguments.empty()) return {};
     std::string program = baseName(arguments.front());
-    if (program == "env") return programOfCommandLine(withoutEnvironment(arguments));
+    if (program == "env") return programOfCommandLine(withoutEnvironment(arguments), folder);
     if (program == "flatpak" || program == "snap" || program == "bwrap") return {};
-    return isInterpreter(program) ? scriptOf(arguments) : program;
+    return isInterpreter(program) ? scriptOf(arguments, folder) : program;
 }
 
 }  // namespace nevo::xcb

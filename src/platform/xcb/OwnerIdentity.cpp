@@ -30,14 +30,19 @@ std::vector<std::string> commandLine(ProcessId pid) {
     return arguments;
 }
 
-/// Readable for processes of the same user only.
-std::string executableName(ProcessId pid) {
+/// Where one of the kernel's links of a process leads; empty when it can't be read, as for
+/// processes of other users.
+std::string target(ProcessId pid, const char* link) {
     std::error_code error;
-    std::string path = fs::read_symlink("/proc/" + std::to_string(pid) + "/exe", error).string();
+    return fs::read_symlink(fs::path("/proc") / std::to_string(pid) / link, error).string();
+}
+
+std::string executableName(ProcessId pid) {
+    std::string path = target(pid, "exe");
     // The kernel's mark of a program that was replaced while it ran, as each update does.
     constexpr std::string_view deleted = " (deleted)";
     if (path.ends_with(deleted)) path.resize(path.size() - deleted.size());
-    return error ? std::string() : fs::path(path).filename().string();
+    return fs::path(path).filename().string();
 }
 
 std::string firstNonEmpty(std::initializer_list<std::string> candidates) {
@@ -55,7 +60,7 @@ std::string programOfProcess(ProcessId pid) {
     // A script started by its own "#!" line: the kernel puts the interpreter first by itself, but a
     // program may also have renamed itself; the executable is the better witness.
     if (!executable.empty() && !arguments.empty()) arguments.front() = executable;
-    return programOfCommandLine(arguments);
+    return programOfCommandLine(arguments, target(pid, "cwd"));
 }
 
 OwnerIdentity OwnerIdentities::identify(std::optional<ProcessId> pid,

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <charconv>
+#include <filesystem>
 #include <fstream>
 
 namespace nevo::xcb {
@@ -51,6 +52,19 @@ std::string snapOf(std::string_view unit) {
     }
     return std::string(snap) + "_" + std::string(program);
 }
+
+/// What is started from a sandboxed program and sees the files that all see, as the programs of an
+/// editor's terminal do, stays in its control group, but isn't of it. A few snaps see all files
+/// themselves: their programs lie where snaps are kept.
+bool isOutsider(ProcessId pid) {
+    namespace fs = std::filesystem;
+    std::error_code error;
+    fs::path process = fs::path("/proc") / std::to_string(pid);
+    fs::path files = fs::read_symlink(process / "ns/mnt", error);
+    if (error || files != fs::read_symlink("/proc/self/ns/mnt", error)) return false;
+    std::string program = fs::read_symlink(process / "exe", error).string();
+    return !error && !program.starts_with("/snap/") && !program.starts_with("/var/lib/snapd/");
+}
 }  // namespace
 
 std::string sandboxOfControlGroups(std::string_view text) {
@@ -70,7 +84,8 @@ std::string sandboxOfProcess(ProcessId pid) {
     std::string text(mostBytes, '\0');
     stream.read(text.data(), static_cast<std::streamsize>(text.size()));
     text.resize(static_cast<std::size_t>(stream.gcount()));
-    return sandboxOfControlGroups(text);
+    std::string id = sandboxOfControlGroups(text);
+    return !id.empty() && isOutsider(pid) ? std::string() : id;
 }
 
 }  // namespace nevo::xcb

@@ -12,7 +12,7 @@ namespace nevo::xcb {
 /// a snap, as their desktop entries are called. Empty for a program outside of both.
 std::string sandboxOfControlGroups(std::string_view text);
 
-/// The same for a process; empty when it is gone.
+/// The same for a process; empty when it is gone, or has only been started from such a program.
 std::string sandboxOfProcess(ProcessId pid);
 
 }  // namespace nevo::xcb

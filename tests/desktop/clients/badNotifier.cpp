@@ -1,11 +1,14 @@
 // A program that offers status items over the session bus and behaves badly, for tests and
 // benchmarks of tray hosts: bad-notifier KIND with one of the kinds below. Says "registered" when a
-// watcher has taken what it offers, and runs until it is ended.
+// watcher has taken what it offers, and runs until it is ended. SIGUSR1 makes its items passive,
+// and active again.
 
 #include <systemd/sd-bus.h>
 
 #include <algorithm>
+#include <cerrno>
 #include <chrono>
+#include <csignal>
 #include <cstdint>
 #include <cstdio>
 #include <cstdlib>
@@ -40,11 +43,14 @@ struct Behaviour {
     /// Whether each of those signals is about another pixmap.
     bool isAnimated = false;
     bool leavesAtMenu = false;
+    /// Says in the bus's words that everybody else has left it.
+    bool forges = false;
 };
 
 sd_bus* bus = nullptr;
 Behaviour behaviour;
 std::int64_t signalsSent = 0;
+volatile std::sig_atomic_t isPassive = 0;
 
 void require(int result, const char* what) {
     if (result >= 0) return;
@@ -57,7 +63,7 @@ int readText(sd_bus*, const char*, const char*, const char* property, sd_bus_mes
     std::string name = property;
     std::string value = name == "Title" ? behaviour.title : "";
     if (name == "Id") value = "bad";
-    if (name == "Status") value = "Active";
+    if (name == "Status") value = isPassive != 0 ? "Passive" : "Active";
     return sd_bus_message_append(reply, "s", value.c_str());
 }
 
@@ -91,6 +97,7 @@ const sd_bus_vtable itemTable[] = {SD_BUS_VTABLE_START(0),
                                    SD_BUS_PROPERTY("IconPixmap", "a(iiay)", readPixmap, 0, 0),
                                    SD_BUS_PROPERTY("Menu", "o", readMenu, 0, 0),
                                    SD_BUS_SIGNAL("NewIcon", "", 0),
+                                   SD_BUS_SIGNAL("NewStatus", "s", 0),
                                    SD_BUS_VTABLE_END};
 
 int onMenuCall(sd_bus_message*, void*, sd_bus_error*) { std::exit(0); }
@@ -119,9 +126,18 @@ void answerHeld() {
         if (call == nullptr || Clock::now() < due) continue;
         sd_bus_message* reply = nullptr;
         require(sd_bus_message_new_method_return(call, &reply), "answer");
-        require(
-            sd_bus_message_append(reply, "a{sv}", 2, "Id", "s", "late", "Status", "s", "Active"),
-            "answer");
+        const char* interface = nullptr;
+        const char* property = nullptr;
+        sd_bus_message_rewind(call, 1);
+        if (std::string(sd_bus_message_get_member(call)) == "GetAll") {
+            require(sd_bus_message_append(reply, "a{sv}", 2, "Id", "s", "late", "Status", "s",
+                                          "Active"),
+                    "answer");
+        } else {
+            require(sd_bus_message_read(call, "ss", &interface, &property), "question");
+            bool isId = std::string(property) == "Id";
+            require(sd_bus_message_append(reply, "v", "s", isId ? "late" : ""), "answer");
+        }
         require(sd_bus_send(bus, reply, nullptr), "answer");
         sd_bus_message_unref(reply);
         sd_bus_message_unref(call);
@@ -145,8 +161,19 @@ void registerItems() {
     std::fflush(stdout);
 }
 
+void forge() {
+    constexpr int mostConnections = 100;
+    for (int i = 0; i < mostConnections; ++i) {
+        std::string name = ":1." + std::to_string(i);
+        require(sd_bus_emit_signal(bus, "/org/freedesktop/DBus", "org.freedesktop.DBus",
+                                   "NameOwnerChanged", "sss", name.c_str(), name.c_str(), ""),
+                "forged signal");
+    }
+}
+
 void liveOn() {
     auto begin = Clock::now();
+    auto wasPassive = isPassive;
     while (true) {
         while (sd_bus_process(bus, nullptr) > 0) {
         }
@@ -159,8 +186,14 @@ void liveOn() {
                 sd_bus_emit_signal(bus, itemPath, itemInterface, "NewIcon", "");
             }
         }
+        if (isPassive != wasPassive) {
+            wasPassive = isPassive;
+            sd_bus_emit_signal(bus, itemPath, itemInterface, "NewStatus", "s",
+                               wasPassive != 0 ? "Passive" : "Active");
+        }
         constexpr std::uint64_t pause = 10'000;
-        if (sd_bus_wait(bus, pause) < 0) return;
+        int error = sd_bus_wait(bus, pause);
+        if (error < 0 && error != -EINTR) return;
     }
 }
 
@@ -183,6 +216,7 @@ const std::map<std::string, Behaviour>& kinds() {
         {"long-title", {.pixmapSide = 22, .title = longTitle}},
         {"tricky-title", {.pixmapSide = 22, .title = trickyTitle}},
         {"thousand", {.items = 1'000}},
+        {"forger", {.forges = true}},
         {"leaver", {.pixmapSide = 22, .leavesAtMenu = true}}};
     return all;
 }
@@ -205,6 +239,8 @@ int main(int argc, char** argv) {
                                          menuTable, nullptr),
                 "menu");
     }
+    if (behaviour.forges) forge();
+    std::signal(SIGUSR1, [](int) { isPassive = isPassive == 0; });
     registerItems();
     liveOn();
     return 0;
