@@ -157,6 +157,34 @@ TEST_F(Notifiers, areNeverLostHoweverOftenTheBarIsKilled) {
     Names order = namesOnScreen();
     for (int i = 0; i < 50; ++i) restartBar(order);
     EXPECT_TRUE(isDense());
+    setMonitor("1000/300x600/200+0+0");
+    waitFor("the bar is as wide as the monitor", [&] { return barView->frame().width == 1000; });
+    waitForRow(order);
+    restartBar(order);
+    setMonitor("1600/400x600/200+0+0");
+    waitFor("the bar is wide again", [&] { return barView->frame().width == 1600; });
+    waitForRow(order);
+    EXPECT_TRUE(isDense());
+}
+
+TEST_F(Notifiers, standWhereTheyWereAtTheNextLogin) {
+    startBothKinds();
+    Names order = namesOnScreen();
+    Names commands = notifierCommands;
+    commands.insert(commands.end(), windowCommands.begin(), windowCommands.end());
+    auto endAll = [&] {
+        for (const std::string& name : order) kill(program(name), SIGTERM);
+        waitForRow({});
+    };
+    endAll();
+    kill(bar(), SIGTERM);
+    // All at once, and the bar last: who finds no tray for the bus docks a window.
+    for (const std::string& command : commands) startProgram(command);
+    startBar();
+    waitForRow(order);
+    endAll();
+    for (const std::string& command : commands) startProgram(command);
+    waitForRow(order);
 }
 
 TEST_F(Notifiers, areShownBesideAnotherTrayAndTakenOverFromIt) {
