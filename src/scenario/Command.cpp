@@ -37,7 +37,8 @@ Step readCommand(LineReader& reader, bool delayed) {
     std::string prefix;
     if (name == "expect") {
         prefix = "expect ";
-        name += " " + reader.word("what is expected");
+        name += ' ';
+        name += reader.word("what is expected");
     }
     if (!reader.error().empty()) return {};
     auto found = std::find_if(commands().begin(), commands().end(),
