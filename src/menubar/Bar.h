@@ -139,8 +139,11 @@ private:
     void openNotifiers();
     BarItem* withNotifier(const statusnotifier::Item& notifier) const;
     void onNotifierChanged(statusnotifier::Item& notifier);
+    bool hasRoomFor(const statusnotifier::Item& notifier);
     BarItem* dockNotifier(statusnotifier::Item& notifier);
-    statusnotifier::Picture pictureOf(const BarItem& item, const statusnotifier::ItemIcon& icon);
+    statusnotifier::Picture pictureOf(const IconSource::Name& name,
+                                      const statusnotifier::Picture& pixels,
+                                      const statusnotifier::Picture& before);
     void showFace(BarItem& item);
     void showTitle(BarItem& item);
     BarItem* twinOf(const BarItem& item) const;

@@ -12,39 +12,27 @@
 
 namespace nevo::menubar {
 
-using statusnotifier::ItemIcon;
 using statusnotifier::Picture;
 using statusnotifier::Status;
 
 namespace {
 /// Of a bar that is 24 high: the size that most programs draw their icons for.
 constexpr double pictureOfHeight = 22.0 / 24;
-/// An overlay covers a quarter of the picture.
-constexpr int overlayPart = 2;
 
 constexpr std::chrono::seconds patienceOfClick{2};
 
 enum Button : std::uint8_t { left = 1, middle, right, up, down, wheelLeft, wheelRight };
 
-/// What tells the items of one program apart; nothing where it carries the process's number, which
-/// the next start doesn't have.
-std::string stableId(const std::string& id, std::optional<ProcessId> pid) {
-    bool hasPid = pid && id.find(std::to_string(*pid)) != std::string::npos;
-    return hasPid ? std::string() : id;
+/// Whether `item` shows the picture of that name, or would when its state changes.
+bool uses(const BarItem& item, const IconSource::Name& name) {
+    if (item.notifier == nullptr) return false;
+    if (name.themePath.empty() && name.name == item.iconName) return true;
+    const auto& own = item.notifier->properties();
+    return name.themePath == own.iconThemePath &&
+           (name.name == own.icon.name || name.name == own.attentionIcon.name ||
+            name.name == own.overlayIcon.name);
 }
 
-/// The half of the picture's size that an overlay has.
-Picture halved(const Picture& picture) {
-    Picture half{(picture.width + 1) / overlayPart, (picture.height + 1) / overlayPart, {}};
-    for (int y = 0; y < half.height; ++y) {
-        for (int x = 0; x < half.width; ++x) {
-            auto at = std::min(2 * y, picture.height - 1) * picture.width +
-                      std::min(2 * x, picture.width - 1);
-            half.pixels.push_back(picture.pixels[static_cast<std::size_t>(at)]);
-        }
-    }
-    return half;
-}
 /// A quiet dot, for an item that has nothing to show or hasn't told it yet: it can be clicked.
 Picture placeholder(int side) {
     constexpr std::uint32_t color = 0x80808080;
@@ -67,20 +55,16 @@ int Bar::pictureSide() const {
 }
 
 void Bar::openNotifiers() {
-    icons = std::make_unique<IconSource>(pictureSide());
-    icons->changed = [this](const IconSource::Name&) {
+    icons = std::make_unique<IconSource>();
+    icons->changed = [this](const IconSource::Name& name) {
         for (BarItem* item : items.all()) {
-            if (item->notifier != nullptr) showFace(*item);
+            if (uses(*item, name)) showFace(*item);
         }
     };
     icons->isInUse = [this](const IconSource::Name& name) {
         auto all = items.all();
-        return std::any_of(all.begin(), all.end(), [&](const BarItem* item) {
-            if (item->notifier == nullptr) return false;
-            const auto& shown = item->notifier->properties();
-            return name.name == item->iconName || name.name == shown.icon.name ||
-                   name.name == shown.attentionIcon.name || name.name == shown.overlayIcon.name;
-        });
+        return std::any_of(all.begin(), all.end(),
+                           [&](const BarItem* item) { return uses(*item, name); });
     };
     notifiers = std::make_unique<Notifiers>(pictureSide());
     notifiers->changed = [this](statusnotifier::Item& item) { onNotifierChanged(item); };
@@ -116,8 +100,23 @@ void Bar::onNotifierChanged(statusnotifier::Item& notifier) {
     settleTwins(item->pid, nullptr);
 }
 
+/// However many connections a program has.
+bool Bar::hasRoomFor(const statusnotifier::Item& notifier) {
+    auto all = items.all();
+    auto ofThisProgram = std::count_if(all.begin(), all.end(), [&](const BarItem* item) {
+        return item->notifier != nullptr && notifier.pid() && item->pid == notifier.pid();
+    });
+    bool hasRoom = all.size() < mostItems && static_cast<std::size_t>(ofThisProgram) <
+                                                 statusnotifier::Registry::mostItemsOfAProgram;
+    if (!hasRoom && !std::exchange(limitLogged, true)) {
+        log("there are {} items already, {} of the program that offers one more; it isn't shown.",
+            all.size(), ofThisProgram);
+    }
+    return hasRoom;
+}
+
 BarItem* Bar::dockNotifier(statusnotifier::Item& notifier) {
-    if (items.size() >= mostItems) return nullptr;
+    if (!hasRoomFor(notifier)) return nullptr;
     auto frame = ItemFrame::create(display, windows.front()->window(), 32, display.alphaVisual(),
                                    options.height, BarWindow::groundPixel);
     if (!frame) return nullptr;
@@ -129,10 +128,10 @@ BarItem* Bar::dockNotifier(statusnotifier::Item& notifier) {
     made->frame = std::move(frame);
     made->requestedWidth = options.height;
     made->pid = notifier.pid();
-    const std::string& id = notifier.properties().id;
-    made->windowClass = {stableId(id, notifier.pid()), id};
+    std::string id = xcb::stableId(notifier.properties().id, notifier.pid());
+    made->windowClass = {id, id};
     BarItem& item = items.add(std::move(made));
-    auto owner = owners.identify(item.pid, item.windowClass);
+    auto owner = owners.identifyClaimed(item.pid, id);
     item.applicationId = owner.applicationId;
     item.ownerName = owner.name;
     item.iconName = owner.icon;
@@ -143,28 +142,35 @@ BarItem* Bar::dockNotifier(statusnotifier::Item& notifier) {
     return &item;
 }
 
-/// The picture by name where there is one, as the protocol has it, else the pixels, else the icon
-/// that its program is installed with.
-Picture Bar::pictureOf(const BarItem& item, const ItemIcon& icon) {
-    const std::string& themePath = item.notifier->properties().iconThemePath;
-    if (!icon.name.empty()) {
-        const Picture* named = icons->find({icon.name, themePath});
+/// The picture by name where there is one, as the protocol has it, else the pixels.
+Picture Bar::pictureOf(const IconSource::Name& name, const Picture& pixels, const Picture& before) {
+    if (!name.name.empty()) {
+        const Picture* named = icons->find(name);
         // What was there before is better than what is there for a moment.
-        if (named == nullptr && icon.picture.isEmpty()) return item.shownPicture;
+        if (named == nullptr && pixels.isEmpty()) return before;
         if (named != nullptr && !named->isEmpty()) return *named;
     }
-    return icon.picture;
+    return pixels;
 }
 
 void Bar::showFace(BarItem& item) {
     const auto& properties = item.notifier->properties();
     bool wantsAttention = properties.status == Status::needsAttention;
+    int side = pictureSide();
     Picture picture;
-    if (wantsAttention) picture = pictureOf(item, properties.attentionIcon);
-    if (picture.isEmpty()) picture = pictureOf(item, properties.icon);
-    if (picture.isEmpty()) picture = pictureOf(item, {item.iconName, {}});
-    if (picture.isEmpty()) picture = placeholder(pictureSide());
-    Picture overlay = halved(pictureOf(item, properties.overlayIcon));
+    auto take = [&](const statusnotifier::ItemIcon& icon, const std::string& themePath) {
+        if (!picture.isEmpty()) return;
+        picture = pictureOf({icon.name, themePath, side}, icon.picture, item.shownPicture);
+    };
+    if (wantsAttention) take(properties.attentionIcon, properties.iconThemePath);
+    take(properties.icon, properties.iconThemePath);
+    // What its program is installed with.
+    take({item.iconName, {}}, {});
+    if (picture.isEmpty()) picture = placeholder(side);
+    const auto& over = properties.overlayIcon;
+    Picture overlay =
+        pictureOf({over.name, properties.iconThemePath, statusnotifier::overlaySide(side)},
+                  over.picture, item.shownOverlay);
     if (picture == item.shownPicture && overlay == item.shownOverlay) return;
     item.face->show(picture, overlay);
     item.shownPicture = std::move(picture);

@@ -40,14 +40,13 @@ struct Pipe {
     }
 };
 
-/// Those that are to be taken off the system's list of processes when they have gone.
-std::vector<pid_t>& ended() {
-    static std::vector<pid_t> list;
+struct Dying {
+    pid_t pid;
+    int end;
+};
+std::vector<Dying>& dying() {
+    static std::vector<Dying> list;
     return list;
-}
-
-void reap() {
-    std::erase_if(ended(), [](pid_t pid) { return ::waitpid(pid, nullptr, WNOHANG) != 0; });
 }
 
 int spawn(const std::vector<std::string>& words, const Pipe& input, const Pipe& output,
@@ -78,6 +77,18 @@ int spawn(const std::vector<std::string>& words, const Pipe& input, const Pipe& 
 }
 }  // namespace
 
+void HelperProcess::appendDying(std::vector<pollfd>& descriptors) {
+    for (const Dying& each : dying()) descriptors.push_back({each.end, POLLIN, 0});
+}
+
+void HelperProcess::reap() {
+    std::erase_if(dying(), [](const Dying& each) {
+        bool isGone = ::waitpid(each.pid, nullptr, WNOHANG) != 0;
+        if (isGone && each.end >= 0) ::close(each.end);
+        return isGone;
+    });
+}
+
 std::unique_ptr<HelperProcess> HelperProcess::start(const std::vector<std::string>& arguments,
                                                     bool hasPipes, std::string& failure) {
     reap();
@@ -105,14 +116,14 @@ std::unique_ptr<HelperProcess> HelperProcess::start(const std::vector<std::strin
 }
 
 HelperProcess::~HelperProcess() {
-    for (int descriptor : {end, toHelper, fromHelper}) {
+    for (int descriptor : {toHelper, fromHelper}) {
         if (descriptor >= 0) ::close(descriptor);
     }
     if (pid <= 0) return;
     // It has nothing to lose. One that hangs in a file system that doesn't answer can't even die:
     // it mustn't be waited for.
     ::kill(pid, SIGKILL);
-    ended().push_back(pid);
+    dying().push_back({pid, end});
     reap();
 }
 

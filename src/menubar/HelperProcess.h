@@ -1,5 +1,6 @@
 #pragma once
 
+#include <poll.h>
 #include <sys/types.h>
 
 #include <memory>
@@ -24,6 +25,11 @@ public:
     int output() const { return fromHelper; }
     /// Readable when it has ended.
     int endDescriptor() const { return end; }
+
+    /// Those that were ended and are still to be taken off the system's list of processes, which
+    /// `reap` does: each descriptor becomes readable when its process has died.
+    static void appendDying(std::vector<pollfd>& descriptors);
+    static void reap();
 
 private:
     HelperProcess() = default;

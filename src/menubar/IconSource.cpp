@@ -28,6 +28,8 @@ constexpr std::size_t mostKnown = 300;
 constexpr std::size_t longestHeader = 64;
 constexpr int mostFailures = 3;
 constexpr auto startPause = 30s;
+/// Until a name that wasn't there is looked for again.
+constexpr auto longestPause = 1h;
 
 bool isOneLine(const std::string& text) {
     return std::none_of(text.begin(), text.end(),
@@ -36,24 +38,42 @@ bool isOneLine(const std::string& text) {
 }  // namespace
 
 const Picture* IconSource::find(const Name& name) {
-    if (auto entry = known.find(name); entry != known.end()) {
-        return entry->second ? &*entry->second : nullptr;
+    auto found = known.find(name);
+    if (found == known.end()) {
+        if (known.size() >= mostKnown) forgetUnused();
+        // Too many at a time: the name is asked for again when its item shows it anew.
+        static const Picture none;
+        if (known.size() >= mostKnown) return &none;
+        found = known.emplace(name, Entry{}).first;
+        bool canBeAsked = !name.name.empty() && isOneLine(name.name) && isOneLine(name.themePath);
+        if (!canBeAsked) found->second.picture.emplace();
     }
-    if (known.size() >= mostKnown) {
-        std::erase_if(known, [this](const auto& entry) {
-            return entry.second.has_value() && !isInUse(entry.first);
-        });
+    Entry& entry = found->second;
+    if (!entry.picture || Clock::now() >= entry.goodUntil) await(name, entry);
+    return entry.picture ? &*entry.picture : nullptr;
+}
+
+void IconSource::await(const Name& name, Entry& entry) {
+    if (!std::exchange(entry.isAwaited, true)) waiting.push_back(name);
+}
+
+void IconSource::forgetUnused() {
+    auto isUnused = [this](const Name& name) { return name != current && !isInUse(name); };
+    std::erase_if(waiting, isUnused);
+    std::erase_if(failed, isUnused);
+    std::erase_if(known, [&](const auto& entry) { return isUnused(entry.first); });
+}
+
+/// The queue whose first name is the next to be looked for; nullptr when there is none. A program
+/// that takes a new name all the time waits like the others for the one that it has then.
+std::deque<IconSource::Name>* IconSource::nextQueue() {
+    for (auto* queue : {&waiting, &failed}) {
+        while (!queue->empty() && !isInUse(queue->front())) {
+            known.erase(queue->front());
+            queue->pop_front();
+        }
+        if (!queue->empty()) return queue;
     }
-    // Too many at a time: the name is asked for again when its item shows it anew.
-    static const Picture none;
-    if (known.size() >= mostKnown) return &none;
-    bool canBeAsked = !name.name.empty() && isOneLine(name.name) && isOneLine(name.themePath);
-    auto& entry = known[name];
-    if (!canBeAsked) {
-        entry = Picture();
-        return &*entry;
-    }
-    waiting.push_back(name);
     return nullptr;
 }
 
@@ -69,10 +89,8 @@ bool IconSource::startHelper() {
 }
 
 void IconSource::process() {
-    if (!current && !waiting.empty() && Clock::now() >= nextStart && startHelper()) {
-        ask(waiting.front());
-        waiting.pop_front();
-    }
+    HelperProcess::reap();
+    if (!current && Clock::now() >= nextStart) askNext();
     if (helper) send();
     bool isAlive = !helper || receive();
     while (takeAnswer()) {
@@ -81,9 +99,12 @@ void IconSource::process() {
     if (!isAlive || isLate) giveUp();
 }
 
-void IconSource::ask(const Name& name) {
-    current = name;
-    toSend = fmt::format("1 {}\t{}\t{}\n", pictureSide, name.themePath, name.name);
+void IconSource::askNext() {
+    auto* queue = nextQueue();
+    if (queue == nullptr || !startHelper()) return;
+    current = std::move(queue->front());
+    queue->pop_front();
+    toSend = fmt::format("1 {}\t{}\t{}\n", current->side, current->themePath, current->name);
     due = Clock::now() + patience;
 }
 
@@ -115,7 +136,8 @@ bool IconSource::takeAnswer() {
     int height = 0;
     bool isHeader = end <= longestHeader &&
                     std::sscanf(received.c_str(), "%d %d %d\n", &id, &width, &height) == 3;
-    bool fits = width >= 0 && height >= 0 && width <= pictureSide && height <= pictureSide;
+    int side = current ? current->side : 0;
+    bool fits = width >= 0 && height >= 0 && width <= side && height <= side;
     if (!isHeader || !fits || !current) {
         giveUp();
         return false;
@@ -128,18 +150,23 @@ bool IconSource::takeAnswer() {
     std::memcpy(picture.pixels.data(), received.data() + end + 1, size);
     received.erase(0, end + 1 + size);
     due = Clock::now() + idleTime;
-    settle(*std::exchange(current, std::nullopt), std::move(picture));
-    if (!waiting.empty()) {
-        ask(waiting.front());
-        waiting.pop_front();
-        send();
-    }
+    // Some programs write the file only after they have named it.
+    bool mayComeLater = picture.isEmpty();
+    settle(*std::exchange(current, std::nullopt), std::move(picture), mayComeLater);
+    askNext();
+    send();
     return true;
 }
 
-void IconSource::settle(const Name& name, Picture picture) {
-    known[name] = std::move(picture);
-    changed(name);
+void IconSource::settle(const Name& name, Picture picture, bool mayComeLater) {
+    Entry& entry = known[name];
+    bool isNews = entry.picture != picture;
+    entry.picture = std::move(picture);
+    entry.isAwaited = false;
+    entry.failures = 0;
+    entry.goodUntil = mayComeLater ? Clock::now() + entry.pause : Clock::time_point::max();
+    entry.pause = std::min<std::chrono::seconds>(2 * entry.pause, longestPause);
+    if (isNews) changed(name);
 }
 
 /// The helper has ended, hangs, has spoken nonsense, or has nothing to do.
@@ -150,22 +177,22 @@ void IconSource::giveUp() {
     if (!current) return;
     Name name = *std::exchange(current, std::nullopt);
     // Another may have been to blame: a machine that is only just starting up.
-    if (++failures[name] < mostFailures) {
-        waiting.push_back(name);
+    if (++known[name].failures < mostFailures) {
+        failed.push_back(name);
     } else {
-        failures.erase(name);
-        settle(name, {});
+        settle(name, {}, false);
     }
 }
 
 void IconSource::appendTo(std::vector<pollfd>& descriptors) const {
+    HelperProcess::appendDying(descriptors);
     if (!helper) return;
     descriptors.push_back({helper->output(), POLLIN, 0});
     if (!toSend.empty()) descriptors.push_back({helper->input(), POLLOUT, 0});
 }
 
 std::optional<IconSource::Clock::time_point> IconSource::deadline() const {
-    if (!current && !waiting.empty()) return std::max(Clock::now(), nextStart);
+    if (!current && (!waiting.empty() || !failed.empty())) return std::max(Clock::now(), nextStart);
     return helper ? std::optional(due) : std::nullopt;
 }
 

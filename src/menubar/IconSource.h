@@ -27,17 +27,17 @@ public:
         std::string name;
         /// Searched first; may be empty.
         std::string themePath;
+        /// No side of the picture is longer, pixels.
+        int side = 0;
         auto operator<=>(const Name&) const = default;
     };
 
-    /// `side`: of the pictures, pixels.
-    explicit IconSource(int side) : pictureSide(side) {}
-
-    /// The picture, when it is known; an empty one when there is none of that name. Nullptr while
-    /// it is being looked for: `changed` tells of its coming, at a later `process`.
+    /// The picture, when it is known; an empty one when there is none of that name, which is looked
+    /// for again when it is asked for later. Nullptr while it is being looked for: `changed` tells
+    /// of its coming, at a later `process`.
     const statusnotifier::Picture* find(const Name& name);
     std::function<void(const Name&)> changed;
-    /// Whether a name is in use; others may be forgotten.
+    /// Whether a name is in use; others may be forgotten, and aren't looked for.
     std::function<bool(const Name&)> isInUse;
 
     void appendTo(std::vector<pollfd>& descriptors) const;
@@ -46,22 +46,35 @@ public:
     void process();
 
 private:
-    void ask(const Name& name);
+    struct Entry {
+        std::optional<statusnotifier::Picture> picture;
+        Clock::time_point goodUntil = Clock::time_point::max();
+        /// How long the next answer that there is none counts: longer each time.
+        std::chrono::seconds pause{3};
+        /// It is `current` or in one of the queues.
+        bool isAwaited = false;
+        /// How often the helper has ended or hung over it.
+        int failures = 0;
+    };
+
+    void await(const Name& name, Entry& entry);
+    void forgetUnused();
+    std::deque<Name>* nextQueue();
+    void askNext();
     bool startHelper();
     void send();
     bool receive();
     bool takeAnswer();
-    void settle(const Name& name, statusnotifier::Picture picture);
+    void settle(const Name& name, statusnotifier::Picture picture, bool mayComeLater);
     void giveUp();
 
-    int pictureSide;
-    std::map<Name, std::optional<statusnotifier::Picture>> known;
+    std::map<Name, Entry> known;
     std::deque<Name> waiting;
+    /// To be tried again when no other waits.
+    std::deque<Name> failed;
     std::unique_ptr<HelperProcess> helper;
     /// Of a helper that couldn't be started.
     Clock::time_point nextStart;
-    /// How often the helper has ended or hung over a name.
-    std::map<Name, int> failures;
     /// Being looked for now, by the helper.
     std::optional<Name> current;
     std::string toSend;

@@ -2,9 +2,12 @@
 
 #include <fmt/format.h>
 
+#include <algorithm>
+
 #include "menubar/BarItem.h"
 #include "platform/menubar/BarProtocol.h"
 #include "platform/xcb/Properties.h"
+#include "statusnotifier/ItemProperties.h"
 
 namespace nevo::menubar {
 
@@ -13,25 +16,25 @@ using xcb::PropertyRead;
 namespace {
 constexpr std::uint32_t mostBytes = 4096;
 
+/// On one line, without what a terminal would obey: programs choose these texts.
+std::string onOneLine(std::string text) {
+    std::replace(text.begin(), text.end(), '\n', ' ');
+    return statusnotifier::plainText(text, mostBytes);
+}
+
 std::string lineOf(const Display& display, xcb_window_t frame) {
-    auto c = display.get();
     auto read = [&](const char* name) {
-        return PropertyRead(c, frame, display.atom(name), mostBytes);
+        return PropertyRead(display.get(), frame, display.atom(name), mostBytes);
     };
-    auto applicationId = read(barprotocol::itemAppId);
-    auto name = read(barprotocol::itemName);
-    auto ownerName = read(barprotocol::itemOwnerName);
-    auto title = read(barprotocol::itemTitle);
-    auto signs = read(barprotocol::itemSigns);
-    auto kind = read(barprotocol::itemKind);
-    auto pid = read(barprotocol::itemPid);
-    bool isNotifier = kind.number() == static_cast<std::uint32_t>(ItemKind::statusNotifier);
-    auto process = pid.number();
-    return fmt::format("{} | {} | {} | {} | {} | process {} | {}\n",
-                       applicationId.text().value_or(""), name.text().value_or(""),
-                       ownerName.text().value_or(""), title.text().value_or(""),
-                       isNotifier ? "StatusNotifierItem" : "XEmbed",
-                       process ? std::to_string(*process) : "unknown", signs.text().value_or(""));
+    auto text = [&](const char* name) { return onOneLine(read(name).text().value_or("")); };
+    bool isNotifier = read(barprotocol::itemKind).number() ==
+                      static_cast<std::uint32_t>(ItemKind::statusNotifier);
+    auto process = read(barprotocol::itemPid).number();
+    return fmt::format("{} | {} | {} | {} | {} | process {} | {}\n", text(barprotocol::itemAppId),
+                       text(barprotocol::itemName), text(barprotocol::itemOwnerName),
+                       text(barprotocol::itemTitle), isNotifier ? "StatusNotifierItem" : "XEmbed",
+                       process ? std::to_string(*process) : "unknown",
+                       text(barprotocol::itemSigns));
 }
 }  // namespace
 

@@ -60,7 +60,7 @@ void Notifiers::connect() {
     };
     watcher = std::make_unique<Watcher>(*bus, *registry,
                                         [](const std::string& sentence) { logLine(sentence); });
-    for (const ItemAddress& address : loadAddresses()) registry->add(address);
+    for (const ItemAddress& address : loadAddresses()) registry->add(address, address.owner);
 }
 
 void Notifiers::disconnect() {

@@ -13,7 +13,7 @@ const char* const helpText =
     "\n"
     "  --height N              thickness of the bar in pixels, 16 to 128 (default: 24, and more\n"
     "                          where Xft.dpi is above 96); the size of all else follows it\n"
-    "  --no-clock              leave the clock away; the bar then never wakes up by itself\n"
+    "  --no-clock              leave the clock away, for which the bar wakes up once a minute\n"
     "  --drag-modifier NAME    key held to drag an item with button 1: super (default), ctrl, alt\n"
     "  --items                 list the items of the bar that runs, and what each is known by\n"
     "  --help                  show this text\n";

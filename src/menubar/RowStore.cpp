@@ -1,12 +1,12 @@
 #include "menubar/RowStore.h"
 
 #include <cmath>
-#include <cstdlib>
 #include <utility>
 
 #include "menubar/Log.h"
 #include "platform/menubar/BarProtocol.h"
 #include "platform/menubar/RowOrder.h"
+#include "platform/store/StateFolder.h"
 
 namespace nevo::menubar {
 
@@ -37,14 +37,7 @@ std::optional<double> numberIn(const std::optional<DefaultsValue>& value) {
 }
 }  // namespace
 
-std::filesystem::path RowStore::defaultPath() {
-    const char* state = std::getenv("XDG_STATE_HOME");
-    const char* home = std::getenv("HOME");
-    std::filesystem::path folder = state != nullptr && *state == '/'
-                                       ? std::filesystem::path(state)
-                                       : std::filesystem::path(home ? home : "/") / ".local/state";
-    return folder / "nevo" / "menubar-row.json";
-}
+std::filesystem::path RowStore::defaultPath() { return stateFolder() / "menubar-row.json"; }
 
 RowStore::RowStore(std::filesystem::path rowFile, double pixelsToPoint)
     : scale(pixelsToPoint), row(std::move(rowFile)) {

@@ -2,7 +2,9 @@
 
 #include <cairo/cairo.h>
 
+#include <algorithm>
 #include <cmath>
+#include <cstdint>
 #include <memory>
 
 namespace nevo::menubar {
@@ -33,11 +35,20 @@ int widthOfText(const std::string& text, int height) {
     cairo_text_extents(contextOn(small, height).get(), text.c_str(), &extents);
     return static_cast<int>(std::ceil(extents.x_advance)) + 2;
 }
+
+/// What the server takes as one picture: as wide as a coordinate can say, and in one request.
+int widest(xcb_connection_t* c, int height) {
+    constexpr std::uint32_t widestOfServer = 32767;
+    constexpr std::uint32_t header = 7;
+    // In units of four bytes, which is a pixel.
+    std::uint32_t most = xcb_get_maximum_request_length(c) - header;
+    return static_cast<int>(std::min(widestOfServer, most / static_cast<std::uint32_t>(height)));
+}
 }  // namespace
 
 void TextPicture::draw(const std::string& text, int height) {
     free();
-    textWidth = widthOfText(text, height);
+    textWidth = std::min(widthOfText(text, height), widest(display.get(), height));
     Surface surface(cairo_image_surface_create(CAIRO_FORMAT_ARGB32, textWidth, height));
     Context context = contextOn(surface, height);
     cairo_font_extents_t font;

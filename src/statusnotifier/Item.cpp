@@ -1,5 +1,6 @@
 #include "statusnotifier/Item.h"
 
+#include <algorithm>
 #include <array>
 #include <cerrno>
 #include <string_view>
@@ -11,10 +12,11 @@ namespace {
 constexpr const char* interface = "org.kde.StatusNotifierItem";
 constexpr const char* propertiesInterface = "org.freedesktop.DBus.Properties";
 constexpr const char* busName = "org.freedesktop.DBus";
-/// With a second between them.
 constexpr int mostTimesMissing = 4;
 /// For all that an item says at once, microseconds; what is asked for singly may take longer.
 constexpr std::uint64_t wholeAnswerTime = 3'000'000;
+/// The time that a busy program gets doubles each time, up to 48 s.
+constexpr int mostDoublings = 4;
 /// A wheel's step, in the eighths of a degree that this protocol's programs reckon with.
 constexpr int wheelStep = 120;
 /// Those whose items stand below this path count steps.
@@ -48,6 +50,11 @@ bool isUnknown(sd_bus_message* answer) {
 bool isOwnerGone(sd_bus_message* answer) {
     return sd_bus_message_is_method_error(answer, SD_BUS_ERROR_SERVICE_UNKNOWN) > 0 ||
            sd_bus_message_is_method_error(answer, SD_BUS_ERROR_NAME_HAS_NO_OWNER) > 0;
+}
+
+bool isLate(sd_bus_message* answer) {
+    return sd_bus_message_is_method_error(answer, SD_BUS_ERROR_NO_REPLY) > 0 ||
+           sd_bus_message_is_method_error(answer, SD_BUS_ERROR_TIMEOUT) > 0;
 }
 
 bool isError(sd_bus_message* answer) { return sd_bus_message_is_method_error(answer, nullptr) > 0; }
@@ -163,6 +170,10 @@ int Item::onOwnerChanged(sd_bus_message* message, void* data, sd_bus_error*) {
 }
 
 void Item::refresh() {
+    if (std::exchange(isWholeStale, false)) {
+        askForAll();
+        return;
+    }
     for (const std::string& name : std::exchange(staleProperties, {})) {
         Read& read = reads.emplace_back(Read{this, name, nullptr});
         sd_bus_message* call = nullptr;
@@ -172,7 +183,8 @@ void Item::refresh() {
         sd_bus_slot* slot = nullptr;
         int error = held ? sd_bus_message_append(call, "ss", interface, name.c_str()) : -ENOMEM;
         // Of an item that is shown, news that don't come mustn't hold up the next.
-        std::uint64_t patience = hasAnswered ? wholeAnswerTime : 0;
+        auto doublings = std::min(timesLate, mostDoublings);
+        std::uint64_t patience = hasAnswered ? wholeAnswerTime << doublings : 0;
         if (error >= 0) error = sd_bus_call_async(bus.get(), &slot, call, onRead, &read, patience);
         read.slot.reset(slot);
         if (error < 0) reads.pop_back();
@@ -189,8 +201,12 @@ int Item::onRead(sd_bus_message* answer, void* data, sd_bus_error*) {
 /// with a part that is never answered, what there is.
 void Item::finishRead(Read& read, sd_bus_message* answer) {
     // The object has gone, though its program hasn't.
-    if (sd_bus_message_is_method_error(answer, SD_BUS_ERROR_UNKNOWN_OBJECT) > 0) askForAll();
+    if (sd_bus_message_is_method_error(answer, SD_BUS_ERROR_UNKNOWN_OBJECT) > 0) outdate();
+    // Busy, it may say nothing more of what it has said to be new.
+    timesLate = isLate(answer) ? timesLate + 1 : 0;
+    if (timesLate > 0) staleProperties.insert(read.name);
     if (!isError(answer)) {
+        hasSpoken = true;
         ItemProperties next = shown;
         if (readProperty(answer, read.name, side, next)) {
             // What an item is known by has to be there before it is shown.
@@ -201,6 +217,9 @@ void Item::finishRead(Read& read, sd_bus_message* answer) {
         }
     }
     reads.remove_if([&read](const Read& each) { return &each == &read; });
+    // One that has no Id for itself is known by its program.
+    if (!hasAnswered && hasSpoken && reads.empty() && !staleProperties.contains("Id"))
+        hasAnswered = hasNews = true;
     if ((reads.empty() || asksSingly) && std::exchange(hasNews, false)) tell();
 }
 

@@ -43,8 +43,11 @@ public:
 
     /// Whether there are news to be asked for.
     bool isStale() const {
+        if (isWholeStale) return !isAsking;
         return !staleProperties.empty() && reads.empty() && (hasAnswered || asksSingly);
     }
+    /// Everything is to be asked for anew.
+    void outdate() { isWholeStale = true; }
     /// Asks for them. However often its program says that something is new, it is asked only here,
     /// and only when it has answered what it was asked before.
     void refresh();
@@ -93,8 +96,13 @@ private:
     int timesMissing = 0;
     /// For everything.
     bool isAsking = false;
+    bool isWholeStale = false;
     /// All at once was too much, or took too long.
     bool asksSingly = false;
+    /// Something of what was asked singly has come.
+    bool hasSpoken = false;
+    /// In a row.
+    int timesLate = 0;
     bool knowsProcess = false;
 
     std::set<std::string> staleProperties;

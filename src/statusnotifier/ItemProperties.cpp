@@ -97,6 +97,9 @@ template <ItemIcon ItemProperties::*field>
 bool iconPicture(sd_bus_message* message, int side, ItemProperties& properties) {
     return readPixmaps(message, side, (properties.*field).picture);
 }
+bool overlayPicture(sd_bus_message* message, int side, ItemProperties& properties) {
+    return readPixmaps(message, overlaySide(side), properties.overlayIcon.picture);
+}
 
 bool status(sd_bus_message* message, int, ItemProperties& properties) {
     std::string word;
@@ -133,7 +136,7 @@ constexpr std::array<Reader, 14> readers{
      {"AttentionIconName", "s", iconName<&ItemProperties::attentionIcon>},
      {"AttentionIconPixmap", pixmapsType, iconPicture<&ItemProperties::attentionIcon>},
      {"OverlayIconName", "s", iconName<&ItemProperties::overlayIcon>},
-     {"OverlayIconPixmap", pixmapsType, iconPicture<&ItemProperties::overlayIcon>},
+     {"OverlayIconPixmap", pixmapsType, overlayPicture},
      {"ToolTip", "(sa(iiay)ss)", toolTip},
      {"Menu", "o", menu},
      {"ItemIsMenu", "b", itemIsMenu},

@@ -40,7 +40,8 @@ struct ItemProperties {
 
 /// Takes the value that `message` stands at, a variant, as that of the property `name`; one of
 /// another type than the protocol has, or of an unknown name, is passed over. Pictures are brought
-/// to `side` pixels. False when the message can't be read.
+/// to `side` pixels, those of overlays to `overlaySide` of it. False when the message can't be
+/// read.
 bool readProperty(sd_bus_message* message, const std::string& name, int side,
                   ItemProperties& properties);
 

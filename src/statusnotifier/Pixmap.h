@@ -1,5 +1,6 @@
 #pragma once
 
+#include <algorithm>
 #include <cstddef>
 #include <cstdint>
 #include <optional>
@@ -31,7 +32,14 @@ inline constexpr std::int32_t largestPixmapSide = 1024;
 /// Whether it is as large as it says, and no larger than one that is looked at.
 bool isSound(const RawPixmap& pixmap);
 
-/// `pixmap`, which is sound, scaled to fit into a square of `side` pixels, never larger than it is.
+/// Of the overlay in the corner of a picture of `side` pixels: it covers a quarter.
+inline int overlaySide(int side) {
+    constexpr int smallest = 8;
+    return std::max(smallest, (side + 1) / 2);
+}
+
+/// `pixmap`, which is sound, scaled to fit into a square of `side` pixels. One that is only a
+/// little smaller, from three quarters, stays as it is: sharp is better than large.
 Picture scaledToFit(const RawPixmap& pixmap, int side);
 
 /// Of two sound ones the better one to be shown at `side` pixels: the smallest that is large

@@ -13,16 +13,16 @@ namespace nevo::statusnotifier {
 /// All items on the bus, by whatever way they became known.
 class Registry {
 public:
-    /// No program has more items than this; what it offers beyond isn't taken in.
+    /// No connection offers more items than this; what it offers beyond isn't taken in.
     static constexpr std::size_t mostItemsOfAProgram = 32;
     static constexpr std::size_t mostItems = 500;
 
     /// `side`: of the items' pictures, pixels.
     Registry(SessionBus& of, int side) : bus(of), pictureSide(side) {}
 
-    /// Takes an item in, or asks one that is here already for everything anew. False when there
-    /// are too many.
-    bool add(const ItemAddress& address);
+    /// Takes an item in that a connection offers, most often its own; or asks one that is here
+    /// already for everything anew. False when there are too many.
+    bool add(const ItemAddress& address, const std::string& offeredBy);
     /// It doesn't count any more, by its watcher's word.
     void remove(const ItemAddress& address);
     std::vector<Item*> all() const;
@@ -40,7 +40,11 @@ private:
 
     SessionBus& bus;
     int pictureSide;
-    std::map<ItemAddress, std::unique_ptr<Item>> items;
+    struct Entry {
+        std::unique_ptr<Item> item;
+        std::string offeredBy;
+    };
+    std::map<ItemAddress, Entry> items;
 };
 
 }  // namespace nevo::statusnotifier

@@ -19,7 +19,9 @@ constexpr const char* busName = "org.freedesktop.DBus";
 constexpr const char* busPath = "/org/freedesktop/DBus";
 /// Longer than any name on a bus and any path that somebody would write.
 constexpr std::size_t longestService = 512;
-constexpr std::size_t mostLookups = 200;
+/// At the same time, for one program and for all.
+constexpr std::ptrdiff_t mostLookupsOfAProgram = 32;
+constexpr std::size_t mostLookups = 1000;
 /// Answers of RequestName.
 constexpr std::uint32_t isPrimaryOwner = 1;
 constexpr std::uint32_t isQueued = 2;
@@ -130,7 +132,7 @@ void Watcher::probeAll(sd_bus_message* list) {
 int Watcher::onProbed(sd_bus_message* answer, void* data, sd_bus_error*) {
     auto& probe = *static_cast<Probe*>(data);
     Watcher& watcher = *probe.watcher;
-    if (!isError(answer)) watcher.registry.add(probe.address);
+    if (!isError(answer)) watcher.registry.add(probe.address, probe.address.owner);
     watcher.probes.remove_if([&](const Probe& each) { return &each == &probe; });
     return 0;
 }
@@ -141,9 +143,21 @@ void Watcher::join() {
     sd_bus_match_signal_async(bus.get(), &slot, watcherName, watcherPath, watcherName, nullptr,
                               onOtherChanged, ignoreAnswer, this);
     otherChanges.reset(std::exchange(slot, nullptr));
+    std::string rule = std::string(
+                           "type='signal',sender='org.freedesktop.DBus',"
+                           "interface='org.freedesktop.DBus',member='NameOwnerChanged',arg0='") +
+                       watcherName + "'";
+    sd_bus_add_match_async(bus.get(), &slot, rule.c_str(), onOwnerChanged, ignoreAnswer, this);
+    ownerChanges.reset(slot);
+    follow();
+    askForOthers();
+}
+
+void Watcher::follow() {
     std::string host = "org.kde.StatusNotifierHost-" + std::to_string(::getpid());
     sd_bus_call_method_async(bus.get(), nullptr, watcherName, watcherPath, watcherName,
                              "RegisterStatusNotifierHost", nullptr, nullptr, "s", host.c_str());
+    sd_bus_slot* slot = nullptr;
     // Before the list, so that nothing is missed between the two.
     sd_bus_call_method_async(bus.get(), &slot, busName, busPath, busName, "GetNameOwner",
                              onOtherFound, this, "s", watcherName);
@@ -159,7 +173,7 @@ int Watcher::onOthers(sd_bus_message* answer, void* data, sd_bus_error*) {
     if (isError(answer) || sd_bus_message_enter_container(answer, 'v', "as") <= 0) return 0;
     if (sd_bus_message_enter_container(answer, 'a', "s") <= 0) return 0;
     while (sd_bus_message_read_basic(answer, 's', &service) > 0) {
-        watcher.take(service, nullptr, true);
+        watcher.take(service, "", true);
     }
     return 0;
 }
@@ -168,6 +182,19 @@ int Watcher::onOtherFound(sd_bus_message* answer, void* data, sd_bus_error*) {
     const char* owner = nullptr;
     if (isError(answer) || sd_bus_message_read_basic(answer, 's', &owner) <= 0) return 0;
     static_cast<Watcher*>(data)->otherOwner = owner;
+    return 0;
+}
+
+/// One that stood before us in the queue may have the name now.
+int Watcher::onOwnerChanged(sd_bus_message* message, void* data, sd_bus_error*) {
+    auto& watcher = *static_cast<Watcher*>(data);
+    const char* name = nullptr;
+    const char* before = nullptr;
+    const char* after = nullptr;
+    if (!isFromBus(message)) return 0;
+    if (sd_bus_message_read(message, "sss", &name, &before, &after) < 0) return 0;
+    bool isOther = *after != '\0' && after != watcher.bus.uniqueName();
+    if (isOther && after != watcher.otherOwner) watcher.follow();
     return 0;
 }
 
@@ -180,7 +207,7 @@ int Watcher::onOtherChanged(sd_bus_message* message, void* data, sd_bus_error*) 
     if (!isThere && member != "StatusNotifierItemUnregistered") return 0;
     const char* service = nullptr;
     if (sd_bus_message_read_basic(message, 's', &service) <= 0) return 0;
-    static_cast<Watcher*>(data)->take(service, nullptr, isThere);
+    static_cast<Watcher*>(data)->take(service, "", isThere);
     return 0;
 }
 
@@ -190,7 +217,7 @@ int Watcher::onRegisterItem(sd_bus_message* message, void* data, sd_bus_error* e
     auto& watcher = *static_cast<Watcher*>(data);
     if (!watcher.take(service, sd_bus_message_get_sender(message), true)) {
         return sd_bus_error_set(error, SD_BUS_ERROR_INVALID_ARGS,
-                                "Neither a bus name nor an object path.");
+                                "Neither a bus name nor an object path, or too many at once.");
     }
     return sd_bus_reply_method_return(message, "");
 }
@@ -202,22 +229,24 @@ int Watcher::onRegisterHost(sd_bus_message* message, void* data, sd_bus_error*) 
     return sd_bus_reply_method_return(message, "");
 }
 
-bool Watcher::take(const std::string& service, const char* sender, bool isThere) {
+bool Watcher::take(const std::string& service, const std::string& sender, bool isThere) {
     if (service.empty() || service.size() > longestService) return false;
     std::size_t slash = service.find('/');
     std::string name = service.substr(0, slash);
     std::string path = slash == std::string::npos ? usualPath : service.substr(slash);
-    if (name.empty() && sender != nullptr) name = sender;
+    if (name.empty()) name = sender;
     if (!sd_bus_object_path_is_valid(path.c_str()) || !sd_bus_service_name_is_valid(name.c_str())) {
         return false;
     }
     if (name.front() == ':') {
-        put({name, path}, isThere);
+        put({name, path}, sender, isThere);
         return true;
     }
-    if (lookups.size() >= mostLookups) return false;
-    Lookup& lookup =
-        lookups.emplace_back(Lookup{this, path, sender != nullptr ? sender : "", isThere, nullptr});
+    auto underWay = std::count_if(lookups.begin(), lookups.end(),
+                                  [&](const Lookup& each) { return each.sender == sender; });
+    bool isTooMuch = !sender.empty() && underWay >= mostLookupsOfAProgram;
+    if (isTooMuch || lookups.size() >= mostLookups) return false;
+    Lookup& lookup = lookups.emplace_back(Lookup{this, path, sender, isThere, nullptr});
     sd_bus_slot* slot = nullptr;
     int error = sd_bus_call_method_async(bus.get(), &slot, busName, busPath, busName,
                                          "GetNameOwner", onOwnerFound, &lookup, "s", name.c_str());
@@ -231,18 +260,18 @@ int Watcher::onOwnerFound(sd_bus_message* answer, void* data, sd_bus_error*) {
     Watcher& watcher = *lookup.watcher;
     const char* owner = nullptr;
     if (!isError(answer) && sd_bus_message_read_basic(answer, 's', &owner) > 0) {
-        watcher.put({owner, lookup.path}, lookup.isThere);
+        watcher.put({owner, lookup.path}, lookup.sender, lookup.isThere);
     } else if (!lookup.sender.empty()) {
         // In a sandbox programs may not own the name that they say.
-        watcher.put({lookup.sender, lookup.path}, lookup.isThere);
+        watcher.put({lookup.sender, lookup.path}, lookup.sender, lookup.isThere);
     }
     watcher.lookups.remove_if([&](const Lookup& each) { return &each == &lookup; });
     return 0;
 }
 
-void Watcher::put(const ItemAddress& address, bool isThere) {
+void Watcher::put(const ItemAddress& address, const std::string& sender, bool isThere) {
     if (isThere) {
-        registry.add(address);
+        registry.add(address, sender.empty() ? address.owner : sender);
     } else {
         registry.remove(address);
     }

@@ -42,12 +42,15 @@ private:
     void requestNames();
     void becomeWatcher();
     void join();
+    /// Asks the watcher that there is for its items.
+    void follow();
     void askForOthers();
     void probeAll(sd_bus_message* names);
     /// What a program or another watcher calls an item: a bus name, an object's path, or both
-    /// together. False when it is none of these.
-    bool take(const std::string& service, const char* sender, bool isThere);
-    void put(const ItemAddress& address, bool isThere);
+    /// together. `sender`: who says so; empty for another watcher. False when it is none of these,
+    /// or when that program has said too much at once.
+    bool take(const std::string& service, const std::string& sender, bool isThere);
+    void put(const ItemAddress& address, const std::string& sender, bool isThere);
 
     static int onRegisterItem(sd_bus_message* message, void* watcher, sd_bus_error* error);
     static int onRegisterHost(sd_bus_message* message, void* watcher, sd_bus_error* error);
@@ -57,6 +60,7 @@ private:
     static int onProbed(sd_bus_message* answer, void* probe, sd_bus_error*);
     static int onOthers(sd_bus_message* answer, void* watcher, sd_bus_error*);
     static int onOtherFound(sd_bus_message* answer, void* watcher, sd_bus_error*);
+    static int onOwnerChanged(sd_bus_message* message, void* watcher, sd_bus_error*);
     static int onOtherChanged(sd_bus_message* message, void* watcher, sd_bus_error*);
     static int onOwnerFound(sd_bus_message* answer, void* lookup, sd_bus_error*);
     static int readItems(sd_bus* bus, const char* path, const char* interface, const char* property,
@@ -82,6 +86,7 @@ private:
     Slot otherFound;
     Slot others;
     Slot otherChanges;
+    Slot ownerChanges;
 };
 
 }  // namespace nevo::statusnotifier

@@ -99,7 +99,7 @@ FoundIcon themeIcon(const QString& name, int side) {
     QIcon icon = QIcon::fromTheme(takesOther ? other : name);
     QImage picture = icon.pixmap(QSize(side, side), 1.0).toImage();
     picture.convertTo(QImage::Format_ARGB32_Premultiplied);
-    return {picture, icon.name().endsWith(symbolicEnding)};
+    return {scaledToFit(picture, side), icon.name().endsWith(symbolicEnding)};
 }
 
 FoundIcon lookUpIcon(const QString& name, const QString& folder, int side) {

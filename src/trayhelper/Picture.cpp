@@ -50,14 +50,20 @@ QImage decode(QByteArray bytes, const char* format, int side, int largestSide) {
     QSize size = reader.size();
     if (size.isEmpty() || std::max(size.width(), size.height()) > largestSide) return {};
     QImage image = reader.read().convertToFormat(QImage::Format_ARGB32_Premultiplied);
-    if (image.isNull() || std::max(image.width(), image.height()) <= side) return image;
-    return image.scaled(fitting(image.size(), side), Qt::IgnoreAspectRatio,
-                        Qt::SmoothTransformation);
+    return scaledToFit(image, side);
 }
 
 }  // namespace
 
 void limitPictureMemory() { QImageReader::setAllocationLimit(mostMegabytes); }
+
+QImage scaledToFit(const QImage& picture, int side) {
+    int longer = std::max(picture.width(), picture.height());
+    bool isLittleSmaller = longer <= side && 4 * longer >= 3 * side;
+    if (picture.isNull() || isLittleSmaller) return picture;
+    return picture.scaled(fitting(picture.size(), side), Qt::IgnoreAspectRatio,
+                          Qt::SmoothTransformation);
+}
 
 QImage readPicture(const QByteArray& bytes, int side, int largestSide) {
     if (isDrawing(bytes)) return draw(bytes, side);

@@ -20,9 +20,11 @@ protected:
     }
 
     Process& startBad(const std::string& kind) {
+        // All of a test write to the same file.
+        auto before = readFile(folder / "log/bad-notifier").size();
         Process& bad = startProgram(std::string(NEVO_BAD_NOTIFIER) + " " + kind);
         waitFor(kind + " has registered",
-                [&] { return bad.output().find("registered") != std::string::npos; });
+                [&] { return bad.output().find("registered", before) != std::string::npos; });
         return bad;
     }
 
@@ -159,12 +161,17 @@ TEST_F(BadNotifiers, thatLeaveOrHangWhileTheirMenuOpensTakeItAlong) {
     waitFor("its item is gone", [&] { return items().size() == 1; });
     expectProbeAnswers();
 
-    Process& hanging = startBad("plain");
+    // It has said that its picture is new, and says nothing more.
+    Process& hanging = startBad("animated");
     waitFor("it has a slot", [&] { return items().size() == 2; });
     Rect place = item("bad-notifier").place;
-    Picture before = screenshot();
+    auto first = screenshot().pixels(place);
+    waitFor("its picture changes", [&] { return screenshot().pixels(place) != first; });
     hanging.signal(SIGSTOP);
+    expectProbeAnswers();
+    Picture before = screenshot();
     rightClick(item("bad-notifier"));
+    expectOthersCome(2);
     expectProbeAnswers();
     // The last picture stays.
     EXPECT_EQ(screenshot().pixels(place), before.pixels(place));

@@ -3,6 +3,7 @@
 
 #include <algorithm>
 #include <csignal>
+#include <set>
 
 #include "desktop/NevoSession.h"
 
@@ -74,9 +75,12 @@ TEST_F(Notifiers, standInOneRowWithWindowsAndAnswerClicks) {
     EXPECT_EQ(item("diodon").appId, "diodon");
     EXPECT_EQ(item("qasmixer").name, "Item-0");
     EXPECT_TRUE(isDense());
-    // Each shows a picture: its slot isn't of one colour.
+    // Each shows a picture, which has more colours than the dot in the place of one.
     for (const Item& each : programItems()) {
-        waitFor("it shows a picture", [&] { return !screenshot().isEmptyBar(each.place); });
+        waitFor("it shows a picture", [&] {
+            auto pixels = screenshot().pixels(each.place);
+            return std::set(pixels.begin(), pixels.end()).size() > 8;
+        });
     }
 
     // One that knows of no clicks shows its menu instead, which Escape closes.
@@ -187,37 +191,70 @@ TEST_F(Notifiers, standWhereTheyWereAtTheNextLogin) {
     waitForRow(order);
 }
 
-TEST_F(Notifiers, areShownBesideAnotherTrayAndTakenOverFromIt) {
+/// A tray on a display of its own, on the same bus.
+class TrayElsewhere {
+public:
+    TrayElsewhere(Environment environment, const std::filesystem::path& logs)
+        : settings(std::move(environment)), list(logs.string() + "-items") {
+        std::string number;
+        std::tie(server, number) = startAndReadLine(
+            {"Xvfb", "-displayfd", "{}", "-screen", "0", "800x200x24", "-nolisten", "tcp"},
+            settings, logs.string() + "-Xvfb");
+        settings["DISPLAY"] = ":" + number;
+        bar = std::make_unique<Process>(std::vector<std::string>{NEVO_BAR_PROGRAM}, settings,
+                                        logs.string() + "-bar");
+    }
+    bool says(const char* text) const { return bar->output().find(text) != std::string::npos; }
+    /// How many items it knows, by its own report.
+    std::ptrdiff_t count() const {
+        std::filesystem::remove(list);
+        Process lister({NEVO_BAR_PROGRAM, "--items"}, settings, list);
+        lister.waitForEnd();
+        std::string text = lister.output();
+        return std::count(text.begin(), text.end(), '\n') - 1;
+    }
+    int end() {
+        bar->signal(SIGTERM);
+        return bar->waitForEnd();
+    }
+
+private:
+    Environment settings;
+    std::filesystem::path list;
+    std::unique_ptr<Process> server;
+    std::unique_ptr<Process> bar;
+};
+
+TEST_F(Notifiers, areShownBesideOtherTraysAndTakenOverFromThem) {
     startBothKinds();
     Names order = namesOnScreen();
-    // A tray on another display, on the same bus.
-    auto [otherServer, number] = startAndReadLine(
-        {"Xvfb", "-displayfd", "{}", "-screen", "0", "800x200x24", "-nolisten", "tcp"},
-        environment(), folder / "log/other-Xvfb");
-    Environment elsewhere = environment();
-    elsewhere["DISPLAY"] = ":" + number;
-    Process other({NEVO_BAR_PROGRAM}, elsewhere, folder / "log/other-bar");
-    auto report = [&] {
-        std::filesystem::remove(folder / "log/items");
-        Process lister({NEVO_BAR_PROGRAM, "--items"}, elsewhere, folder / "log/items");
-        lister.waitForEnd();
-        return lister.output();
-    };
-    waitFor("the other tray shows what this one knows", [&] {
-        std::string text = report();
-        return std::count(text.begin(), text.end(), '\n') == 5;
-    });
-    EXPECT_NE(other.output().find("another tray keeps the items"), std::string::npos);
+    TrayElsewhere second(environment(), folder / "log/second");
+    waitFor("another tray shows what this one knows", [&] { return second.count() == 4; });
+    TrayElsewhere third(environment(), folder / "log/third");
+    waitFor("so does a third", [&] { return third.count() == 4; });
+    EXPECT_TRUE(second.says("another tray keeps the items"));
 
     kill(bar(), SIGKILL);
-    waitFor("it says that it has taken over", [&] {
-        return other.output().find("is gone; its items are kept here now") != std::string::npos;
-    });
+    constexpr const char* takeover = "is gone; its items are kept here now";
+    waitFor("the second says that it has taken over", [&] { return second.says(takeover); });
+    EXPECT_FALSE(third.says(takeover));
     startBar();
     waitForRow(order);
-    other.signal(SIGTERM);
-    EXPECT_EQ(other.waitForEnd(), 0);
-    waitForRow(order);
+
+    // What comes now registers with the second, whom all others follow.
+    startProgram(std::string(NEVO_BAD_NOTIFIER) + " plain");
+    waitForItems(order.size() + 1);
+    waitFor("the third has heard of it", [&] { return third.count() == 5; });
+    EXPECT_EQ(second.end(), 0);
+    waitFor("the third takes over", [&] { return third.says(takeover); });
+    startProgram(std::string(NEVO_BAD_NOTIFIER) + " plain");
+    waitForItems(order.size() + 2);
+    EXPECT_EQ(third.end(), 0);
+    startProgram(std::string(NEVO_BAD_NOTIFIER) + " plain");
+    waitForItems(order.size() + 3);
+    Names now = namesOnScreen();
+    EXPECT_EQ(std::erase(now, "bad-notifier"), 3U);
+    EXPECT_EQ(now, order);
 }
 
 }  // namespace

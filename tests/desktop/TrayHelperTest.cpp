@@ -108,14 +108,15 @@ TEST_F(HelperIcons, comeByNameAndByPathInTheSizeThatFits) {
         {22, true, "app", "22 22", 0xffff0000},
         {40, true, "app", "40 40", 0xff00ff00},
         {64, true, "app", "48 48", 0xff00ff00},
+        {65, true, "app", "65 65", 0xff00ff00},
         {24, false, "app", "0 0", 0},
-        {24, true, "wide", "16 8", 0x80800000},
-        {24, true, "audio-x-generic", "8 8", 0xff000000},
-        {24, false, "audio-x-generic", "16 16", 0xff0000ff},
+        {24, true, "wide", "24 12", 0x80800000},
+        {24, true, "audio-x-generic", "24 24", 0xff000000},
+        {24, false, "audio-x-generic", "24 24", 0xff0000ff},
         {24, true, "shape", "0 0", 0},
         {24, true, "shape-symbolic", "24 24", 0xffffffff},
         {24, false, drawing, "24 12", 0xff0000ff},
-        {24, true, xpm, "1 1", 0xffff00ff},
+        {24, true, xpm, "24 24", 0xffff00ff},
         {24, true, "../theme/wide", "0 0", 0},
         {24, true, "nothing-of-that-name", "0 0", 0},
         {24, true, "", "0 0", 0},
@@ -151,7 +152,7 @@ TEST_F(HelperIcons, brokenFilesCostOnlyTheirPicture) {
     EXPECT_EQ(ask(lines + fmt::format("2 24\t\t{}\n", good)), 0);
     ASSERT_EQ(answers.size(), 11U);
     for (std::size_t i = 0; i < 10; ++i) EXPECT_EQ(answers[i].header, "1 0 0") << i;
-    EXPECT_EQ(answers.back().header, "2 8 8");
+    EXPECT_EQ(answers.back().header, "2 24 24");
 
     // Four megabytes that draw millions of dashes: the helper gives up by itself.
     std::string line = "<path stroke='red' stroke-dasharray='.01' d='M0 0";
@@ -162,7 +163,7 @@ TEST_F(HelperIcons, brokenFilesCostOnlyTheirPicture) {
     lines = fmt::format("3 24\t\t{}\n4 24\t\t{}\n", good, draw("bomb.svg", 16, 16, bomb));
     EXPECT_EQ(ask(lines), ended(SIGPROF));
     ASSERT_EQ(answers.size(), 1U);
-    EXPECT_EQ(answers[0].header, "3 8 8");
+    EXPECT_EQ(answers[0].header, "3 24 24");
 }
 
 TEST_F(HelperIcons, anotherFormOfLineEndsItWithASentence) {

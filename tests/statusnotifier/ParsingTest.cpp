@@ -1,6 +1,7 @@
 // What reads the bytes of other programs: the gate before the bus, properties, pictures, texts.
 
 #include <gtest/gtest.h>
+#include <unistd.h>
 
 #include <filesystem>
 #include <fstream>
@@ -10,6 +11,8 @@
 #include <vector>
 
 #include "platform/xcb/CommandLine.h"
+#include "platform/xcb/DesktopEntries.h"
+#include "platform/xcb/OwnerIdentity.h"
 #include "platform/xcb/Sandbox.h"
 #include "statusnotifier/ItemProperties.h"
 #include "statusnotifier/MessageGate.h"
@@ -83,7 +86,15 @@ TEST(Pixmap, isScaledInProportionAndPremultiplied) {
         bytes = bytes + Bytes{0x80, 0xFF, 0x00, 0x00, 0xFF, 0x00, 0x00, 0xFF};
     }
     RawPixmap pixmap{2, 4, bytes};
-    EXPECT_EQ(scaledToFit(pixmap, 22).pixels.front(), 0x80800000U) << "it isn't enlarged";
+    EXPECT_EQ(scaledToFit(pixmap, 5).height, 4) << "sharp is better than a little larger";
+    Picture large = scaledToFit(pixmap, 8);
+    EXPECT_EQ(large.width, 4);
+    EXPECT_EQ(large.pixels.size(), 32U);
+    // Halfway between the middles of the two columns, at a quarter and at three quarters.
+    const std::vector<std::uint32_t> blended{0x80800000U, 0xA0600040U, 0xDF2000BFU, 0xFF0000FFU};
+    for (auto row = large.pixels.begin(); row != large.pixels.end(); row += large.width) {
+        EXPECT_EQ(std::vector<std::uint32_t>(row, row + large.width), blended);
+    }
     Picture half = scaledToFit(pixmap, 2);
     EXPECT_EQ(half.width, 1);
     EXPECT_EQ(half.height, 2);
@@ -91,9 +102,9 @@ TEST(Pixmap, isScaledInProportionAndPremultiplied) {
 
     RawPixmap small{16, 16, {}};
     RawPixmap fitting{24, 24, {}};
-    RawPixmap large{64, 64, {}};
-    EXPECT_TRUE(isBetter(fitting, small, 22) && isBetter(fitting, large, 22));
-    EXPECT_TRUE(isBetter(large, small, 22) && isBetter(large, fitting, 32));
+    RawPixmap huge{64, 64, {}};
+    EXPECT_TRUE(isBetter(fitting, small, 22) && isBetter(fitting, huge, 22));
+    EXPECT_TRUE(isBetter(huge, small, 22) && isBetter(huge, fitting, 32));
 }
 
 TEST(PlainText, hasNothingThatActs) {
@@ -124,6 +135,47 @@ TEST(Identity, isThatOfTheSandboxOrOfWhatAnInterpreterRuns) {
     EXPECT_EQ(programOfCommandLine({"python3", "../main.py"}, "/opt/mailer/bin"), "mailer");
     EXPECT_EQ(programOfCommandLine({"python3", "../main.py"}), "main.py");
     EXPECT_EQ(programOfCommandLine({"java", "-jar", "/opt/talk/talk-2.14.1.jar"}), "talk");
+    EXPECT_EQ(programOfCommandLine({"java", "-p", "/opt/m", "--add-opens", "a/b=c", "-jar",
+                                    "/opt/talk/talk-2.14.1-all.jar"}),
+              "talk");
+    EXPECT_EQ(programOfCommandLine({"perl", "-p", "/opt/filter-2"}), "filter-2");
+    EXPECT_EQ(programOfCommandLine({"python3", "/opt/talk-2.14/main.py"}), "talk");
+    EXPECT_EQ(programOfCommandLine({"python3", "/tmp/.mount_TalkaBcDeF/usr/src/main.py"}),
+              "main.py");
+    EXPECT_EQ(programOfCommandLine({"python3", "/tmp/.mount_TalkaBcDeF/usr/share/talk/main.py"}),
+              "talk");
+    EXPECT_EQ(programOfCommandLine({"/opt/chat/electron", "--flag"}), "chat");
+    EXPECT_EQ(programOfCommandLine({"/usr/lib/electron22/electron"}), "");
+    EXPECT_EQ(programOfCommandLine({"/usr/bin/mono-sgen", "/usr/lib/notes/notes.exe"}),
+              "notes.exe");
+    EXPECT_EQ(programOfCommandLine({"dotnet", "exec", "/opt/notes/notes.dll"}), "notes.dll");
+    EXPECT_EQ(programOfCommandLine({"/usr/lib/wine/wine64-preloader", "C:\\chat\\chat.exe"}),
+              "chat.exe");
+
+    using xcb::sandboxOfFlatpakInfo;
+    EXPECT_EQ(sandboxOfFlatpakInfo("[Runtime]\nname=base\n[Application]\nname=org.example.Chat\n"),
+              "org.example.Chat");
+    EXPECT_EQ(sandboxOfFlatpakInfo("[Application]\nruntime=base\n[Instance]\nname=1\n"), "");
+}
+
+TEST(Identity, isNotThatOfAnotherProgramWhoseIdIsClaimed) {
+    using xcb::stableId;
+    EXPECT_EQ(stableId("chrome_status_icon_1", 1), "chrome_status_icon_1");
+    EXPECT_EQ(stableId("item-12345", 1234), "item-12345");
+    EXPECT_EQ(stableId("item-1234-1", 1234), "");
+
+    auto folder =
+        std::filesystem::temp_directory_path() / ("nevo-entries-" + std::to_string(getpid()));
+    std::filesystem::create_directories(folder);
+    std::ofstream(folder / "notes.desktop") << "[Desktop Entry]\nType=Application\nName=Notes\n"
+                                               "Exec=notes\nStartupWMClass=Notes\n";
+    xcb::DesktopEntries installed({folder}, "C");
+    xcb::OwnerIdentities owners(installed);
+    auto own = owners.identifyClaimed(getpid(), "notes");
+    EXPECT_EQ(own.applicationId, xcb::programOfProcess(getpid()));
+    EXPECT_EQ(owners.identifyClaimed(std::nullopt, "notes").name, "Notes");
+    EXPECT_EQ(owners.identifyClaimed(std::nullopt, "").applicationId, "unknown");
+    std::filesystem::remove_all(folder);
 }
 
 /// Every input of the corpus as it is, and with a few bytes changed, cut or doubled.

@@ -10,6 +10,7 @@
 #include <thread>
 
 #include "platform/menubar/BarProtocol.h"
+#include "platform/store/StateFolder.h"
 #include "platform/xcb/OwnerIdentity.h"
 #include "platform/xcb/Properties.h"
 #include "platform/xcb/WindowOwner.h"
@@ -22,8 +23,21 @@ constexpr const char* barProgram = "nevo-menubar";
 constexpr auto startPatience = std::chrono::seconds(5);
 constexpr auto startPoll = std::chrono::milliseconds(10);
 
+/// For what the bar has to say: a file that is begun anew at each start, or nothing.
+int openBarLog() {
+    std::error_code ignored;
+    auto folder = stateFolder();
+    std::filesystem::create_directories(folder, ignored);
+    auto file = folder / (std::string(barProgram) + ".log");
+    constexpr mode_t readableByUser = 0600;
+    int log =
+        open(file.c_str(), O_WRONLY | O_CREAT | O_TRUNC | O_APPEND | O_CLOEXEC, readableByUser);
+    return log >= 0 ? log : open("/dev/null", O_RDWR | O_CLOEXEC);
+}
+
 /// Starts a program that goes on when we and our terminal have gone.
 bool startDetached(const std::string& program) {
+    int log = openBarLog();
     pid_t child = fork();
     if (child == 0) {
         setsid();
@@ -31,11 +45,12 @@ bool startDetached(const std::string& program) {
         if (fork() != 0) _exit(0);
         int nothing = open("/dev/null", O_RDWR);
         dup2(nothing, STDIN_FILENO);
-        dup2(nothing, STDOUT_FILENO);
-        dup2(nothing, STDERR_FILENO);
+        dup2(log, STDOUT_FILENO);
+        dup2(log, STDERR_FILENO);
         execl(program.c_str(), program.c_str(), nullptr);
         _exit(127);
     }
+    close(log);
     int status = 0;
     return child > 0 && waitpid(child, &status, 0) == child;
 }

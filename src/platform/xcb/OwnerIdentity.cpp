@@ -37,12 +37,12 @@ std::string target(ProcessId pid, const char* link) {
     return fs::read_symlink(fs::path("/proc") / std::to_string(pid) / link, error).string();
 }
 
-std::string executableName(ProcessId pid) {
+std::string executablePath(ProcessId pid) {
     std::string path = target(pid, "exe");
     // The kernel's mark of a program that was replaced while it ran, as each update does.
     constexpr std::string_view deleted = " (deleted)";
     if (path.ends_with(deleted)) path.resize(path.size() - deleted.size());
-    return fs::path(path).filename().string();
+    return path;
 }
 
 std::string firstNonEmpty(std::initializer_list<std::string> candidates) {
@@ -54,13 +54,39 @@ std::string firstNonEmpty(std::initializer_list<std::string> candidates) {
 }  // namespace
 
 std::string programOfProcess(ProcessId pid) {
-    std::string executable = executableName(pid);
-    if (!executable.empty() && !isInterpreter(executable)) return executable;
+    std::string executable = executablePath(pid);
+    std::string name = fs::path(executable).filename().string();
+    if (!name.empty() && !isInterpreter(name)) return name;
     auto arguments = commandLine(pid);
     // A script started by its own "#!" line: the kernel puts the interpreter first by itself, but a
     // program may also have renamed itself; the executable is the better witness.
-    if (!executable.empty() && !arguments.empty()) arguments.front() = executable;
+    // Only wine's first argument is the program that it runs.
+    if (name.starts_with("wine")) {
+        arguments.insert(arguments.begin(), executable);
+    } else if (!executable.empty() && !arguments.empty()) {
+        arguments.front() = executable;
+    }
     return programOfCommandLine(arguments, target(pid, "cwd"));
+}
+
+std::string stableId(const std::string& id, std::optional<ProcessId> pid) {
+    // Small numbers in ids are counters; programs of a user have greater ones.
+    constexpr ProcessId smallest = 100;
+    if (!pid || *pid < smallest) return id;
+    constexpr std::string_view digits = "0123456789";
+    for (auto begin = id.find_first_of(digits); begin != std::string::npos;) {
+        auto end = std::min(id.find_first_not_of(digits, begin), id.size());
+        if (id.substr(begin, end - begin) == std::to_string(*pid)) return {};
+        begin = id.find_first_of(digits, end);
+    }
+    return id;
+}
+
+OwnerIdentity OwnerIdentities::identifyClaimed(std::optional<ProcessId> pid,
+                                               const std::string& claimedId) {
+    std::string program = pid ? programOfProcess(*pid) : std::string();
+    const std::string& known = program.empty() ? claimedId : program;
+    return identify(pid, {known, known});
 }
 
 OwnerIdentity OwnerIdentities::identify(std::optional<ProcessId> pid,

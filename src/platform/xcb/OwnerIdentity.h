@@ -29,6 +29,9 @@ public:
     explicit OwnerIdentities(DesktopEntries& installed) : entries(installed) {}
 
     OwnerIdentity identify(std::optional<ProcessId> pid, const WindowClass& windowClass);
+    /// For what any program may call itself as it likes: `claimedId` only counts where the program
+    /// isn't known, so that none is taken for another one's desktop entry.
+    OwnerIdentity identifyClaimed(std::optional<ProcessId> pid, const std::string& claimedId);
 
 private:
     DesktopEntries& entries;
@@ -37,5 +40,9 @@ private:
 /// The base name of the program that a process runs, a script's where it is an interpreter. Empty
 /// when it is gone or tells nothing.
 std::string programOfProcess(ProcessId pid);
+
+/// An id as a program gives it, the same at each start: empty where it carries the number of its
+/// process.
+std::string stableId(const std::string& id, std::optional<ProcessId> pid);
 
 }  // namespace nevo::xcb

@@ -1,5 +1,9 @@
 #include "platform/xcb/Sandbox.h"
 
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
 #include <algorithm>
 #include <charconv>
 #include <filesystem>
@@ -53,6 +57,21 @@ std::string snapOf(std::string_view unit) {
     return std::string(snap) + "_" + std::string(program);
 }
 
+/// The text of the file; empty for anything but a regular one: the sandbox is its program's own,
+/// and a pipe there would hang the reader.
+std::string flatpakInfo(ProcessId pid) {
+    std::string path = "/proc/" + std::to_string(pid) + "/root/.flatpak-info";
+    int file = open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK | O_NOCTTY | O_NOFOLLOW);
+    if (file < 0) return {};
+    struct stat status {};
+    std::string text(mostBytes, '\0');
+    bool isFile = fstat(file, &status) == 0 && S_ISREG(status.st_mode);
+    auto count = isFile ? read(file, text.data(), text.size()) : 0;
+    close(file);
+    text.resize(static_cast<std::size_t>(std::max<ssize_t>(count, 0)));
+    return text;
+}
+
 /// What is started from a sandboxed program and sees the files that all see, as the programs of an
 /// editor's terminal do, stays in its control group, but isn't of it. A few snaps see all files
 /// themselves: their programs lie where snaps are kept.
@@ -79,13 +98,26 @@ std::string sandboxOfControlGroups(std::string_view text) {
     return {};
 }
 
+std::string sandboxOfFlatpakInfo(std::string_view text) {
+    constexpr std::string_view key = "name=";
+    for (bool inGroup = false; !text.empty();) {
+        auto end = std::min(text.find('\n'), text.size());
+        std::string_view line = text.substr(0, end);
+        text.remove_prefix(std::min(end + 1, text.size()));
+        if (line.starts_with('[')) inGroup = line == "[Application]";
+        if (inGroup && line.starts_with(key)) return std::string(line.substr(key.size()));
+    }
+    return {};
+}
+
 std::string sandboxOfProcess(ProcessId pid) {
     std::ifstream stream("/proc/" + std::to_string(pid) + "/cgroup", std::ios::binary);
     std::string text(mostBytes, '\0');
     stream.read(text.data(), static_cast<std::streamsize>(text.size()));
     text.resize(static_cast<std::size_t>(stream.gcount()));
     std::string id = sandboxOfControlGroups(text);
-    return !id.empty() && isOutsider(pid) ? std::string() : id;
+    if (id.empty()) return sandboxOfFlatpakInfo(flatpakInfo(pid));
+    return isOutsider(pid) ? std::string() : id;
 }
 
 }  // namespace nevo::xcb

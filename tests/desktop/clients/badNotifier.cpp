@@ -165,9 +165,13 @@ void forge() {
     constexpr int mostConnections = 100;
     for (int i = 0; i < mostConnections; ++i) {
         std::string name = ":1." + std::to_string(i);
-        require(sd_bus_emit_signal(bus, "/org/freedesktop/DBus", "org.freedesktop.DBus",
-                                   "NameOwnerChanged", "sss", name.c_str(), name.c_str(), ""),
+        sd_bus_message* lie = nullptr;
+        require(sd_bus_message_new_signal(bus, &lie, "/org/freedesktop/DBus",
+                                          "org.freedesktop.DBus", "NameOwnerChanged"),
                 "forged signal");
+        require(sd_bus_message_append(lie, "sss", name.c_str(), name.c_str(), ""), "names");
+        require(sd_bus_send_to(bus, lie, watcher, nullptr), "sending it to the bar");
+        sd_bus_message_unref(lie);
     }
 }
 
