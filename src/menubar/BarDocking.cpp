@@ -178,7 +178,13 @@ void Bar::setInRow(BarItem& item, bool inRow) {
         endFloat(item);
         // Whoever made it transparent loses sight of it now, and couldn't make it opaque again.
         setOpacity(item, fullOpacity, XCB_WINDOW_NONE);
-        keeper.leave(item.key);
+        // An item on the bus only calls itself passive, some of them time and again: the order of
+        // the row keeps its place, without a write.
+        if (item.face) {
+            keeper.take(item.key);
+        } else {
+            keeper.leave(item.key);
+        }
         item.frame->setMapped(false);
         if (item.xembed.present) xcb_unmap_window(display.get(), item.client);
     }

@@ -112,7 +112,7 @@ TEST_F(EndToEnd, aKilledBarCostsNoProgramItsItem) {
     kill(bar(), SIGKILL);
     startBar();
     waitForOnScreen(kept);
-    EXPECT_EQ(names(), all);
+    waitFor("the hidden items are back too", [&] { return names() == all; });
     toggle(all);
     EXPECT_EQ(namesRightOfToggle(), kept);
     toggle(kept);
