@@ -362,9 +362,11 @@ TEST_F(HelperMenu, followsItsProgram) {
     hand->press(upKey);
     hand->press(rightKey);
     waitForLevels(2);
+    before = windowsBelowBar()[0];
     program->levels[0].erase(program->levels[0].begin() + 5);
     program->sayThatRowsChanged();
     waitForLevels(1);
+    await("it has a row less", [&] { return windowsBelowBar()[0].height < before.height; });
     hand->click(row(4, 5));
     expectChoice(6);
 
