@@ -3,6 +3,7 @@
 #include <unistd.h>
 #include <xcb/xfixes.h>
 
+#include <QGuiApplication>
 #include <QWidget>
 #include <algorithm>
 #include <cmath>
@@ -146,7 +147,10 @@ std::unique_ptr<EventSource> X11Events::createEventSource() {
     // While a hand holds the button, the server takes no other press: a drag would only move the
     // hand's own along. What it pressed in a window of ours is a wish that may need events.
     auto state = queryPointer(server);
-    bool isHeld = state && (state->mask & XCB_BUTTON_MASK_1) != 0 && !isOverOwnWindow(state->root);
+    // The bar may stand above that window by now; Qt still knows of the press.
+    bool isHeld = state && (state->mask & XCB_BUTTON_MASK_1) != 0 &&
+                  !QGuiApplication::mouseButtons().testFlag(Qt::LeftButton) &&
+                  !isOverOwnWindow(state->root);
     return synthetic.isAvailable() && !isHeld ? std::make_unique<EventSource>() : nullptr;
 }
 
