@@ -6,13 +6,14 @@
 #include <string>
 #include <system_error>
 
+#include "statusnotifier/Registry.h"
+
 namespace nevo::menubar {
 
 using statusnotifier::ItemAddress;
+using statusnotifier::Registry;
 
 namespace {
-constexpr std::size_t mostAddresses = 500;
-
 std::filesystem::path addressFile() {
     const char* folder = std::getenv("XDG_RUNTIME_DIR");
     if (folder == nullptr || *folder == '\0') return {};
@@ -24,7 +25,7 @@ std::vector<ItemAddress> loadAddresses() {
     std::vector<ItemAddress> addresses;
     std::ifstream stream(addressFile());
     ItemAddress address;
-    while (addresses.size() < mostAddresses && stream >> address.owner >> address.path) {
+    while (addresses.size() < Registry::mostItems && stream >> address.owner >> address.path) {
         bool isAddress = sd_bus_service_name_is_valid(address.owner.c_str()) > 0 &&
                          sd_bus_object_path_is_valid(address.path.c_str()) > 0;
         if (isAddress) addresses.push_back(address);

@@ -3,6 +3,8 @@
 #include <systemd/sd-bus.h>
 
 #include <memory>
+#include <optional>
+#include <string>
 #include <string_view>
 
 namespace nevo::statusnotifier {
@@ -35,6 +37,25 @@ inline int ignoreAnswer(sd_bus_message*, void*, sd_bus_error*) { return 1; }
 inline bool isFromBus(sd_bus_message* message) {
     const char* sender = sd_bus_message_get_sender(message);
     return sender != nullptr && std::string_view(sender) == "org.freedesktop.DBus";
+}
+
+/// The match of what the bus says of a name: its signal `member` ("NameAcquired",
+/// "NameOwnerChanged").
+inline std::string ruleOfBusSignal(const std::string& member, const std::string& name) {
+    return "type='signal',sender='org.freedesktop.DBus',path='/org/freedesktop/DBus',"
+           "interface='org.freedesktop.DBus',member='" +
+           member + "',arg0='" + name + "'";
+}
+
+/// Whom a name belongs to now, by a "NameOwnerChanged"; empty when to nobody. Nothing where it
+/// isn't the bus that says so.
+inline std::optional<std::string> ownerNow(sd_bus_message* message) {
+    const char* name = nullptr;
+    const char* before = nullptr;
+    const char* after = nullptr;
+    if (!isFromBus(message)) return std::nullopt;
+    if (sd_bus_message_read(message, "sss", &name, &before, &after) < 0) return std::nullopt;
+    return after;
 }
 
 }  // namespace nevo::statusnotifier

@@ -72,10 +72,7 @@ void Item::subscribe() {
     sd_bus_match_signal_async(bus.get(), &slot, where.owner.c_str(), where.path.c_str(), interface,
                               nullptr, onSignal, ignoreAnswer, this);
     signals.reset(std::exchange(slot, nullptr));
-    std::string rule =
-        "type='signal',sender='org.freedesktop.DBus',path='/org/freedesktop/DBus',"
-        "interface='org.freedesktop.DBus',member='NameOwnerChanged',arg0='" +
-        where.owner + "'";
+    std::string rule = ruleOfBusSignal("NameOwnerChanged", where.owner);
     sd_bus_add_match_async(bus.get(), &slot, rule.c_str(), onOwnerChanged, ignoreAnswer, this);
     ownerChanges.reset(slot);
 }
@@ -160,12 +157,8 @@ void Item::noteSignal(const char* member) {
 
 int Item::onOwnerChanged(sd_bus_message* message, void* data, sd_bus_error*) {
     auto& item = *static_cast<Item*>(data);
-    const char* name = nullptr;
-    const char* before = nullptr;
-    const char* after = nullptr;
-    if (!isFromBus(message)) return 0;
-    if (sd_bus_message_read(message, "sss", &name, &before, &after) < 0) return 0;
-    if (*after == '\0') item.events.gone(item);
+    auto owner = ownerNow(message);
+    if (owner && owner->empty()) item.events.gone(item);
     return 0;
 }
 

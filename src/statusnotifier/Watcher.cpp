@@ -50,10 +50,7 @@ Watcher::Watcher(SessionBus& of, Registry& items, std::function<void(const std::
     sd_bus_slot* slot = nullptr;
     sd_bus_add_object_vtable(bus.get(), &slot, watcherPath, watcherName, table, this);
     object.reset(std::exchange(slot, nullptr));
-    std::string rule = std::string(
-                           "type='signal',sender='org.freedesktop.DBus',"
-                           "interface='org.freedesktop.DBus',member='NameAcquired',arg0='") +
-                       watcherName + "'";
+    std::string rule = ruleOfBusSignal("NameAcquired", watcherName);
     sd_bus_add_match_async(bus.get(), &slot, rule.c_str(), onAcquired, ignoreAnswer, this);
     acquired.reset(slot);
     requestNames();
@@ -143,10 +140,7 @@ void Watcher::join() {
     sd_bus_match_signal_async(bus.get(), &slot, watcherName, watcherPath, watcherName, nullptr,
                               onOtherChanged, ignoreAnswer, this);
     otherChanges.reset(std::exchange(slot, nullptr));
-    std::string rule = std::string(
-                           "type='signal',sender='org.freedesktop.DBus',"
-                           "interface='org.freedesktop.DBus',member='NameOwnerChanged',arg0='") +
-                       watcherName + "'";
+    std::string rule = ruleOfBusSignal("NameOwnerChanged", watcherName);
     sd_bus_add_match_async(bus.get(), &slot, rule.c_str(), onOwnerChanged, ignoreAnswer, this);
     ownerChanges.reset(slot);
     follow();
@@ -188,13 +182,9 @@ int Watcher::onOtherFound(sd_bus_message* answer, void* data, sd_bus_error*) {
 /// One that stood before us in the queue may have the name now.
 int Watcher::onOwnerChanged(sd_bus_message* message, void* data, sd_bus_error*) {
     auto& watcher = *static_cast<Watcher*>(data);
-    const char* name = nullptr;
-    const char* before = nullptr;
-    const char* after = nullptr;
-    if (!isFromBus(message)) return 0;
-    if (sd_bus_message_read(message, "sss", &name, &before, &after) < 0) return 0;
-    bool isOther = *after != '\0' && after != watcher.bus.uniqueName();
-    if (isOther && after != watcher.otherOwner) watcher.follow();
+    auto owner = ownerNow(message);
+    bool isOther = owner && !owner->empty() && *owner != watcher.bus.uniqueName();
+    if (isOther && *owner != watcher.otherOwner) watcher.follow();
     return 0;
 }
 
