@@ -63,14 +63,19 @@ bool takesPointer(QWindow& window) {
             c, xcb_input_xi_get_client_pointer(c, XCB_WINDOW_NONE), nullptr),
         &std::free);
     if (!pointer) return true;
-    const std::uint32_t events = XCB_INPUT_XI_EVENT_MASK_BUTTON_PRESS;
+    // All that Qt wants: what happens between this answer and Qt's own question isn't asked for
+    // twice.
+    const std::uint32_t events = XCB_INPUT_XI_EVENT_MASK_BUTTON_PRESS |
+                                 XCB_INPUT_XI_EVENT_MASK_BUTTON_RELEASE |
+                                 XCB_INPUT_XI_EVENT_MASK_MOTION | XCB_INPUT_XI_EVENT_MASK_ENTER |
+                                 XCB_INPUT_XI_EVENT_MASK_LEAVE;
     auto cookie =
         xcb_input_xi_grab_device(c, static_cast<xcb_window_t>(window.winId()), XCB_CURRENT_TIME,
                                  XCB_CURSOR_NONE, pointer->deviceid, XCB_INPUT_GRAB_MODE_22_ASYNC,
                                  XCB_INPUT_GRAB_MODE_22_ASYNC, false, 1, &events);
     Reply<xcb_input_xi_grab_device_reply_t> grab(xcb_input_xi_grab_device_reply(c, cookie, nullptr),
                                                  &std::free);
-    // With the events that Qt wants, in the place of ours.
+    // In the place of ours, so that Qt knows of it.
     return grab && grab->status == XCB_GRAB_STATUS_SUCCESS && window.setMouseGrabEnabled(true);
 }
 

@@ -68,6 +68,7 @@ bool FakeMenu::handleMessage(const QDBusMessage& message, const QDBusConnection&
         if (events.back().starts_with("clicked")) clickTime = message.arguments().at(3).toUInt();
         bus.send(message.createReply());
     } else if (message.member() == "GetLayout") {
+        ++asked;
         if (std::exchange(announced, -1) == id) ++shown[id];
         message.setDelayedReply(true);
         if (held == id) {

@@ -35,6 +35,8 @@ public:
     /// How often the rows of a level have been asked for, after the program had been told that they
     /// are to be shown.
     std::map<int, int> shown;
+    /// How often rows have been asked for at all.
+    int asked = 0;
     /// Which level's rows nobody gets for now; -1 for none.
     int held = -1;
 
