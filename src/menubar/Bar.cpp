@@ -144,7 +144,7 @@ bool Bar::waitForSomething() {
     if (menuHelper) descriptors.push_back({menuHelper->endDescriptor(), POLLIN, 0});
     std::size_t last = descriptors.size() - 1;
     ::poll(descriptors.data(), descriptors.size(), timeout);
-    if (menuHelper && (descriptors[last].revents & POLLIN) != 0) menuHelper.reset();
+    if (menuHelper && (descriptors[last].revents & POLLIN) != 0) onMenuEnded();
     if ((descriptors[1].revents & POLLIN) != 0) isEnding = true;
     if ((descriptors[2].revents & (POLLIN | POLLERR)) != 0) tick();
     return true;

@@ -150,7 +150,9 @@ private:
     void settleTwins(std::optional<ProcessId> pid, const BarItem* leaving);
     void onFacePress(BarItem& item, const xcb_button_press_event_t& event);
     void onFaceRelease(BarItem& item, const xcb_button_release_event_t& event);
-    void openMenu(BarItem& item);
+    void lookForIconsAnew(const statusnotifier::ItemProperties& properties);
+    void openMenu(BarItem& item, Point pointer);
+    void onMenuEnded();
 
     // BarToolTip.cpp
     void onFaceCrossing(const BarItem& item, bool enters);
@@ -179,6 +181,14 @@ private:
     /// Shows a menu, while it exists and a little longer.
     std::unique_ptr<HelperProcess> menuHelper;
     bool menuFailureLogged = false;
+    /// What it was started for.
+    struct MenuRequest {
+        MenuBarRow::Key item = 0;
+        /// In root coordinates.
+        Point pointer;
+        Clock::time_point time;
+    };
+    MenuRequest menuRequest;
     /// A button that went down on an item of the bus, and counts when it comes up there.
     struct FacePress {
         MenuBarRow::Key item = 0;

@@ -37,6 +37,8 @@ struct BarItem {
     statusnotifier::Picture shownOverlay;
     /// What its program is installed with; shown where the item itself has no picture.
     std::string iconName;
+    /// What of the program's repetitions has been heeded.
+    unsigned timesRepeated = 0;
 
     std::optional<ProcessId> pid;
     xcb::WindowClass windowClass;

@@ -20,6 +20,8 @@ namespace {
 constexpr double pictureOfHeight = 22.0 / 24;
 
 constexpr std::chrono::seconds patienceOfClick{2};
+/// The helper's exit status when there was no menu.
+constexpr int helperShowedNothing = 1;
 
 enum Button : std::uint8_t { left = 1, middle, right, up, down, wheelLeft, wheelRight };
 
@@ -86,6 +88,8 @@ void Bar::onNotifierChanged(statusnotifier::Item& notifier) {
     BarItem* item = withNotifier(notifier);
     if (item == nullptr) item = dockNotifier(notifier);
     if (item == nullptr) return;
+    if (std::exchange(item->timesRepeated, notifier.timesRepeated()) != notifier.timesRepeated())
+        lookForIconsAnew(notifier.properties());
     showFace(*item);
     showTitle(*item);
     // A passive item is one that its program has nothing to show with.
@@ -140,6 +144,16 @@ BarItem* Bar::dockNotifier(statusnotifier::Item& notifier) {
     xcb::writeNumber(display.get(), item.frame->window(), display.atom(barprotocol::itemOpacity),
                      item.opacity);
     return &item;
+}
+
+/// Some programs draw into one file all the time.
+void Bar::lookForIconsAnew(const statusnotifier::ItemProperties& properties) {
+    for (const auto* icon :
+         {&properties.icon, &properties.attentionIcon, &properties.overlayIcon}) {
+        bool isOverlay = icon == &properties.overlayIcon;
+        int side = isOverlay ? statusnotifier::overlaySide(pictureSide()) : pictureSide();
+        icons->lookAnew({icon->name, properties.iconThemePath, side});
+    }
 }
 
 /// The picture by name where there is one, as the protocol has it, else the pixels.
@@ -234,10 +248,11 @@ void Bar::onFacePress(BarItem& item, const xcb_button_press_event_t& event) {
     // The menu takes the pointer for itself.
     facePress = {};
     xcb_ungrab_pointer(display.get(), event.time);
+    Point pointer{static_cast<double>(event.root_x), static_cast<double>(event.root_y)};
     if (properties.menu.empty()) {
         notifier.contextMenu(event.root_x, event.root_y);
     } else {
-        openMenu(item);
+        openMenu(item, pointer);
     }
 }
 
@@ -251,18 +266,19 @@ void Bar::onFaceRelease(BarItem& item, const xcb_button_release_event_t& event) 
     if (!isInside || press.item != item.key || press.button != event.detail) return;
     if (event.detail == middle) notifier.secondaryActivate(event.root_x, event.root_y);
     if (event.detail != left || notifier.properties().itemIsMenu) return;
-    auto clicked = std::chrono::steady_clock::now();
-    notifier.activate(event.root_x, event.root_y, [this, &notifier, clicked] {
+    auto clicked = Clock::now();
+    Point pointer{static_cast<double>(event.root_x), static_cast<double>(event.root_y)};
+    notifier.activate(event.root_x, event.root_y, [this, &notifier, clicked, pointer] {
         // A program that hung says so late; its menu would take the pointer from somebody who has
         // gone on to other things.
-        if (std::chrono::steady_clock::now() - clicked > patienceOfClick) return;
+        if (Clock::now() - clicked > patienceOfClick) return;
         BarItem* held = withNotifier(notifier);
         if (held != nullptr && held->isInRow && !notifier.properties().menu.empty())
-            openMenu(*held);
+            openMenu(*held, pointer);
     });
 }
 
-void Bar::openMenu(BarItem& item) {
+void Bar::openMenu(BarItem& item, Point pointer) {
     const PixelRect& bar = windows.front()->rect();
     const PixelRect& frame = item.frame->rect();
     const auto& notifier = *item.notifier;
@@ -273,6 +289,20 @@ void Bar::openMenu(BarItem& item) {
                               std::to_string(frame.width), std::to_string(bar.height)},
                              false, failure);
     if (!menuHelper && !std::exchange(menuFailureLogged, true)) logLine(failure);
+    menuRequest = {item.key, pointer, Clock::now()};
+}
+
+/// Where a program says that it has a menu there may be none, and yet the program shows one of its
+/// own when it is asked to.
+void Bar::onMenuEnded() {
+    auto status = menuHelper->takeStatus();
+    menuHelper.reset();
+    bool hasShownNothing = status == helperShowedNothing;
+    if (!hasShownNothing || Clock::now() - menuRequest.time > patienceOfClick) return;
+    BarItem* item = items.withKey(menuRequest.item);
+    if (item == nullptr || !item->isInRow) return;
+    item->notifier->contextMenu(static_cast<int>(menuRequest.pointer.x),
+                                static_cast<int>(menuRequest.pointer.y));
 }
 
 }  // namespace nevo::menubar

@@ -13,6 +13,7 @@
 #include <cstring>
 #include <filesystem>
 #include <system_error>
+#include <utility>
 
 extern char** environ;
 
@@ -113,6 +114,14 @@ std::unique_ptr<HelperProcess> HelperProcess::start(const std::vector<std::strin
     }
     made->end = static_cast<int>(::syscall(SYS_pidfd_open, made->pid, 0));
     return made;
+}
+
+std::optional<int> HelperProcess::takeStatus() {
+    int status = 0;
+    if (::waitpid(pid, &status, WNOHANG) != pid) return std::nullopt;
+    pid = -1;
+    ::close(std::exchange(end, -1));
+    return WIFEXITED(status) ? std::optional(WEXITSTATUS(status)) : std::nullopt;
 }
 
 HelperProcess::~HelperProcess() {

@@ -4,6 +4,7 @@
 #include <sys/types.h>
 
 #include <memory>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -25,6 +26,8 @@ public:
     int output() const { return fromHelper; }
     /// Readable when it has ended.
     int endDescriptor() const { return end; }
+    /// What it has ended with, to be asked once, when it has; nothing when a signal ended it.
+    std::optional<int> takeStatus();
 
     /// Those that were ended and are still to be taken off the system's list of processes, which
     /// `reap` does: each descriptor becomes readable when its process has died.

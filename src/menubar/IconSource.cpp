@@ -49,12 +49,21 @@ const Picture* IconSource::find(const Name& name) {
         if (!canBeAsked) found->second.picture.emplace();
     }
     Entry& entry = found->second;
-    if (!entry.picture || Clock::now() >= entry.goodUntil) await(name, entry);
+    bool isGood = entry.picture && !entry.isOutdated && Clock::now() < entry.goodUntil;
+    if (!isGood) await(name, entry);
     return entry.picture ? &*entry.picture : nullptr;
 }
 
+void IconSource::lookAnew(const Name& name) {
+    bool isThemes = name.themePath.empty() && !name.name.starts_with('/');
+    auto found = known.find(name);
+    if (found != known.end() && !isThemes) found->second.isOutdated = true;
+}
+
 void IconSource::await(const Name& name, Entry& entry) {
-    if (!std::exchange(entry.isAwaited, true)) waiting.push_back(name);
+    if (std::exchange(entry.isAwaited, true)) return;
+    entry.isOutdated = false;
+    waiting.push_back(name);
 }
 
 void IconSource::forgetUnused() {
@@ -160,13 +169,15 @@ bool IconSource::takeAnswer() {
 
 void IconSource::settle(const Name& name, Picture picture, bool mayComeLater) {
     Entry& entry = known[name];
-    bool isNews = entry.picture != picture;
-    entry.picture = std::move(picture);
+    bool isLost = picture.isEmpty() && entry.picture && !entry.picture->isEmpty();
+    bool isNews = !isLost && entry.picture != picture;
+    if (isNews) entry.picture = std::move(picture);
     entry.isAwaited = false;
     entry.failures = 0;
     entry.goodUntil = mayComeLater ? Clock::now() + entry.pause : Clock::time_point::max();
-    entry.pause = std::min<std::chrono::seconds>(2 * entry.pause, longestPause);
-    if (isNews) changed(name);
+    entry.pause = mayComeLater ? std::min<std::chrono::seconds>(2 * entry.pause, longestPause)
+                               : shortestPause;
+    if (isNews || entry.isOutdated) changed(name);
 }
 
 /// The helper has ended, hangs, has spoken nonsense, or has nothing to do.

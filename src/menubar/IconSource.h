@@ -36,7 +36,11 @@ public:
     /// for again when it is asked for later. Nullptr while it is being looked for: `changed` tells
     /// of its coming, at a later `process`.
     const statusnotifier::Picture* find(const Name& name);
+    /// A picture whose file is gone or can't be read any more stays as it was.
     std::function<void(const Name&)> changed;
+    /// Looks for a picture once more when it is asked for the next time, unless it is one of the
+    /// theme's: its file may have other contents now.
+    void lookAnew(const Name& name);
     /// Whether a name is in use; others may be forgotten, and aren't looked for.
     std::function<bool(const Name&)> isInUse;
 
@@ -46,13 +50,17 @@ public:
     void process();
 
 private:
+    static constexpr std::chrono::seconds shortestPause{3};
+
     struct Entry {
         std::optional<statusnotifier::Picture> picture;
         Clock::time_point goodUntil = Clock::time_point::max();
         /// How long the next answer that there is none counts: longer each time.
-        std::chrono::seconds pause{3};
+        std::chrono::seconds pause = shortestPause;
         /// It is `current` or in one of the queues.
         bool isAwaited = false;
+        /// To be looked for once more, after the search that may be under way.
+        bool isOutdated = false;
         /// How often the helper has ended or hung over it.
         int failures = 0;
     };

@@ -57,6 +57,12 @@ bool isLate(sd_bus_message* answer) {
            sd_bus_message_is_method_error(answer, SD_BUS_ERROR_TIMEOUT) > 0;
 }
 
+bool isIconNamed(const std::string& property, const ItemProperties& properties) {
+    return (property == "IconName" && !properties.icon.name.empty()) ||
+           (property == "AttentionIconName" && !properties.attentionIcon.name.empty()) ||
+           (property == "OverlayIconName" && !properties.overlayIcon.name.empty());
+}
+
 bool isError(sd_bus_message* answer) { return sd_bus_message_is_method_error(answer, nullptr) > 0; }
 }  // namespace
 
@@ -205,7 +211,9 @@ void Item::finishRead(Read& read, sd_bus_message* answer) {
             // What an item is known by has to be there before it is shown.
             bool isFirst = !hasAnswered && read.name == "Id";
             hasAnswered = hasAnswered || isFirst;
-            hasNews = hasNews || isFirst || !(next == shown);
+            bool isRepetition = next == shown && isIconNamed(read.name, shown);
+            if (isRepetition) ++repetitions;
+            hasNews = hasNews || isFirst || isRepetition || !(next == shown);
             shown = std::move(next);
         }
     }

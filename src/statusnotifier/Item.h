@@ -38,6 +38,9 @@ public:
     const ItemAddress& address() const { return where; }
     const ItemProperties& properties() const { return shown; }
     std::optional<ProcessId> pid() const { return process; }
+    /// How often its program has said that a picture is new, and then named the one it had: what
+    /// has that name may look different now.
+    unsigned timesRepeated() const { return repetitions; }
     /// It has answered.
     bool isKnown() const { return hasAnswered && knowsProcess; }
 
@@ -108,6 +111,7 @@ private:
     std::set<std::string> staleProperties;
     std::list<Read> reads;
     bool hasNews = false;
+    unsigned repetitions = 0;
     std::function<void()> refusedActivation;
     Slot signals;
     Slot ownerChanges;

@@ -4,13 +4,12 @@
 #include <fmt/format.h>
 #include <sys/stat.h>
 
-#include <QCoreApplication>
 #include <QImage>
 #include <cstring>
 #include <fstream>
 #include <sstream>
 
-#include "desktop/DesktopSession.h"
+#include "desktop/BusSession.h"
 #include "desktop/FakeMenu.h"
 
 namespace nevo::desktoptest {
@@ -179,25 +178,23 @@ TEST_F(HelperIcons, anotherFormOfLineEndsItWithASentence) {
     EXPECT_EQ(ask("1 24\t\t" + std::string(100'000, 'x') + "\n"), 2);
 }
 
-class HelperMenu : public DesktopSession {
+class HelperMenu : public BusSession {
 protected:
     static constexpr Point beside{1000, 500};
 
     void SetUp() override {
-        DesktopSession::SetUp();
-        application = std::make_unique<QCoreApplication>(argc, argv.data());
+        BusSession::SetUp();
         offer();
     }
     void TearDown() override {
         helper.reset();
         program.reset();
-        application.reset();
-        DesktopSession::TearDown();
+        BusSession::TearDown();
     }
 
     void offer() {
         program.reset();
-        program = std::make_unique<FakeMenu>(environment().at("DBUS_SESSION_BUS_ADDRESS"));
+        program = std::make_unique<FakeMenu>(busAddress());
         program->levels[0] = {
             {1, {{"label", "Say _hello"}}},
             {2, {{"label", "Not now"}, {"enabled", false}}},
@@ -223,13 +220,6 @@ protected:
         int before = program->asked;
         program->sayThatRowsChanged();
         await("it listens", [&] { return program->asked > before; });
-    }
-    /// Lets the program inside the test answer meanwhile.
-    void await(const std::string& what, const std::function<bool()>& condition) {
-        waitFor(what, [&] {
-            QCoreApplication::processEvents();
-            return condition();
-        });
     }
     void waitForLevels(std::size_t count) {
         await(fmt::format("{} levels of the menu can be seen", count),
@@ -269,12 +259,6 @@ protected:
 
     std::unique_ptr<FakeMenu> program;
     std::unique_ptr<Process> helper;
-
-private:
-    std::string programName = "menu";
-    int argc = 1;
-    std::array<char*, 2> argv{programName.data(), nullptr};
-    std::unique_ptr<QCoreApplication> application;
 };
 
 TEST_F(HelperMenu, tellsItsProgramWhatIsChosen) {
