@@ -47,7 +47,7 @@ protected:
     void expectGoneWith(Process& bad) {
         kill(bad, SIGKILL);
         waitFor("only the probe is left", [&] { return items().size() == 1; });
-        EXPECT_TRUE(isDense());
+        EXPECT_TRUE(becomesDense());
         expectProbeAnswers();
     }
 
@@ -71,7 +71,7 @@ TEST_F(BadClients, oneThatNeverMapsTakesNoRoom) {
             return item.client == probe->window() || item.slot.width == 0;
         });
     });
-    EXPECT_TRUE(isDense());
+    EXPECT_TRUE(becomesDense());
     expectGoneWith(bad);
 }
 
@@ -79,7 +79,7 @@ TEST_F(BadClients, oneThatAsksForTheWholeScreenGetsASlot) {
     Process& bad = startBad("giant");
     waitFor("both have a slot that fits", [&] { return items().size() == 2 && allFit(); });
     expectProbeAnswers();
-    EXPECT_TRUE(allFit() && isDense()) << log();
+    EXPECT_TRUE(allFit() && becomesDense()) << log();
     expectGoneWith(bad);
 }
 
@@ -98,7 +98,7 @@ TEST_F(BadClients, oneThatHangsHoldsNobodyUp) {
     setMonitor("1000/300x600/200+0+0");
     waitFor("the bar is laid out anew",
             [&] { return barView->frame().width == 1000 && namesOnScreen().size() == 2; });
-    EXPECT_TRUE(isDense());
+    EXPECT_TRUE(becomesDense());
     expectProbeAnswers();
     expectGoneWith(bad);
 }
@@ -108,7 +108,7 @@ TEST_F(BadClients, aCrowdThatComesAndGoesLeavesNoGhosts) {
         Process& bad = startBad(std::string("crowd ") + seed);
         expectProbeAnswers();
         waitFor("the crowd has come to rest", [&] { return namesOnScreen().size() == 13; });
-        EXPECT_TRUE(isDense());
+        EXPECT_TRUE(becomesDense());
         expectGoneWith(bad);
     }
 }

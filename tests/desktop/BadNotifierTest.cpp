@@ -55,7 +55,7 @@ protected:
     void expectGoneWith(Process& bad) {
         kill(bad, SIGKILL);
         waitFor("only the probe is left", [&] { return items().size() == 1; });
-        EXPECT_TRUE(isDense());
+        EXPECT_TRUE(becomesDense());
     }
 
     std::unique_ptr<Probe> probe;
@@ -109,7 +109,7 @@ TEST_F(BadNotifiers, thatFloodHoldNobodyUp) {
     waitFor("a few of the crowd have come", [&] { return items().size() == 33; });
     expectProbeAnswers();
     expectOthersCome(33);
-    EXPECT_TRUE(isDense());
+    EXPECT_TRUE(becomesDense());
     expectGoneWith(crowd);
 }
 
@@ -135,7 +135,7 @@ TEST_F(BadNotifiers, thatComeAndGoFindTheirPlace) {
         shy.signal(SIGUSR1);
         waitFor("one that has nothing to show takes no room",
                 [&] { return namesOnScreen().size() == 2; });
-        EXPECT_TRUE(isDense());
+        EXPECT_TRUE(becomesDense());
         shy.signal(SIGUSR1);
         waitForOnScreen(order);
     }
@@ -148,7 +148,7 @@ TEST_F(BadNotifiers, thatRegisterOnceAreFoundByTheNextBar) {
     kill(bar(), SIGKILL);
     startBar();
     waitFor("all are there again", [&] { return items().size() == 3; });
-    EXPECT_TRUE(isDense());
+    EXPECT_TRUE(becomesDense());
     expectProbeAnswers();
 }
 

@@ -16,7 +16,7 @@ protected:
     void expectAllBack(const Names& before) {
         waitForOnScreen(before);
         EXPECT_EQ(names(), before);
-        EXPECT_TRUE(isDense());
+        EXPECT_TRUE(becomesDense());
     }
 };
 
@@ -39,7 +39,7 @@ TEST_F(MenuBar, tellsWhoseItemsStandInIt) {
         EXPECT_EQ(found.opacity, 1);
         EXPECT_EQ(found.place, found.slot);
     }
-    EXPECT_TRUE(isDense());
+    EXPECT_TRUE(becomesDense());
 }
 
 TEST_F(MenuBar, givesTheRowBackAfterAnyEndOfItsOwn) {
@@ -118,7 +118,7 @@ TEST_F(MenuBar, movesToTheNewRightEndWhenTheMonitorChanges) {
                 [&] { return barView->frame().width == width; });
         waitForOnScreen(before);
         EXPECT_EQ(items().back().place.maxX(), width - gap);
-        EXPECT_TRUE(isDense());
+        EXPECT_TRUE(becomesDense());
     }
 }
 

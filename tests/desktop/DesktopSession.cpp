@@ -248,13 +248,15 @@ Names DesktopSession::namesOnScreen() const {
     return names;
 }
 
-bool DesktopSession::isDense() const {
-    auto all = items();
-    double right = barView->systemAreaLeft();
-    return std::all_of(all.rbegin(), all.rend(), [&](const Item& item) {
-        bool touches = item.slot.maxX() == right;
-        right = item.slot.x;
-        return touches;
+bool DesktopSession::becomesDense() const {
+    return holdsSoon([this] {
+        auto all = items();
+        double right = barView->systemAreaLeft();
+        return std::all_of(all.rbegin(), all.rend(), [&](const Item& item) {
+            bool touches = item.slot.maxX() == right;
+            right = item.slot.x;
+            return touches;
+        });
     });
 }
 

@@ -58,8 +58,9 @@ protected:
     /// Of those the ones that a person can see.
     Names namesOnScreen() const;
     Item toggleItem() const { return item("Nevo_Toggle"); }
-    /// Whether the items stand side by side up to the bar's right part, with nothing between them.
-    bool isDense() const;
+    /// Waits until the items stand side by side up to the bar's right part, with nothing between
+    /// them; false when they never do.
+    bool becomesDense() const;
 
     /// The visible windows that reach below the bar, the topmost last.
     std::vector<Rect> windowsBelowBar() const;

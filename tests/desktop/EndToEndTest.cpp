@@ -66,7 +66,7 @@ TEST_F(EndToEnd, quittingFromTheMenuLeavesNothingHidden) {
     EXPECT_EQ(nevo().waitForEnd(), 0);
     waitFor("Nevo's own items have gone", [&] { return items().size() == before.size(); });
     waitForItems(before.size());
-    EXPECT_TRUE(isDense());
+    EXPECT_TRUE(becomesDense());
 
     startNevo();
     waitFor("the items left of the toggle are hidden again",
@@ -100,7 +100,7 @@ TEST_F(EndToEnd, aKilledManagerLeavesNothingHidden) {
         EXPECT_EQ(nameOf(now[i]), nameOf(before[i]));
         EXPECT_EQ(now[i].opacity, 1);
     }
-    EXPECT_TRUE(isDense());
+    EXPECT_TRUE(becomesDense());
 }
 
 TEST_F(EndToEnd, aKilledBarCostsNoProgramItsItem) {
@@ -128,7 +128,7 @@ TEST_F(EndToEnd, aProgramThatDiesWhileHiddenLeavesNoGhost) {
     all.erase(all.begin() + 1);
     waitFor("its item has gone", [&] { return names() == all; });
     toggle(all);
-    EXPECT_TRUE(isDense());
+    EXPECT_TRUE(becomesDense());
 }
 
 TEST_F(EndToEnd, theRowFollowsTheMonitorAndGoesOnWorking) {

@@ -74,7 +74,7 @@ TEST_F(Notifiers, standInOneRowWithWindowsAndAnswerClicks) {
     EXPECT_EQ(item("copyq").ownerName, "CopyQ");
     EXPECT_EQ(item("diodon").appId, "diodon");
     EXPECT_EQ(item("qasmixer").name, "Item-0");
-    EXPECT_TRUE(isDense());
+    EXPECT_TRUE(becomesDense());
     // Each shows a picture, which has more colours than the dot in the place of one.
     for (const Item& each : programItems()) {
         waitFor("it shows a picture", [&] {
@@ -130,7 +130,7 @@ TEST_F(Notifiers, aRowOfAMenuReachesItsProgram) {
     EXPECT_EQ(mixer.waitForEnd(), 0);
     kill(mixer, SIGKILL);
     waitForOnScreen({"copyq"});
-    EXPECT_TRUE(isDense());
+    EXPECT_TRUE(becomesDense());
 }
 
 TEST_F(Notifiers, areHiddenRuledAndReorderedLikeWindows) {
@@ -163,7 +163,7 @@ TEST_F(Notifiers, areNeverLostHoweverOftenTheBarIsKilled) {
     startBothKinds();
     Names order = namesOnScreen();
     for (int i = 0; i < 50; ++i) restartBar(order);
-    EXPECT_TRUE(isDense());
+    EXPECT_TRUE(becomesDense());
     setMonitor("1000/300x600/200+0+0");
     waitFor("the bar is as wide as the monitor", [&] { return barView->frame().width == 1000; });
     waitForRow(order);
@@ -171,7 +171,7 @@ TEST_F(Notifiers, areNeverLostHoweverOftenTheBarIsKilled) {
     setMonitor("1600/400x600/200+0+0");
     waitFor("the bar is wide again", [&] { return barView->frame().width == 1600; });
     waitForRow(order);
-    EXPECT_TRUE(isDense());
+    EXPECT_TRUE(becomesDense());
 }
 
 TEST_F(Notifiers, standWhereTheyWereAtTheNextLogin) {

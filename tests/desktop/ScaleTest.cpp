@@ -36,7 +36,7 @@ TEST_F(Scale, everythingFollowsTheResolutionOfTheScreen) {
     EXPECT_GE(icon.slot.width, 2 * 22);
     toggle(names());
     for (const Item& each : programItems()) EXPECT_GE(each.slot.width, 48) << nameOf(each);
-    EXPECT_TRUE(isDense());
+    EXPECT_TRUE(becomesDense());
 
     // The order by hand, and what is remembered of it: points.
     keepVisible(2);

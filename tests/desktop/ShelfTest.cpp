@@ -212,7 +212,7 @@ TEST_F(Shelf, aClickedSlotBringsTheRealItemOutForAWhile) {
 
     kill(nevo(), SIGTERM);
     waitForItems(before.size());
-    EXPECT_TRUE(isDense());
+    EXPECT_TRUE(becomesDense());
 }
 
 TEST_F(Shelf, aClickOnAPictureInTheBarReachesItsProgram) {
@@ -273,7 +273,7 @@ TEST_F(Shelf, aManagerKilledInTheMiddleOfAClickLeavesNothingOutOfPlace) {
     });
     waitForItems(before.size());
     EXPECT_EQ(names(), before);
-    EXPECT_TRUE(isDense());
+    EXPECT_TRUE(becomesDense());
     EXPECT_EQ(probe->clicks(), 0);
 }
 
