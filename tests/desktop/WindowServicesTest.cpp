@@ -22,14 +22,15 @@ namespace fs = std::filesystem;
 
 class WindowServices : public WindowSession {
 protected:
-    /// Answers a question: `act` is called once, when its box takes keys.
+    /// Answers a question: `act` is called when its box takes keys, and again when nothing has come
+    /// of it, since the window before may have taken the keys along with it.
     AlertAnswer ask(const Alert& alert, const std::function<void(QMessageBox&)>& act) {
-        bool hasActed = false;
+        constexpr int ticksPerTry = 100;
+        int ticks = 0;
         Registration look = platform().runLoop.timer(0.02, true, [&] {
             auto* box = qobject_cast<QMessageBox*>(widgetOf(alert.name));
-            if (hasActed || box == nullptr || !box->isActiveWindow()) return;
-            hasActed = true;
-            act(*box);
+            if (box == nullptr || !box->isActiveWindow()) return;
+            if (ticks++ % ticksPerTry == 0) act(*box);
         });
         // A question that never hears its key fails this test alone.
         Registration giveUp = platform().runLoop.timer(20, false, [&] {
