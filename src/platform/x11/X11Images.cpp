@@ -26,7 +26,7 @@ constexpr std::string_view brandPrefix = "Brand";
 
 bool isTooLarge(QSize size) { return qint64{size.width()} * size.height() > mostPixels; }
 
-std::optional<Image> drawing(const QString& path, const std::string& source) {
+std::optional<Image> draw(const QString& path) {
     QSvgRenderer renderer;
     if (!QFile::exists(path) || !renderer.load(path)) return std::nullopt;
     QSize size = renderer.defaultSize();
@@ -37,19 +37,18 @@ std::optional<Image> drawing(const QString& path, const std::string& source) {
     painter.end();
     Image image = fromQImage(canvas);
     image.size = {static_cast<double>(size.width()), static_cast<double>(size.height())};
-    image.source = source;
     return image;
 }
 
 /// "BrandFoldLine" stands in the file "fold-line".
-QString brandFile(std::string_view name) {
-    QString file;
+std::string brandFile(std::string_view name) {
+    std::string file;
     for (char c : name.substr(brandPrefix.size())) {
         bool isUpper = std::isupper(static_cast<unsigned char>(c)) != 0;
-        if (isUpper && !file.isEmpty()) file += '-';
-        file += QLatin1Char(c).toLatin1();
+        if (isUpper && !file.empty()) file += '-';
+        file += static_cast<char>(std::tolower(static_cast<unsigned char>(c)));
     }
-    return ":/brand/" + file.toLower() + ".svg";
+    return ":/brand/" + file + ".svg";
 }
 
 }  // namespace
@@ -74,6 +73,17 @@ std::optional<Image> X11Images::decode(const Bytes& data) const {
     return fromQImage(image);
 }
 
+std::optional<Image> X11Images::drawing(const std::string& path, const std::string& source) const {
+    auto found = drawings.find(path);
+    if (found == drawings.end()) {
+        auto image = draw(QString::fromStdString(path));
+        if (!image) return std::nullopt;
+        image->source = source;
+        found = drawings.emplace(path, *image).first;
+    }
+    return found->second;
+}
+
 std::optional<Image> X11Images::named(const std::string& name) const {
     bool isPlain =
         std::all_of(name.begin(), name.end(), [](unsigned char c) { return std::isalnum(c) != 0; });
@@ -83,7 +93,7 @@ std::optional<Image> X11Images::named(const std::string& name) const {
 
 std::optional<Image> X11Images::systemSymbol(const std::string& name, const std::string&) const {
     if (name.empty() || name.find('/') != std::string::npos) return std::nullopt;
-    auto image = drawing(":/symbols/" + QString::fromStdString(name) + ".svg", "symbol:" + name);
+    auto image = drawing(":/symbols/" + name + ".svg", "symbol:" + name);
     if (image) image->isTemplate = true;
     return image;
 }
