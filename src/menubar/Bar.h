@@ -151,7 +151,7 @@ private:
     void onFacePress(BarItem& item, const xcb_button_press_event_t& event);
     void onFaceRelease(BarItem& item, const xcb_button_release_event_t& event);
     void lookForIconsAnew(const statusnotifier::ItemProperties& properties);
-    void openMenu(BarItem& item, Point pointer);
+    void openMenu(BarItem& item, int x, int y);
     void onMenuEnded();
 
     // BarToolTip.cpp
@@ -184,8 +184,9 @@ private:
     /// What it was started for.
     struct MenuRequest {
         MenuBarRow::Key item = 0;
-        /// In root coordinates.
-        Point pointer;
+        /// Where the pointer was, in root coordinates.
+        int x = 0;
+        int y = 0;
         Clock::time_point time;
     };
     MenuRequest menuRequest;

@@ -248,11 +248,10 @@ void Bar::onFacePress(BarItem& item, const xcb_button_press_event_t& event) {
     // The menu takes the pointer for itself.
     facePress = {};
     xcb_ungrab_pointer(display.get(), event.time);
-    Point pointer{static_cast<double>(event.root_x), static_cast<double>(event.root_y)};
     if (properties.menu.empty()) {
         notifier.contextMenu(event.root_x, event.root_y);
     } else {
-        openMenu(item, pointer);
+        openMenu(item, event.root_x, event.root_y);
     }
 }
 
@@ -267,18 +266,18 @@ void Bar::onFaceRelease(BarItem& item, const xcb_button_release_event_t& event) 
     if (event.detail == middle) notifier.secondaryActivate(event.root_x, event.root_y);
     if (event.detail != left || notifier.properties().itemIsMenu) return;
     auto clicked = Clock::now();
-    Point pointer{static_cast<double>(event.root_x), static_cast<double>(event.root_y)};
-    notifier.activate(event.root_x, event.root_y, [this, &notifier, clicked, pointer] {
-        // A program that hung says so late; its menu would take the pointer from somebody who has
-        // gone on to other things.
-        if (Clock::now() - clicked > patienceOfClick) return;
-        BarItem* held = withNotifier(notifier);
-        if (held != nullptr && held->isInRow && !notifier.properties().menu.empty())
-            openMenu(*held, pointer);
-    });
+    notifier.activate(
+        event.root_x, event.root_y, [this, &notifier, clicked, x = event.root_x, y = event.root_y] {
+            // A program that hung says so late; its menu would take the pointer from somebody who
+            // has gone on to other things.
+            if (Clock::now() - clicked > patienceOfClick) return;
+            BarItem* held = withNotifier(notifier);
+            if (held != nullptr && held->isInRow && !notifier.properties().menu.empty())
+                openMenu(*held, x, y);
+        });
 }
 
-void Bar::openMenu(BarItem& item, Point pointer) {
+void Bar::openMenu(BarItem& item, int x, int y) {
     const PixelRect& bar = windows.front()->rect();
     const PixelRect& frame = item.frame->rect();
     const auto& notifier = *item.notifier;
@@ -289,7 +288,7 @@ void Bar::openMenu(BarItem& item, Point pointer) {
                               std::to_string(frame.width), std::to_string(bar.height)},
                              false, failure);
     if (!menuHelper && !std::exchange(menuFailureLogged, true)) logLine(failure);
-    menuRequest = {item.key, pointer, Clock::now()};
+    menuRequest = {item.key, x, y, Clock::now()};
 }
 
 /// Where a program says that it has a menu there may be none, and yet the program shows one of its
@@ -301,8 +300,7 @@ void Bar::onMenuEnded() {
     if (!hasShownNothing || Clock::now() - menuRequest.time > patienceOfClick) return;
     BarItem* item = items.withKey(menuRequest.item);
     if (item == nullptr || !item->isInRow) return;
-    item->notifier->contextMenu(static_cast<int>(menuRequest.pointer.x),
-                                static_cast<int>(menuRequest.pointer.y));
+    item->notifier->contextMenu(menuRequest.x, menuRequest.y);
 }
 
 }  // namespace nevo::menubar

@@ -54,8 +54,8 @@ void Bar::setOpacity(BarItem& item, std::uint32_t opacity, xcb_window_t lease) {
 void Bar::moveItem(BarItem& item, int x, int y, xcb_window_t lease) {
     if (item.isStatusItem()) return;
     const PixelRect monitorBar = windows.front()->rect();
-    bool isOutside = x < monitorBar.x || x >= monitorBar.x + monitorBar.width || y < monitorBar.y ||
-                     y >= monitorBar.y + monitorHeight;
+    const PixelRect monitor{monitorBar.x, monitorBar.y, monitorBar.width, monitorHeight};
+    bool isOutside = !monitor.contains(x + item.slot.width / 2, y);
     if (isOutside || std::abs(x - item.slot.x) <= slotReach) return endFloat(item);
     item.floatX = x;
     item.floatLease = lease;

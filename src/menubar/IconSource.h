@@ -36,10 +36,10 @@ public:
     /// for again when it is asked for later. Nullptr while it is being looked for: `changed` tells
     /// of its coming, at a later `process`.
     const statusnotifier::Picture* find(const Name& name);
-    /// A picture whose file is gone or can't be read any more stays as it was.
     std::function<void(const Name&)> changed;
     /// Looks for a picture once more when it is asked for the next time, unless it is one of the
-    /// theme's: its file may have other contents now.
+    /// theme's: its file may have other contents now. Where there is none any more, or half of one,
+    /// the last picture stays.
     void lookAnew(const Name& name);
     /// Whether a name is in use; others may be forgotten, and aren't looked for.
     std::function<bool(const Name&)> isInUse;

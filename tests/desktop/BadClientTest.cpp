@@ -4,28 +4,13 @@
 #include <algorithm>
 #include <csignal>
 
-#include "desktop/DesktopSession.h"
-#include "desktop/TestClients.h"
+#include "desktop/ProbeSession.h"
 
 namespace nevo::desktoptest {
 namespace {
 
-class BadClients : public DesktopSession {
+class BadClients : public ProbeSession {
 protected:
-    void SetUp() override {
-        DesktopSession::SetUp();
-        startBar();
-        probe = std::make_unique<Probe>();
-        waitForItems(1);
-    }
-
-    Item probeItem() const {
-        for (const Item& item : items()) {
-            if (item.client == probe->window()) return item;
-        }
-        throw Failed("the probe has lost its item");
-    }
-
     void expectProbeAnswers() {
         for (int i = 0; i < 3; ++i) {
             int before = probe->clicks();
@@ -38,16 +23,11 @@ protected:
     }
 
     Process& startBad(const std::string& kind) {
-        Process& bad = startProgram(std::string(NEVO_BAD_CLIENT) + " " + kind);
-        waitFor("the bad client has docked",
-                [&] { return bad.output().find("docked") != std::string::npos; });
-        return bad;
+        return ProbeSession::startBad(std::string(NEVO_BAD_CLIENT) + " " + kind, "docked");
     }
 
     void expectGoneWith(Process& bad) {
-        kill(bad, SIGKILL);
-        waitFor("only the probe is left", [&] { return items().size() == 1; });
-        EXPECT_TRUE(becomesDense());
+        ProbeSession::expectGoneWith(bad);
         expectProbeAnswers();
     }
 
@@ -58,8 +38,6 @@ protected:
                    item.slot.width < barView->frame().width / 2;
         });
     }
-
-    std::unique_ptr<Probe> probe;
 };
 
 TEST_F(BadClients, oneThatNeverMapsTakesNoRoom) {

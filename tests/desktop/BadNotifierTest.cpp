@@ -1,43 +1,24 @@
 // Programs that offer items over the bus and behave badly: whatever they do, the row is right, and
 // a program beside them gets its clicks.
 
-#include <algorithm>
 #include <csignal>
 
-#include "desktop/DesktopSession.h"
-#include "desktop/TestClients.h"
+#include "desktop/ProbeSession.h"
 
 namespace nevo::desktoptest {
 namespace {
 
-class BadNotifiers : public DesktopSession {
+class BadNotifiers : public ProbeSession {
 protected:
-    void SetUp() override {
-        DesktopSession::SetUp();
-        startBar();
-        probe = std::make_unique<Probe>();
-        waitForItems(1);
-    }
-
     Process& startBad(const std::string& kind) {
-        // All of a test write to the same file.
-        auto before = readFile(folder / "log/bad-notifier").size();
-        Process& bad = startProgram(std::string(NEVO_BAD_NOTIFIER) + " " + kind);
-        waitFor(kind + " has registered",
-                [&] { return bad.output().find("registered", before) != std::string::npos; });
-        return bad;
+        return ProbeSession::startBad(std::string(NEVO_BAD_NOTIFIER) + " " + kind, "registered");
     }
 
     /// Each click arrives, and once.
     void expectProbeAnswers() {
         for (int i = 0; i < 3; ++i) {
             int before = probe->clicks();
-            auto all = items();
-            auto found = std::find_if(all.begin(), all.end(), [&](const Item& each) {
-                return each.client == probe->window();
-            });
-            ASSERT_NE(found, all.end());
-            click(*found);
+            click(probeItem());
             waitFor("the probe gets a click", [&] { return probe->clicks() > before; });
             EXPECT_EQ(probe->clicks(), before + 1);
         }
@@ -51,14 +32,6 @@ protected:
         kill(good, SIGKILL);
         waitFor("the good item goes", [&] { return items().size() == count; });
     }
-
-    void expectGoneWith(Process& bad) {
-        kill(bad, SIGKILL);
-        waitFor("only the probe is left", [&] { return items().size() == 1; });
-        EXPECT_TRUE(becomesDense());
-    }
-
-    std::unique_ptr<Probe> probe;
 };
 
 TEST_F(BadNotifiers, thatShowNothingTakeNoRoom) {

@@ -72,14 +72,7 @@ protected:
         std::ofstream(process / "clear_refs") << resetsPeak;
         return grown;
     }
-    std::size_t complaints() const {
-        std::string text = nevo().output();
-        std::size_t count = 0;
-        for (auto at = text.find("stored values:"); at != text.npos; ++count) {
-            at = text.find("stored values:", at + 1);
-        }
-        return count;
-    }
+    std::size_t complaints() const { return countIn(nevo().output(), "stored values:"); }
 
     long lastKilobytes = 0;
 };

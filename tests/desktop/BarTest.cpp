@@ -1,7 +1,6 @@
 // The menu bar by itself, with tray programs of the distribution.
 
 #include <csignal>
-#include <fstream>
 
 #include "desktop/DesktopSession.h"
 #include "desktop/TestClients.h"
@@ -10,15 +9,7 @@
 namespace nevo::desktoptest {
 namespace {
 
-class MenuBar : public DesktopSession {
-protected:
-    /// What can be seen now can be seen again, as it was, once each; nobody has died.
-    void expectAllBack(const Names& before) {
-        waitForOnScreen(before);
-        EXPECT_EQ(names(), before);
-        EXPECT_TRUE(becomesDense());
-    }
-};
+using MenuBar = DesktopSession;
 
 TEST_F(MenuBar, tellsWhoseItemsStandInIt) {
     startDesktop();
@@ -55,7 +46,9 @@ TEST_F(MenuBar, givesTheRowBackAfterAnyEndOfItsOwn) {
     for (int end : {SIGTERM, SIGKILL, SIGTERM}) {
         kill(bar(), end);
         startBar();
-        expectAllBack(before);
+        waitForOnScreen(before);
+        EXPECT_EQ(names(), before);
+        EXPECT_TRUE(becomesDense());
     }
 }
 
@@ -105,33 +98,6 @@ TEST_F(MenuBar, takesInIconsThatAnotherTrayHasLeftAndNoOrdinaryWindow) {
         xcb_query_tree_reply(c, xcb_query_tree(c, ordinary), nullptr));
     ASSERT_TRUE(tree);
     EXPECT_EQ(tree->parent, server->root());
-}
-
-TEST_F(MenuBar, movesToTheNewRightEndWhenTheMonitorChanges) {
-    startDesktop();
-    Names before = names();
-    double right = barView->frame().maxX();
-    double gap = right - items().back().place.maxX();
-    for (int width : {1000, 1600, 640}) {
-        setMonitor(std::to_string(width) + "/400x600/200+0+0");
-        waitFor("the bar is as wide as the monitor",
-                [&] { return barView->frame().width == width; });
-        waitForOnScreen(before);
-        EXPECT_EQ(items().back().place.maxX(), width - gap);
-        EXPECT_TRUE(becomesDense());
-    }
-}
-
-TEST_F(MenuBar, refusesInPlainWordsWhatItCannotDo) {
-    startDesktop();
-    Names before = names();
-    EXPECT_TRUE(refuses(NEVO_BAR_PROGRAM));
-    EXPECT_TRUE(refuses(NEVO_BAR_PROGRAM, {{"DISPLAY", ""}}));
-    EXPECT_TRUE(refuses(NEVO_BAR_PROGRAM, {{"DISPLAY", ":9999"}}));
-    EXPECT_EQ(names(), before);
-    kill(bar(), SIGTERM);
-    ForeignTray foreign;
-    EXPECT_TRUE(refuses(NEVO_BAR_PROGRAM));
 }
 
 }  // namespace

@@ -4,15 +4,19 @@
 
 #include <algorithm>
 
-#include "desktop/Process.h"
+#include "desktop/TestClients.h"
 #include "platform/menubar/BarProtocol.h"
 #include "platform/xcb/Properties.h"
 
 namespace nevo {
 
-void PrintTo(const Rect& rect, std::ostream* out) {
-    *out << fmt::format("{}x{}+{}+{}", rect.width, rect.height, rect.x, rect.y);
+namespace {
+std::string describe(const Rect& rect) {
+    return fmt::format("{}x{}+{}+{}", rect.width, rect.height, rect.x, rect.y);
 }
+}  // namespace
+
+void PrintTo(const Rect& rect, std::ostream* out) { *out << describe(rect); }
 
 namespace desktoptest {
 
@@ -22,10 +26,6 @@ using xcb::Reply;
 namespace {
 
 constexpr double opaque = 0xffffffff;
-
-std::string describe(const Rect& rect) {
-    return fmt::format("{}x{}+{}+{}", rect.width, rect.height, rect.x, rect.y);
-}
 
 Rect rectOf(const std::vector<std::uint32_t>& values) {
     auto at = [&](std::size_t i) {
@@ -154,10 +154,7 @@ void BarView::move(const Item& item, int x, int y, xcb_window_t lease) const {
          {item.frame, static_cast<std::uint32_t>(x), static_cast<std::uint32_t>(y), lease});
 }
 
-LeaseHolder::LeaseHolder() {
-    std::string failure;
-    connection = xcb::Connection::open(failure);
-    if (!connection) throw Failed(failure);
+LeaseHolder::LeaseHolder() : connection(connect()) {
     view = std::make_unique<BarView>(*connection);
     auto c = connection->get();
     lease = xcb_generate_id(c);

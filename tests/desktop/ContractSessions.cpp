@@ -3,6 +3,8 @@
 #include <csignal>
 #include <cstdlib>
 
+#include "desktop/TestClients.h"
+
 namespace nevo::desktoptest {
 
 namespace {
@@ -48,10 +50,7 @@ void X11Session::SetUp() {
                              "DBUS_SESSION_BUS_ADDRESS", "DBUS_SYSTEM_BUS_ADDRESS"}) {
         ::setenv(name, environment().at(name).c_str(), 1);
     }
-    std::string failure;
-    auto connection = xcb::Connection::open(failure);
-    if (!connection) throw Failed(failure);
-    xServer = std::make_unique<XServer>(std::move(connection));
+    xServer = std::make_unique<XServer>(connect());
     desktop = std::make_unique<X11Desktop>(*xServer, argc, argv.data());
 }
 

@@ -260,13 +260,15 @@ bool DesktopSession::becomesDense() const {
     });
 }
 
-std::vector<Rect> DesktopSession::windowsBelowBar() const {
+std::vector<TopWindow> DesktopSession::topWindows() const {
     auto c = server->get();
+    xcb::Atoms atoms(c, {});
     xcb::Reply<xcb_query_tree_reply_t> tree(
         xcb_query_tree_reply(c, xcb_query_tree(c, server->root()), nullptr));
-    std::vector<Rect> windows;
+    std::vector<TopWindow> windows;
     for (int i = 0; tree && i < xcb_query_tree_children_length(tree.get()); ++i) {
         xcb_window_t window = xcb_query_tree_children(tree.get())[i];
+        xcb::PropertyRead name(c, window, atoms["_NET_WM_NAME"]);
         xcb::Reply<xcb_get_window_attributes_reply_t> attributes(
             xcb_get_window_attributes_reply(c, xcb_get_window_attributes(c, window), nullptr));
         xcb::Reply<xcb_get_geometry_reply_t> place(
@@ -274,9 +276,17 @@ std::vector<Rect> DesktopSession::windowsBelowBar() const {
         if (!attributes || !place || attributes->map_state != XCB_MAP_STATE_VIEWABLE) continue;
         Rect rect{static_cast<double>(place->x), static_cast<double>(place->y),
                   static_cast<double>(place->width), static_cast<double>(place->height)};
-        if (rect.maxY() > barView->frame().maxY()) windows.push_back(rect);
+        windows.push_back({window, rect, name.text().value_or("")});
     }
     return windows;
+}
+
+std::vector<Rect> DesktopSession::windowsBelowBar() const {
+    std::vector<Rect> places;
+    for (const TopWindow& window : topWindows()) {
+        if (window.place.maxY() > barView->frame().maxY()) places.push_back(window.place);
+    }
+    return places;
 }
 
 void DesktopSession::superDrag(const Item& item, double toX) {

@@ -16,6 +16,13 @@ namespace nevo::desktoptest {
 
 using Names = std::vector<std::string>;
 
+/// A window right on the root.
+struct TopWindow {
+    xcb_window_t window = XCB_WINDOW_NONE;
+    Rect place;
+    std::string name;
+};
+
 /// A display, a session bus and a home of its own for each test, and the verbs of a person who sits
 /// before it. A verb that comes to nothing ends the test, with what stands on the desktop. Whatever
 /// a test started has to be running at its end and then to end well when it is told to, unless the
@@ -62,7 +69,9 @@ protected:
     /// them; false when they never do.
     bool becomesDense() const;
 
-    /// The visible windows that reach below the bar, the topmost last.
+    /// The visible windows, the topmost last.
+    std::vector<TopWindow> topWindows() const;
+    /// Of those the ones that reach below the bar.
     std::vector<Rect> windowsBelowBar() const;
 
     // The person.

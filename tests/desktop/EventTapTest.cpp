@@ -5,6 +5,7 @@
 #include <algorithm>
 
 #include "desktop/ContractSessions.h"
+#include "desktop/TestClients.h"
 #include "platform/x11/RawListeners.h"
 
 namespace nevo::desktoptest {
@@ -147,8 +148,7 @@ TEST_F(TapOnX11, hearsOfASyntheticDragBeforeItsMakerGoesOn) {
 }
 
 TEST_F(TapOnX11, theDevicesAreListenedToOnlyWhileSomebodyHears) {
-    std::string failure;
-    XServer x(xcb::Connection::open(failure));
+    XServer x(connect());
     EventPump pump(x, [] {});
     RawInput input(x, pump, [](RawInput::Kind, std::uint32_t) {});
     auto listeners = std::make_unique<RawListeners>(input);

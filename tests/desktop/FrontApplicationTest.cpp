@@ -1,6 +1,7 @@
 // Which application is in front, as a window manager tells it.
 
 #include "desktop/ContractSessions.h"
+#include "desktop/TestClients.h"
 #include "platform/x11/FrontApplication.h"
 #include "platform/xcb/Properties.h"
 
@@ -78,8 +79,7 @@ TEST_F(Front, theOneThatIsThereAtTheStartIsTold) {
     startWindowManager();
     Process& there = startInFront("xmessage one");
 
-    std::string failure;
-    XServer x(xcb::Connection::open(failure));
+    XServer x(connect());
     EventPump pump(x, [] {});
     xcb::DesktopEntries entries;
     xcb::OwnerIdentities identities(entries);

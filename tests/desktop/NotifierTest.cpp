@@ -29,11 +29,6 @@ protected:
 
     bool isNotifier(const std::string& name) const { return item(name).client == 0; }
 
-    /// The names of all items, in the order of the row.
-    void waitForRow(const Names& expected) {
-        waitFor("the row is as it was", [&] { return namesOnScreen() == expected; });
-    }
-
     /// Kills the bar, starts another, and waits until the row is as it was. GTK's tray icons write
     /// to the bar's windows without expecting their death, and now and then one ends of it: started
     /// anew, it has its old place.
@@ -154,9 +149,9 @@ TEST_F(Notifiers, areHiddenRuledAndReorderedLikeWindows) {
     kill(program("qasmixer"), SIGKILL);
     Names without = order;
     std::erase(without, "qasmixer");
-    waitForRow(without);
+    waitForOnScreen(without);
     startProgram("qasmixer --tray --no-single");
-    waitForRow(order);
+    waitForOnScreen(order);
 }
 
 TEST_F(Notifiers, areNeverLostHoweverOftenTheBarIsKilled) {
@@ -166,11 +161,11 @@ TEST_F(Notifiers, areNeverLostHoweverOftenTheBarIsKilled) {
     EXPECT_TRUE(becomesDense());
     setMonitor("1000/300x600/200+0+0");
     waitFor("the bar is as wide as the monitor", [&] { return barView->frame().width == 1000; });
-    waitForRow(order);
+    waitForOnScreen(order);
     restartBar(order);
     setMonitor("1600/400x600/200+0+0");
     waitFor("the bar is wide again", [&] { return barView->frame().width == 1600; });
-    waitForRow(order);
+    waitForOnScreen(order);
     EXPECT_TRUE(becomesDense());
 }
 
@@ -181,17 +176,17 @@ TEST_F(Notifiers, standWhereTheyWereAtTheNextLogin) {
     commands.insert(commands.end(), windowCommands.begin(), windowCommands.end());
     auto endAll = [&] {
         for (const std::string& name : order) kill(program(name), SIGTERM);
-        waitForRow({});
+        waitForOnScreen({});
     };
     endAll();
     kill(bar(), SIGTERM);
     // All at once, and the bar last: who finds no tray for the bus docks a window.
     for (const std::string& command : commands) startProgram(command);
     startBar();
-    waitForRow(order);
+    waitForOnScreen(order);
     endAll();
     for (const std::string& command : commands) startProgram(command);
-    waitForRow(order);
+    waitForOnScreen(order);
 }
 
 /// A tray on a display of its own, on the same bus.
@@ -242,7 +237,7 @@ TEST_F(Notifiers, areShownBesideOtherTraysAndTakenOverFromThem) {
     waitFor("the second says that it has taken over", [&] { return second.says(takeover); });
     EXPECT_FALSE(third.says(takeover));
     startBar();
-    waitForRow(order);
+    waitForOnScreen(order);
 
     // What comes now registers with the second, whom all others follow.
     startProgram(std::string(NEVO_BAD_NOTIFIER) + " plain");

@@ -1,6 +1,5 @@
 #include "desktop/PanelSession.h"
 
-#include <algorithm>
 #include <cstring>
 
 #include "platform/xcb/Properties.h"
@@ -58,30 +57,12 @@ testing::AssertionResult PanelSession::showsSoon(Point place, std::uint32_t colo
            << std::hex << pixel(place) << " at " << std::dec << place.x << ", " << place.y;
 }
 
-xcb_window_t PanelSession::window() const {
-    auto c = server->get();
-    xcb::Atoms atoms(c, {});
-    Reply<xcb_query_tree_reply_t> tree(
-        xcb_query_tree_reply(c, xcb_query_tree(c, server->root()), nullptr));
-    xcb_window_t found = XCB_WINDOW_NONE;
-    for (int i = 0; tree && i < xcb_query_tree_children_length(tree.get()); ++i) {
-        xcb_window_t child = xcb_query_tree_children(tree.get())[i];
-        Reply<xcb_get_window_attributes_reply_t> attributes(
-            xcb_get_window_attributes_reply(c, xcb_get_window_attributes(c, child), nullptr));
-        if (!attributes || attributes->map_state != XCB_MAP_STATE_VIEWABLE) continue;
-        xcb::PropertyRead name(c, child, atoms["_NET_WM_NAME"]);
-        if (name.text() == "Nevo") found = child;
+TopWindow PanelSession::topPanel() const {
+    TopWindow found;
+    for (const TopWindow& each : topWindows()) {
+        if (each.name == "Nevo") found = each;
     }
     return found;
-}
-
-Rect PanelSession::windowPlace() const {
-    auto c = server->get();
-    Reply<xcb_get_geometry_reply_t> place(
-        xcb_get_geometry_reply(c, xcb_get_geometry(c, window()), nullptr));
-    if (!place) return {};
-    return {static_cast<double>(place->x), static_cast<double>(place->y),
-            static_cast<double>(place->width), static_cast<double>(place->height)};
 }
 
 std::uint32_t PanelSession::shade(int x, int y) const {

@@ -27,8 +27,9 @@ protected:
     testing::AssertionResult showsSoon(Point place, std::uint32_t color);
 
     /// The panel's window; the topmost if there are several, 0 if there is none on the screen.
-    xcb_window_t window() const;
-    Rect windowPlace() const;
+    TopWindow topPanel() const;
+    xcb_window_t window() const { return topPanel().window; }
+    Rect windowPlace() const { return topPanel().place; }
     /// Of the panel's window, with its alpha: 0xAARRGGBB, premultiplied.
     std::uint32_t shade(int x, int y) const;
 

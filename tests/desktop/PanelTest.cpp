@@ -210,8 +210,7 @@ TEST_F(PanelEvents, tellsTheToolTipOfTheViewUnderThePointerAsItIsWritten) {
 }
 
 TEST_F(PanelEvents, takesNoFocusAndStaysAboveTheWindowInUse) {
-    startProgram("openbox");
-    waitFor("a window manager runs", [&] { return rootProperty("_NET_SUPPORTING_WM_CHECK") != 0; });
+    startWindowManager();
     auto focused = [this] {
         xcb::Reply<xcb_get_input_focus_reply_t> reply(
             xcb_get_input_focus_reply(server->get(), xcb_get_input_focus(server->get()), nullptr));

@@ -61,6 +61,12 @@ std::string readFile(const std::filesystem::path& file) {
     return text.str();
 }
 
+std::size_t countIn(const std::string& text, const std::string& part) {
+    std::size_t count = 0;
+    for (auto at = text.find(part); at != std::string::npos; at = text.find(part, at + 1)) ++count;
+    return count;
+}
+
 Process::Process(std::vector<std::string> command, const Environment& environment,
                  std::filesystem::path log, std::optional<int> kept)
     : words(std::move(command)), logFile(std::move(log)) {

@@ -66,5 +66,7 @@ std::pair<std::unique_ptr<Process>, std::string> startAndReadLine(std::vector<st
                                                                   const std::filesystem::path& log);
 
 std::string readFile(const std::filesystem::path& file);
+/// How often `part` stands in `text`.
+std::size_t countIn(const std::string& text, const std::string& part);
 
 }  // namespace nevo::desktoptest

@@ -9,13 +9,7 @@ namespace {
 class RowChange : public NevoSession {
 protected:
     std::size_t told() {
-        const std::string line = "[Nevo] Menu bar layout changed, re-enforcing alpha";
-        std::size_t count = 0;
-        std::string text = nevo().output();
-        for (auto at = text.find(line); at != std::string::npos; at = text.find(line, at + 1)) {
-            ++count;
-        }
-        return count;
+        return countIn(nevo().output(), "[Nevo] Menu bar layout changed, re-enforcing alpha");
     }
 
     void waitForTold(std::size_t count) {

@@ -1,12 +1,11 @@
 // The machine wakes, and the login session comes back, as logind tells it on the system bus.
 
-#include <QCoreApplication>
 #include <QDBusConnection>
 #include <QDBusMessage>
 #include <QDBusObjectPath>
 #include <QDBusVirtualObject>
 
-#include "desktop/NevoSession.h"
+#include "desktop/BusSession.h"
 
 namespace nevo::desktoptest {
 namespace {
@@ -58,46 +57,28 @@ private:
     QDBusConnection bus;
 };
 
-class Session : public NevoSession {
+class Session : public BusSession {
 protected:
     void SetUp() override {
-        NevoSession::SetUp();
+        BusSession::SetUp();
         startBar();
-        application = std::make_unique<QCoreApplication>(argc, argv.data());
     }
-
     void TearDown() override {
         logind.reset();
-        application.reset();
-        NevoSession::TearDown();
+        BusSession::TearDown();
     }
 
-    std::size_t count(const std::string& line) {
-        std::size_t result = 0;
-        std::string text = nevo().output();
-        for (auto at = text.find(line); at != std::string::npos; at = text.find(line, at + 1)) {
-            ++result;
-        }
-        return result;
-    }
     std::size_t reacted(const std::string& reason) {
-        return count("recompensatePositionAfterWake reason=" + reason);
+        return countIn(nevo().output(), "recompensatePositionAfterWake reason=" + reason);
     }
 
-    std::string programName = "session";
-    int argc = 1;
-    std::array<char*, 2> argv{programName.data(), nullptr};
-    std::unique_ptr<QCoreApplication> application;
     std::unique_ptr<FakeLogind> logind;
 };
 
 TEST_F(Session, nevoReactsWhenTheMachineWakesAndTheSessionComesBack) {
     logind = std::make_unique<FakeLogind>(environment().at("DBUS_SYSTEM_BUS_ADDRESS"));
     startNevo();
-    waitFor("Nevo has asked for its session", [this] {
-        QCoreApplication::processEvents();
-        return logind->wasAsked;
-    });
+    await("Nevo has asked for its session", [this] { return logind->wasAsked; });
     logind->prepareForSleep(true);
     logind->prepareForSleep(false);
     waitFor("Nevo has heard of the wake", [this] { return reacted("screensDidWake") > 0; });
@@ -119,7 +100,7 @@ TEST_F(Session, nevoReactsWhenTheMachineWakesAndTheSessionComesBack) {
     logind->prepareForSleep(false);
     waitFor("Nevo has heard all", [this] { return reacted("didWake") == 3; });
     EXPECT_EQ(reacted("sessionDidBecomeActive"), before + 1);
-    EXPECT_EQ(count("no logind"), 0U);
+    EXPECT_EQ(countIn(nevo().output(), "no logind"), 0U);
 }
 
 TEST_F(Session, withoutLogindOrABusThatIsSaidOnce) {
@@ -133,8 +114,7 @@ TEST_F(Session, withoutLogindOrABusThatIsSaidOnce) {
         waitFor("its items stand in the bar", [this] { return !items().empty(); });
         process.signal(SIGTERM);
         EXPECT_EQ(process.waitForEnd(), 0);
-        std::string text = process.output();
-        EXPECT_EQ(text.find(line), text.rfind(line)) << text;
+        EXPECT_EQ(countIn(process.output(), line), 1U) << process.output();
         waitFor("its items have gone", [this] { return items().empty(); });
         std::filesystem::remove(folder / "log" / "without");
     }

@@ -34,19 +34,14 @@ protected:
         NevoSession::TearDown();
     }
 
-    struct OwnWindow {
-        xcb_window_t window = 0;
-        Rect place;
-    };
-    /// Nevo's windows on the screen that aren't items, the topmost last.
-    std::vector<OwnWindow> panels() const;
     /// The floating bar.
     std::optional<Rect> shelf() const { return panel(false); }
     /// The pictures in the menu bar.
     std::optional<Rect> decoys() const { return panel(true); }
     std::optional<Rect> panel(bool inBar) const {
-        for (const OwnWindow& own : panels()) {
-            if ((own.place.y < barView->frame().maxY()) == inBar) return own.place;
+        for (const TopWindow& own : topWindows()) {
+            bool isInBar = own.place.y < barView->frame().maxY();
+            if (own.name == "Nevo" && isInBar == inBar) return own.place;
         }
         return std::nullopt;
     }
@@ -99,28 +94,6 @@ protected:
 
     std::unique_ptr<Probe> probe;
 };
-
-std::vector<Shelf::OwnWindow> Shelf::panels() const {
-    auto c = server->get();
-    xcb::Atoms atoms(c, {});
-    xcb::Reply<xcb_query_tree_reply_t> tree(
-        xcb_query_tree_reply(c, xcb_query_tree(c, server->root()), nullptr));
-    std::vector<OwnWindow> found;
-    for (int i = 0; tree && i < xcb_query_tree_children_length(tree.get()); ++i) {
-        xcb_window_t window = xcb_query_tree_children(tree.get())[i];
-        xcb::PropertyRead name(c, window, atoms["_NET_WM_NAME"]);
-        xcb::Reply<xcb_get_window_attributes_reply_t> attributes(
-            xcb_get_window_attributes_reply(c, xcb_get_window_attributes(c, window), nullptr));
-        xcb::Reply<xcb_get_geometry_reply_t> place(
-            xcb_get_geometry_reply(c, xcb_get_geometry(c, window), nullptr));
-        if (!attributes || !place || attributes->map_state != XCB_MAP_STATE_VIEWABLE) continue;
-        if (name.text() != "Nevo") continue;
-        found.push_back({window,
-                         {static_cast<double>(place->x), static_cast<double>(place->y),
-                          static_cast<double>(place->width), static_cast<double>(place->height)}});
-    }
-    return found;
-}
 
 std::optional<Rect> Shelf::iconIn(const Rect& area, std::uint32_t left, std::uint32_t right) const {
     constexpr double side = Probe::size;

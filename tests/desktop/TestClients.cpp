@@ -9,14 +9,14 @@ namespace nevo::desktoptest {
 
 using xcb::Reply;
 
-namespace {
-
 std::unique_ptr<xcb::Connection> connect() {
     std::string failure;
     auto connection = xcb::Connection::open(failure);
     if (!connection) throw Failed(failure);
     return connection;
 }
+
+namespace {
 
 xcb_window_t makeWindow(const xcb::Connection& server, std::uint32_t events) {
     auto c = server.get();

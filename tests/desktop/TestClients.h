@@ -9,6 +9,9 @@
 
 namespace nevo::desktoptest {
 
+/// A connection of its own to the display of the test; ends the test when there is none.
+std::unique_ptr<xcb::Connection> connect();
+
 /// A well-behaved tray icon inside the test: docks, and counts the clicks that it gets.
 class Probe {
 public:

@@ -88,10 +88,7 @@ void WindowSession::SetUp() {
     waitFor("the icon stands in the bar", [this] { return !items().empty(); });
     // Qt has to know of the window manager.
     settle();
-    std::string failure;
-    auto opened = xcb::Connection::open(failure);
-    if (!opened) throw Failed(failure);
-    connection = std::make_unique<XServer>(std::move(opened));
+    connection = std::make_unique<XServer>(connect());
     const std::uint32_t mask = XCB_EVENT_MASK_STRUCTURE_NOTIFY;
     xcb_change_window_attributes(connection->get(), connection->root(), XCB_CW_EVENT_MASK, &mask);
     pump = std::make_unique<EventPump>(*connection, [] {});

@@ -27,13 +27,16 @@ protected:
 
     /// Runs another program with one item and returns the item's window.
     WindowNumber launch(const std::string& handle, const std::string& bundleID, double width) {
+        SimItemPlan item;
+        item.width = width;
+        return launch(handle, bundleID, item);
+    }
+    WindowNumber launch(const std::string& handle, const std::string& bundleID, SimItemPlan item) {
         SimOtherProgram program;
         program.handle = handle;
         program.application.bundleIdentifier = bundleID;
         program.application.localizedName = handle;
-        SimItemPlan item;
         item.label = handle;
-        item.width = width;
         program.items = {item};
         desktop.applications.add(program);
         desktop.applications.launch(handle);

@@ -18,18 +18,6 @@ protected:
         for (const ScannedBarItem& item : scan()) result.push_back(item.persistedID);
         return result;
     }
-    WindowNumber add(SimItemPlan item, const std::string& bundleID, const std::string& handle) {
-        SimOtherProgram program;
-        program.handle = handle;
-        program.application.bundleIdentifier = bundleID;
-        program.application.localizedName = handle;
-        item.label = handle;
-        program.items = {item};
-        desktop.applications.add(program);
-        desktop.applications.launch(handle);
-        desktop.loop.runFor(1);
-        return desktop.applications.findItem(handle)->window;
-    }
 
     ScreenCaptureService capture{platform};
     MenuBarScanner scanner{platform, capture};
@@ -39,11 +27,11 @@ TEST_F(MenuBarScannerTest, GeometryDecidesWhatIsAnItem) {
     for (double width : {500.0, 2.0, 2.5, 499.5}) {
         SimItemPlan item;
         item.width = width;
-        add(item, "org." + std::to_string(width), "W" + std::to_string(width));
+        launch("W" + std::to_string(width), "org." + std::to_string(width), item);
     }
     SimItemPlan bar;
     bar.layer = 24;
-    add(bar, "org.bar", "Bar");
+    launch("Bar", "org.bar", bar);
     auto items = scan();
     ASSERT_EQ(items.size(), 2U);
     EXPECT_EQ(items[0].width + items[1].width, 502.0);
@@ -87,14 +75,14 @@ TEST_F(MenuBarScannerTest, YoungListsServeUnlessEmptyOrForced) {
 }
 
 TEST_F(MenuBarScannerTest, UnnamedItemsAreNamedByTheirLabelButForOneApplication) {
-    add({}, "org.example", "Example");
-    add({}, "com.microsoft.OneDrive-mac", "OneDrive");
+    launch("Example", "org.example", SimItemPlan{});
+    launch("OneDrive", "com.microsoft.OneDrive-mac", SimItemPlan{});
     SimItemPlan third;
     third.name = "Item-3";
-    add(third, "org.third", "Third");
+    launch("Third", "org.third", third);
     SimItemPlan own;
     own.name = "Nevo_Stray";
-    add(own, "org.stray", "Stray");
+    launch("Stray", "org.stray", own);
     auto found = ids();
     std::sort(found.begin(), found.end());
     EXPECT_EQ(found, (std::vector<std::string>{"Example >>> org.example",
@@ -113,7 +101,7 @@ TEST_F(MenuBarScannerTest, ItemsThatTheControlCentreHoldsAreToldApartByPlace) {
     lent.windowOwner = "centre";
     lent.name = "";
     lent.title = "Vault";
-    WindowNumber window = add(lent, "org.vault", "Vault");
+    WindowNumber window = launch("Vault", "org.vault", lent);
     double midX = platform.windows.windowFrame(window)->midX();
     auto shiftChildTo = [&](double distance) {
         // The walk is kept for 10 s.
@@ -136,7 +124,7 @@ TEST_F(MenuBarScannerTest, ItemsThatTheControlCentreHoldsAreToldApartByPlace) {
     quiet.name = "";
     quiet.accessible = false;
     quiet.windowOwner = "centre";
-    WindowNumber unknown = add(quiet, "org.quiet", "Quiet");
+    WindowNumber unknown = launch("Quiet", "org.quiet", quiet);
     midX = platform.windows.windowFrame(unknown)->midX();
     shiftChildTo(1.0);
     EXPECT_EQ(ids().front(), "Control Center >>> com.apple.controlcenter")

@@ -149,20 +149,6 @@ TEST_F(SimBarTest, ADividerOpensDirectlyLeftOfTheToggleAndPushesTheOthersOff) {
     EXPECT_EQ(x("a"), 1200);
 }
 
-TEST_F(SimBarTest, AProgramComesBackToItsPlaceUnlessItsSavedPositionWasChanged) {
-    WindowNumber before = window("b");
-    for (const char* handle : {"b", "a", "c"}) desktop.applications.kill(handle);
-    for (const char* handle : {"c", "b", "a"}) desktop.applications.launch(handle);
-    EXPECT_EQ(order(), "a b c ");
-    EXPECT_GT(window("b"), before);
-    EXPECT_EQ(desktop.windows.find(before), nullptr);
-
-    desktop.applications.kill("b");
-    desktop.defaults.write("com.example.b", "NSStatusItem Preferred Position Item-0", 10.0);
-    desktop.applications.launch("b");
-    EXPECT_EQ(order(), "a c b ");
-}
-
 TEST_F(SimBarTest, SyntheticDragsMoveTheItemThatTheyName) {
     drag(window("a"), {1215, 12}, {1300, 12});
     EXPECT_EQ(order(), "b c a ");
@@ -180,26 +166,6 @@ TEST_F(SimBarTest, SyntheticDragsMoveTheItemThatTheyName) {
     EXPECT_EQ(order(), "c a b ");
     drag(window("b"), {x("b") + 5, 12}, {1205, 12});
     EXPECT_EQ(order(), "b c a ");
-}
-
-TEST_F(SimBarTest, DirectMovesFloatAnItemUntilItComesHome) {
-    auto divider = desktop.statusBar.statusItem(10000);
-    desktop.loop.runFor(1);
-    auto moved = [&](const std::string& label, Point to) {
-        EXPECT_TRUE(desktop.windowServer.moveWindow(window(label), to));
-        desktop.loop.runFor(1);
-        return x(label);
-    };
-    EXPECT_EQ(moved("a", {500, 0}), 500);
-    EXPECT_EQ(moved("a", {-10, 0}), 0) << "kept on the bar";
-    EXPECT_EQ(moved("a", {1160, 0}), 1200) << "close to its slot";
-    moved("a", {500, 0});
-    EXPECT_EQ(moved("a", {500, 3000}), 1200) << "off the bar";
-    moved("a", {500, 0});
-    divider->setLength(0);
-    desktop.loop.runFor(1);
-    EXPECT_EQ(x("a"), 1200);
-    EXPECT_FALSE(desktop.windowServer.moveWindow(*divider->button()->windowNumber(), {5, 0}));
 }
 
 TEST_F(SimBarTest, EventsGoToWhoTheyAreFor) {
