@@ -1,9 +1,12 @@
+#include <unistd.h>
+
 #include <cstdio>
 #include <string>
 #include <string_view>
 
 #include "entry/NevoApp.h"
 #include "platform/x11/BarLauncher.h"
+#include "platform/x11/DesktopNotice.h"
 #include "platform/x11/ManagerSelection.h"
 #include "platform/x11/ProgramName.h"
 #include "platform/x11/X11Desktop.h"
@@ -25,6 +28,12 @@ int fail(int status, const std::string& sentence) {
     return status;
 }
 
+/// On a display, where a user may have started it without a terminal to read in.
+int failOnDisplay(const std::string& sentence) {
+    if (isatty(STDERR_FILENO) == 0) nevo::showDesktopNotice(sentence);
+    return fail(exitFailure, sentence);
+}
+
 }  // namespace
 
 int main(int argc, char** argv) {
@@ -40,11 +49,11 @@ int main(int argc, char** argv) {
     if (!connection) return fail(exitFailure, failure);
     nevo::XServer server(std::move(connection));
     if (auto other = nevo::claimManagerSelection(server)) {
-        return fail(exitFailure, "Nevo is already running on this display (process " +
-                                     std::to_string(*other) + ").");
+        return failOnDisplay("Nevo is already running on this display (process " +
+                             std::to_string(*other) + ").");
     }
     failure = nevo::ensureBar(server);
-    if (!failure.empty()) return fail(exitFailure, failure);
+    if (!failure.empty()) return failOnDisplay(failure);
 
     nevo::X11Desktop desktop(server, argc, argv);
     nevo::NevoApp app(desktop.platform());
