@@ -30,8 +30,9 @@ int fail(int status, const std::string& sentence) {
 
 /// On a display, where a user may have started it without a terminal to read in.
 int failOnDisplay(const std::string& sentence) {
+    fail(exitFailure, sentence);
     if (isatty(STDERR_FILENO) == 0) nevo::showDesktopNotice(sentence);
-    return fail(exitFailure, sentence);
+    return exitFailure;
 }
 
 }  // namespace

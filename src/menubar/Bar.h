@@ -46,6 +46,13 @@ private:
     using Clock = std::chrono::steady_clock;
     using Deadline = std::optional<Clock::time_point>;
 
+    /// Where the pointer was, in root coordinates, and when.
+    struct Click {
+        int x = 0;
+        int y = 0;
+        Clock::time_point time;
+    };
+
     /// An item in the hand, from the press to the release.
     struct Drag {
         MenuBarRow::Key item = 0;
@@ -151,7 +158,7 @@ private:
     void onFacePress(BarItem& item, const xcb_button_press_event_t& event);
     void onFaceRelease(BarItem& item, const xcb_button_release_event_t& event);
     void lookForIconsAnew(const statusnotifier::ItemProperties& properties);
-    void openMenu(BarItem& item, int x, int y);
+    void openMenu(BarItem& item, const Click& click);
     void onMenuEnded();
 
     // BarToolTip.cpp
@@ -182,14 +189,8 @@ private:
     std::unique_ptr<HelperProcess> menuHelper;
     bool menuFailureLogged = false;
     /// What it was started for.
-    struct MenuRequest {
-        MenuBarRow::Key item = 0;
-        /// Where the pointer was, in root coordinates.
-        int x = 0;
-        int y = 0;
-        Clock::time_point time;
-    };
-    MenuRequest menuRequest;
+    MenuBarRow::Key menuItem = 0;
+    Click menuClick;
     /// A button that went down on an item of the bus, and counts when it comes up there.
     struct FacePress {
         MenuBarRow::Key item = 0;

@@ -251,7 +251,7 @@ void Bar::onFacePress(BarItem& item, const xcb_button_press_event_t& event) {
     if (properties.menu.empty()) {
         notifier.contextMenu(event.root_x, event.root_y);
     } else {
-        openMenu(item, event.root_x, event.root_y);
+        openMenu(item, {event.root_x, event.root_y, Clock::now()});
     }
 }
 
@@ -265,19 +265,18 @@ void Bar::onFaceRelease(BarItem& item, const xcb_button_release_event_t& event) 
     if (!isInside || press.item != item.key || press.button != event.detail) return;
     if (event.detail == middle) notifier.secondaryActivate(event.root_x, event.root_y);
     if (event.detail != left || notifier.properties().itemIsMenu) return;
-    auto clicked = Clock::now();
-    notifier.activate(
-        event.root_x, event.root_y, [this, &notifier, clicked, x = event.root_x, y = event.root_y] {
-            // A program that hung says so late; its menu would take the pointer from somebody who
-            // has gone on to other things.
-            if (Clock::now() - clicked > patienceOfClick) return;
-            BarItem* held = withNotifier(notifier);
-            if (held != nullptr && held->isInRow && !notifier.properties().menu.empty())
-                openMenu(*held, x, y);
-        });
+    Click click{event.root_x, event.root_y, Clock::now()};
+    notifier.activate(event.root_x, event.root_y, [this, &notifier, click] {
+        // A program that hung says so late; its menu would take the pointer from somebody who
+        // has gone on to other things.
+        if (Clock::now() - click.time > patienceOfClick) return;
+        BarItem* held = withNotifier(notifier);
+        if (held != nullptr && held->isInRow && !notifier.properties().menu.empty())
+            openMenu(*held, click);
+    });
 }
 
-void Bar::openMenu(BarItem& item, int x, int y) {
+void Bar::openMenu(BarItem& item, const Click& click) {
     const PixelRect& bar = windows.front()->rect();
     const PixelRect& frame = item.frame->rect();
     const auto& notifier = *item.notifier;
@@ -288,7 +287,8 @@ void Bar::openMenu(BarItem& item, int x, int y) {
                               std::to_string(frame.width), std::to_string(bar.height)},
                              false, failure);
     if (!menuHelper && !std::exchange(menuFailureLogged, true)) logLine(failure);
-    menuRequest = {item.key, x, y, Clock::now()};
+    menuItem = item.key;
+    menuClick = click;
 }
 
 /// Where a program says that it has a menu there may be none, and yet the program shows one of its
@@ -297,10 +297,10 @@ void Bar::onMenuEnded() {
     auto status = menuHelper->takeStatus();
     menuHelper.reset();
     bool hasShownNothing = status == helperShowedNothing;
-    if (!hasShownNothing || Clock::now() - menuRequest.time > patienceOfClick) return;
-    BarItem* item = items.withKey(menuRequest.item);
+    if (!hasShownNothing || Clock::now() - menuClick.time > patienceOfClick) return;
+    BarItem* item = items.withKey(menuItem);
     if (item == nullptr || !item->isInRow) return;
-    item->notifier->contextMenu(menuRequest.x, menuRequest.y);
+    item->notifier->contextMenu(menuClick.x, menuClick.y);
 }
 
 }  // namespace nevo::menubar

@@ -55,7 +55,9 @@ void Bar::moveItem(BarItem& item, int x, int y, xcb_window_t lease) {
     if (item.isStatusItem()) return;
     const PixelRect monitorBar = windows.front()->rect();
     const PixelRect monitor{monitorBar.x, monitorBar.y, monitorBar.width, monitorHeight};
-    bool isOutside = !monitor.contains(x + item.slot.width / 2, y);
+    // Clients may send any number: first what an addition would carry over the largest.
+    bool isOutside =
+        x >= monitor.x + monitor.width || !monitor.contains(x + item.slot.width / 2, y);
     if (isOutside || std::abs(x - item.slot.x) <= slotReach) return endFloat(item);
     item.floatX = x;
     item.floatLease = lease;

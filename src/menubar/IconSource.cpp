@@ -23,6 +23,11 @@ namespace {
 constexpr auto patience = 5s;
 /// How long a helper that has nothing to do stays for more.
 constexpr auto idleTime = 3s;
+/// After a picture that was looked for once more: its program may draw it all the time, and the
+/// start of a helper costs more than its staying.
+constexpr auto idleTimeOfRepetition = 60s;
+/// How much longer than a look at one picture takes it isn't looked at again.
+constexpr int restAfterLook = 10;
 /// A program that draws its icon under ever new names must not fill the memory.
 constexpr std::size_t mostKnown = 300;
 constexpr std::size_t longestHeader = 64;
@@ -49,21 +54,32 @@ const Picture* IconSource::find(const Name& name) {
         if (!canBeAsked) found->second.picture.emplace();
     }
     Entry& entry = found->second;
-    bool isGood = entry.picture && !entry.isOutdated && Clock::now() < entry.goodUntil;
-    if (!isGood) await(name, entry);
+    if (!entry.picture || Clock::now() >= entry.goodUntil) await(name, entry);
     return entry.picture ? &*entry.picture : nullptr;
 }
 
 void IconSource::lookAnew(const Name& name) {
     bool isThemes = name.themePath.empty() && !name.name.starts_with('/');
     auto found = known.find(name);
-    if (found != known.end() && !isThemes) found->second.isOutdated = true;
+    // What has ended the helper time and again would do so for ever.
+    if (found == known.end() || isThemes || found->second.failures >= mostFailures) return;
+    outdated.insert(name);
+}
+
+void IconSource::lookForOutdated() {
+    auto now = Clock::now();
+    std::erase_if(outdated, [&](const Name& name) {
+        auto found = known.find(name);
+        if (found == known.end()) return true;
+        Entry& entry = found->second;
+        if (entry.isAwaited || now < entry.rest) return false;
+        await(name, entry);
+        return true;
+    });
 }
 
 void IconSource::await(const Name& name, Entry& entry) {
-    if (std::exchange(entry.isAwaited, true)) return;
-    entry.isOutdated = false;
-    waiting.push_back(name);
+    if (!std::exchange(entry.isAwaited, true)) waiting.push_back(name);
 }
 
 void IconSource::forgetUnused() {
@@ -99,6 +115,7 @@ bool IconSource::startHelper() {
 
 void IconSource::process() {
     HelperProcess::reap();
+    lookForOutdated();
     if (!current && Clock::now() >= nextStart) askNext();
     if (helper) send();
     bool isAlive = !helper || receive();
@@ -114,7 +131,8 @@ void IconSource::askNext() {
     current = std::move(queue->front());
     queue->pop_front();
     toSend = fmt::format("1 {}\t{}\t{}\n", current->side, current->themePath, current->name);
-    due = Clock::now() + patience;
+    asked = Clock::now();
+    due = asked + patience;
 }
 
 void IconSource::send() {
@@ -158,7 +176,11 @@ bool IconSource::takeAnswer() {
     if (received.size() < end + 1 + size) return false;
     std::memcpy(picture.pixels.data(), received.data() + end + 1, size);
     received.erase(0, end + 1 + size);
-    due = Clock::now() + idleTime;
+    auto now = Clock::now();
+    Entry& entry = known[*current];
+    due = now + (entry.picture ? idleTimeOfRepetition : idleTime);
+    entry.failures = 0;
+    entry.rest = now + restAfterLook * (now - asked);
     // Some programs write the file only after they have named it.
     bool mayComeLater = picture.isEmpty();
     settle(*std::exchange(current, std::nullopt), std::move(picture), mayComeLater);
@@ -173,11 +195,10 @@ void IconSource::settle(const Name& name, Picture picture, bool mayComeLater) {
     bool isNews = !isLost && entry.picture != picture;
     if (isNews) entry.picture = std::move(picture);
     entry.isAwaited = false;
-    entry.failures = 0;
     entry.goodUntil = mayComeLater ? Clock::now() + entry.pause : Clock::time_point::max();
     entry.pause = mayComeLater ? std::min<std::chrono::seconds>(2 * entry.pause, longestPause)
                                : shortestPause;
-    if (isNews || entry.isOutdated) changed(name);
+    if (isNews) changed(name);
 }
 
 /// The helper has ended, hangs, has spoken nonsense, or has nothing to do.
@@ -204,7 +225,13 @@ void IconSource::appendTo(std::vector<pollfd>& descriptors) const {
 
 std::optional<IconSource::Clock::time_point> IconSource::deadline() const {
     if (!current && (!waiting.empty() || !failed.empty())) return std::max(Clock::now(), nextStart);
-    return helper ? std::optional(due) : std::nullopt;
+    auto next = helper ? std::optional(due) : std::nullopt;
+    for (const Name& name : outdated) {
+        auto found = known.find(name);
+        if (found == known.end() || found->second.isAwaited) continue;
+        next = std::min(next.value_or(found->second.rest), found->second.rest);
+    }
+    return next;
 }
 
 }  // namespace nevo::menubar

@@ -8,6 +8,7 @@
 #include <map>
 #include <memory>
 #include <optional>
+#include <set>
 #include <string>
 #include <vector>
 
@@ -33,13 +34,13 @@ public:
     };
 
     /// The picture, when it is known; an empty one when there is none of that name, which is looked
-    /// for again when it is asked for later. Nullptr while it is being looked for: `changed` tells
-    /// of its coming, at a later `process`.
+    /// for again when it is asked for later. Nullptr while it is being looked for for the first
+    /// time: `changed` tells of its coming, at a later `process`.
     const statusnotifier::Picture* find(const Name& name);
     std::function<void(const Name&)> changed;
-    /// Looks for a picture once more when it is asked for the next time, unless it is one of the
-    /// theme's: its file may have other contents now. Where there is none any more, or half of one,
-    /// the last picture stays.
+    /// Looks for a known picture once more, unless it is one of the theme's: its file may have
+    /// other contents now. Where there is none any more, or half of one, the last picture stays.
+    /// However often this is asked for, it takes a small part of the helper's time.
     void lookAnew(const Name& name);
     /// Whether a name is in use; others may be forgotten, and aren't looked for.
     std::function<bool(const Name&)> isInUse;
@@ -59,13 +60,14 @@ private:
         std::chrono::seconds pause = shortestPause;
         /// It is `current` or in one of the queues.
         bool isAwaited = false;
-        /// To be looked for once more, after the search that may be under way.
-        bool isOutdated = false;
-        /// How often the helper has ended or hung over it.
+        /// How often in a row the helper has ended or hung over it.
         int failures = 0;
+        /// Not to be looked for anew before.
+        Clock::time_point rest;
     };
 
     void await(const Name& name, Entry& entry);
+    void lookForOutdated();
     void forgetUnused();
     std::deque<Name>* nextQueue();
     void askNext();
@@ -80,6 +82,8 @@ private:
     std::deque<Name> waiting;
     /// To be tried again when no other waits.
     std::deque<Name> failed;
+    /// To be looked for once more, when what is under way for them is over.
+    std::set<Name> outdated;
     std::unique_ptr<HelperProcess> helper;
     /// Of a helper that couldn't be started.
     Clock::time_point nextStart;
@@ -88,6 +92,7 @@ private:
     std::string toSend;
     std::string received;
     Clock::time_point due;
+    Clock::time_point asked;
 };
 
 }  // namespace nevo::menubar

@@ -104,22 +104,24 @@ int run(const QDBusConnection& bus, const MenuPlace& place) {
     MenuSource source(bus, QString::fromStdString(place.service),
                       QString::fromStdString(place.path));
     MenuView menu(source, 0, nullptr);
+    bool wasShown = false;
     // The choice is told of after the menu has closed.
     QObject::connect(
         &menu, &QMenu::aboutToHide, &menu,
         [&source] { source.whenAllIsTold([] { QCoreApplication::exit(0); }); },
         Qt::QueuedConnection);
-    QObject::connect(&source, &MenuSource::gone, &menu, [&menu] {
+    QObject::connect(&source, &MenuSource::gone, &menu, [&] {
         if (menu.isVisible()) {
             menu.close();
         } else {
-            QCoreApplication::exit(exitNothingShown);
+            QCoreApplication::exit(wasShown ? 0 : exitNothingShown);
         }
     });
     menu.load([&] {
         if (menu.isEmpty()) {
             QCoreApplication::exit(exitNothingShown);
         } else {
+            wasShown = true;
             popUp(menu, place);
         }
     });

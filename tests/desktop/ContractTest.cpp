@@ -155,7 +155,7 @@ TYPED_TEST(Contract, aMoveFloatsAnotherProgramsItemUntilItComesNearItsSlot) {
     EXPECT_EQ(this->listed(), before);
     EXPECT_TRUE(this->windows().moveWindow(window, {this->left.x - 30, this->left.y}));
     EXPECT_TRUE(this->soon(isBack));
-    // Half beyond the bar's end it is kept on the bar, and off the screen it goes back.
+    // Partly beyond the bar's end it is kept on the bar, and off the screen it goes back.
     EXPECT_TRUE(this->windows().moveWindow(window, {-10, this->left.y}));
     EXPECT_TRUE(this->soon([&] { return this->frame("left").x == 0; }));
     this->windows().moveWindow(window, {away.x, 3000});

@@ -4,6 +4,7 @@
 #include <QDBusMessage>
 #include <QDBusVirtualObject>
 #include <QVariantMap>
+#include <cstdint>
 #include <set>
 #include <string>
 #include <vector>

@@ -1,6 +1,7 @@
 // The shortcut that works whichever program is in front.
 
 #include "desktop/ContractSessions.h"
+#include "desktop/NevoSession.h"
 #include "desktop/TestClients.h"
 #include "platform/x11/X11HotKeys.h"
 
@@ -176,6 +177,18 @@ TEST_F(HotKey, aRegistrationMayOutliveTheDesktop) {
     EXPECT_TRUE(holdsSoon([&] { return grab(hand->codeOf('b'), plain); }));
     handler.registration.reset();
     key.registration.reset();
+}
+
+class Shortcut : public NevoSession {};
+
+TEST_F(Shortcut, thatAnotherProgramHasIsReportedAndTheClickStillWorks) {
+    auto c = server->get();
+    auto asked = xcb_grab_key_checked(c, 0, server->root(), XCB_MOD_MASK_4 | XCB_MOD_MASK_SHIFT,
+                                      hand->codeOf('b'), XCB_GRAB_MODE_ASYNC, XCB_GRAB_MODE_ASYNC);
+    ASSERT_TRUE(xcb::succeeded(c, asked));
+    startAll();
+    toggle(names());
+    EXPECT_NE(nevo().output().find("Super+Shift+B belongs to another program"), std::string::npos);
 }
 
 }  // namespace

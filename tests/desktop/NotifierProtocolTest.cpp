@@ -49,10 +49,23 @@ protected:
         await(fmt::format("it is {:06x}", color),
               [&] { return (screenshot().pixels(spot).at(0) & 0xffffffU) == color; });
     }
-    QString paint(const char* color) {
+    /// Until the program is asked for its menu, which on a busy machine isn't shown any more so
+    /// long after a click.
+    void expectMenuAfterClick(int button) {
+        waitFor("it is asked for its menu", [&] {
+            hand->click(middle(), button);
+            return holdsWithin(std::chrono::seconds(5), [this] {
+                QCoreApplication::processEvents();
+                return !program->calls.empty();
+            });
+        });
+        for (const std::string& call : program->calls) EXPECT_EQ(call, at("ContextMenu"));
+        program->calls.clear();
+    }
+    QString paint(const char* name, const char* color) {
         QImage image(22, 22, QImage::Format_ARGB32);
         image.fill(QColor(color));
-        QString file = QString::fromStdString((folder / "icon.png").string());
+        QString file = QString::fromStdString((folder / name).string());
         EXPECT_TRUE(image.save(file));
         return file;
     }
@@ -74,32 +87,37 @@ TEST_F(NotifierProtocol, clicksAndTheWheelReachTheProgram) {
 
     // A menu that isn't there, for a click as for the right button.
     offer({{"Menu", "/NoSuchMenu"}}, {"Activate"});
-    hand->click(middle());
-    expectCalls({at("ContextMenu")});
-    hand->click(middle(), 3);
-    expectCalls({at("ContextMenu")});
+    expectMenuAfterClick(1);
+    expectMenuAfterClick(3);
 }
 
 TEST_F(NotifierProtocol, picturesFollowWhatTheProgramSays) {
     startBar();
     QVariant blue = FakeNotifier::pixmap(0x0000ff);
-    offer({{"IconName", paint("#ff0000")}, {"IconPixmap", blue}, {"AttentionIconPixmap", blue}});
-    expectColor(0xff0000);
-    // The file has other contents, then none.
-    paint("#00ff00");
+    paint("overlay.png", "#ffff00");
+    offer({{"IconName", paint("icon.png", "#ff0000")},
+           {"IconPixmap", blue},
+           {"IconThemePath", QString::fromStdString(folder.string())},
+           {"OverlayIconName", "overlay"},
+           {"AttentionIconPixmap", blue}});
+    expectColor(0xff0000, -6);
+    expectColor(0xffff00, 6);
+    paint("icon.png", "#00ff00");
     program->say("NewIcon");
-    expectColor(0x00ff00);
+    expectColor(0x00ff00, -6);
+    // The one file goes, and then the other has new contents, for which the bar looks after it.
     std::filesystem::remove(folder / "icon.png");
     program->say("NewIcon");
-    change("OverlayIconPixmap", FakeNotifier::pixmap(0xffff00), "NewOverlayIcon");
-    expectColor(0xffff00, 6);
+    paint("overlay.png", "#ff00ff");
+    program->say("NewOverlayIcon");
+    expectColor(0xff00ff, 6);
     expectColor(0x00ff00, -6);
     change("IconName", "", "NewIcon");
     expectColor(0x0000ff, -6);
 
-    change("AttentionIconPixmap", FakeNotifier::pixmap(0xff00ff), "NewAttentionIcon");
+    change("AttentionIconPixmap", FakeNotifier::pixmap(0xff8000), "NewAttentionIcon");
     change("Status", "NeedsAttention", "NewStatus");
-    expectColor(0xff00ff, -6);
+    expectColor(0xff8000, -6);
     change("Status", "Passive", "NewStatus");
     await("it has nothing to show", [this] { return items().empty(); });
     change("Status", "Active", "NewStatus");

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <csignal>
+#include <filesystem>
 #include <memory>
 #include <string>
 

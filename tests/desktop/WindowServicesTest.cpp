@@ -61,6 +61,7 @@ TEST_F(WindowServices, aQuestionIsAnsweredByItsButtonsOrByGoingAway) {
     EXPECT_EQ(byDefault.button, 0U);
     EXPECT_FALSE(byDefault.suppresses);
     auto byEscape = ask(alert, [&](QMessageBox& box) {
+        box.checkBox()->setChecked(false);
         box.checkBox()->setFocus();
         hand->press(spaceKey);
         hand->press(escapeKey);

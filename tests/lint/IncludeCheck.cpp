@@ -25,7 +25,7 @@ const std::vector<Layer>& layers() {
         {"platform/sim", {"platform", "platform/menubar"}, {"fmt"}},
         {"platform/x11",
          {"platform", "platform/menubar", "platform/store", "platform/xcb"},
-         {"qt", "xcb", "fmt", "posix"}},
+         {"qt", "xcb", "systemd", "fmt", "posix"}},
         {"platform", {}, {}},
         {"statusnotifier", {"platform"}, {"systemd", "fmt", "posix"}},
         {"menubar",
