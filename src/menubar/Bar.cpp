@@ -26,9 +26,6 @@ constexpr auto workInterval = 16ms;
 /// What was left undone in quiet times may be done at once: a program that docks takes several
 /// passes, one for each of its steps.
 constexpr auto workCredit = 8 * workInterval;
-/// Programs that dock again by themselves after a bar's end have done so by then; what is still on
-/// the root window has nobody else.
-constexpr auto adoptionDelay = 500ms;
 /// Finding a font takes milliseconds, and items are waited for more than the clock is.
 constexpr auto firstClockDelay = 100ms;
 constexpr auto raiseInterval = 250ms;

@@ -43,6 +43,9 @@ public:
 private:
     /// Withdrawn ones included.
     static constexpr std::size_t mostItems = 500;
+    /// Programs that dock again by themselves after a bar's end have done so by then; what is still
+    /// outside has nobody else.
+    static constexpr std::chrono::milliseconds adoptionDelay{500};
     using Clock = std::chrono::steady_clock;
     using Deadline = std::optional<Clock::time_point>;
 

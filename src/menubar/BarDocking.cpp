@@ -47,7 +47,12 @@ void Bar::dock(xcb_window_t client, bool adopted) {
     if (!form) return;
     auto frame = ItemFrame::create(display, windows.front()->window(), form->depth, form->visual,
                                    options.height, BarWindow::groundPixel);
-    if (!frame || !putIntoFrame(display, client, frame->window(), options.height)) return;
+    if (!frame) return;
+    if (!putIntoFrame(display, client, frame->window(), options.height)) {
+        // Gone meanwhile, or taken by a window manager.
+        adoptionDue = Clock::now() + adoptionDelay;
+        return;
+    }
 
     auto made = std::make_unique<BarItem>();
     made->frame = std::move(frame);
@@ -64,7 +69,7 @@ void Bar::dock(xcb_window_t client, bool adopted) {
     announceEmbedded(display, client, item.frame->window(), item.xembed.version);
     xcb::writeNumber(display.get(), item.frame->window(), display.atom(barprotocol::itemOpacity),
                      item.opacity);
-    if (adopted) log("took in an item of {} that an earlier tray had left.", item.applicationId);
+    if (adopted) log("took in an item of {} that stood outside.", item.applicationId);
 }
 
 /// A program that was too slow to dock again before its old window was adopted has two now.

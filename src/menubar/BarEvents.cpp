@@ -154,7 +154,11 @@ void Bar::onWindowGone(xcb_window_t window) {
 
 void Bar::onReparented(const xcb_reparent_notify_event_t& event) {
     BarItem* item = items.withClient(event.window);
-    if (item != nullptr && event.parent != item->frame->window()) removeItem(*item, false);
+    if (item == nullptr || event.parent == item->frame->window()) return;
+    removeItem(*item, false);
+    // A window manager that saw it shown before it was in our frame puts a frame of its own around
+    // it, and lets go of it when it is taken in again.
+    if (event.parent != display.root()) adoptionDue = Clock::now() + adoptionDelay;
 }
 
 /// A client without `_XEMBED_INFO` shows and hides itself by mapping.
