@@ -157,6 +157,7 @@ Bar::Deadline Bar::nextDeadline() const {
     if (monitorsDue) consider(*monitorsDue);
     if (clockDue) consider(*clockDue);
     if (adoptionDue) consider(*adoptionDue);
+    if (takeBackDue) consider(*takeBackDue);
     if (toolTipDue) consider(*toolTipDue);
     if (auto time = notifiers->deadline()) consider(*time);
     if (auto time = icons->deadline()) consider(*time);
@@ -181,6 +182,10 @@ void Bar::work() {
     if (adoptionDue && now >= *adoptionDue) {
         adoptionDue.reset();
         adoptStranded();
+    }
+    if (takeBackDue && now >= *takeBackDue) {
+        takeBackDue.reset();
+        takeBack();
     }
     if (isCovered && now >= nextRaise) {
         isCovered = false;

@@ -4,6 +4,7 @@
 #include <deque>
 #include <memory>
 #include <optional>
+#include <set>
 #include <string>
 #include <vector>
 
@@ -109,6 +110,8 @@ private:
     void dock(xcb_window_t client, bool adopted);
     void dropAdoptedTwin(const BarItem& newcomer);
     void adoptStranded();
+    void takeBackSoon(xcb_window_t client);
+    void takeBack();
     void identify(BarItem& item);
     void nameItem(BarItem& item, const std::string& ownName);
     void refresh(BarItem& item);
@@ -232,6 +235,9 @@ private:
     Deadline monitorsDue;
     Deadline clockDue;
     Deadline adoptionDue;
+    /// Clients that somebody has put into another window than ours.
+    std::set<xcb_window_t> taken;
+    Deadline takeBackDue;
     xcb::Reply<xcb_generic_event_t> heldEvent;
     int signalDescriptor = -1;
     int minuteDescriptor = -1;

@@ -48,11 +48,8 @@ void Bar::dock(xcb_window_t client, bool adopted) {
     auto frame = ItemFrame::create(display, windows.front()->window(), form->depth, form->visual,
                                    options.height, BarWindow::groundPixel);
     if (!frame) return;
-    if (!putIntoFrame(display, client, frame->window(), options.height)) {
-        // Gone meanwhile, or taken by a window manager.
-        adoptionDue = Clock::now() + adoptionDelay;
-        return;
-    }
+    if (!putIntoFrame(display, client, frame->window(), options.height))
+        return takeBackSoon(client);
 
     auto made = std::make_unique<BarItem>();
     made->frame = std::move(frame);
@@ -69,7 +66,7 @@ void Bar::dock(xcb_window_t client, bool adopted) {
     announceEmbedded(display, client, item.frame->window(), item.xembed.version);
     xcb::writeNumber(display.get(), item.frame->window(), display.atom(barprotocol::itemOpacity),
                      item.opacity);
-    if (adopted) log("took in an item of {} that stood outside.", item.applicationId);
+    if (adopted) log("took in an item of {} that an earlier tray had left.", item.applicationId);
 }
 
 /// A program that was too slow to dock again before its old window was adopted has two now.
@@ -94,6 +91,22 @@ void Bar::adoptStranded() {
                              return item->pid == pid && !item->isAdopted && !item->face;
                          });
         if (!hasDocked) requestDock(window, true);
+    }
+}
+
+/// A window manager that has seen it shown before it was in our frame puts a frame of its own
+/// around it, after us, and lets go of it when it is taken in again.
+void Bar::takeBackSoon(xcb_window_t client) {
+    taken.insert(client);
+    takeBackDue = Clock::now() + adoptionDelay;
+}
+
+/// Only what is managed like any window: what another program has put into a window of its own is
+/// there by somebody's will.
+void Bar::takeBack() {
+    auto wanted = std::exchange(taken, {});
+    for (xcb_window_t window : strandedClients(display)) {
+        if (wanted.contains(window)) requestDock(window, false);
     }
 }
 

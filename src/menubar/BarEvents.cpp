@@ -156,9 +156,7 @@ void Bar::onReparented(const xcb_reparent_notify_event_t& event) {
     BarItem* item = items.withClient(event.window);
     if (item == nullptr || event.parent == item->frame->window()) return;
     removeItem(*item, false);
-    // A window manager that saw it shown before it was in our frame puts a frame of its own around
-    // it, and lets go of it when it is taken in again.
-    if (event.parent != display.root()) adoptionDue = Clock::now() + adoptionDelay;
+    if (event.parent != display.root()) takeBackSoon(event.window);
 }
 
 /// A client without `_XEMBED_INFO` shows and hides itself by mapping.

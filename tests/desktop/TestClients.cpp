@@ -34,11 +34,12 @@ constexpr const char* traySelection = "_NET_SYSTEM_TRAY_S0";
 
 }  // namespace
 
-Probe::Probe() : connection(connect()) {
+Probe::Probe(bool isShownFirst) : connection(connect()) {
     auto c = connection->get();
     xcb::Atoms atoms(c, {});
     iconWindow = makeWindow(*connection, XCB_EVENT_MASK_BUTTON_PRESS);
     setShown(true);
+    if (isShownFirst) xcb_map_window(c, iconWindow);
     Reply<xcb_get_selection_owner_reply_t> owner(xcb_get_selection_owner_reply(
         c, xcb_get_selection_owner(c, atoms[traySelection]), nullptr));
     if (!owner || owner->owner == XCB_WINDOW_NONE) throw Failed("there is no tray to dock to");

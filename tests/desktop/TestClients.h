@@ -15,7 +15,8 @@ std::unique_ptr<xcb::Connection> connect();
 /// A well-behaved tray icon inside the test: docks, and counts the clicks that it gets.
 class Probe {
 public:
-    Probe();
+    /// With `isShownFirst` it is shown before it asks for a place.
+    explicit Probe(bool isShownFirst = false);
     xcb_window_t window() const { return iconWindow; }
     int clicks();
     /// Withdraws its icon, or shows it again.
