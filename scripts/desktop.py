@@ -120,6 +120,12 @@ class Desktop:
         time.sleep(0.3)  # what the last event started may still be painting
         self.run("import", "-silent", "-window", "root", str(self.output / f"{name}.png"))
 
+    def colours(self, x, y, width, height):
+        """How many colours a part of the screen shows."""
+        text = self.run("import", "-silent", "-window", "root", "-crop",
+                        f"{width}x{height}+{x}+{y}", "-format", "%k", "info:-")
+        return int(text or 0)
+
     def look(self, window):
         """What a window shows, as a short sum; empty when it has gone."""
         return self.run("import", "-silent", "-window", window, "-format", "%#", "info:-")
