@@ -24,7 +24,8 @@ int main(int argc, char** argv) {
         if (!report) logLine(failure);
         return report ? 0 : 1;
     }
-    auto host = display ? TrayHost::claim(*display, failure) : nullptr;
+    const std::vector<std::string> command(argv, argv + argc);
+    auto host = display ? TrayHost::claim(*display, command, failure) : nullptr;
     if (!host) {
         logLine(failure);
         return options ? 1 : 2;

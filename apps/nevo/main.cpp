@@ -35,6 +35,17 @@ int failOnDisplay(const std::string& sentence) {
     return exitFailure;
 }
 
+/// For a user who starts Nevo while process `other` is it: gives that one a bar where it has none.
+int standIn(const nevo::XServer& server, nevo::ProcessId other) {
+    std::string running =
+        "Nevo is already running on this display (process " + std::to_string(other) + ")";
+    if (nevo::trayIsTaken(server)) return failOnDisplay(running + ".");
+    auto failure = nevo::ensureBar(server);
+    if (!failure.empty()) return failOnDisplay(failure);
+    std::printf("%s; its menu bar was missing and has been started.\n", running.c_str());
+    return 0;
+}
+
 }  // namespace
 
 int main(int argc, char** argv) {
@@ -49,10 +60,7 @@ int main(int argc, char** argv) {
     auto connection = nevo::xcb::Connection::open(failure);
     if (!connection) return fail(exitFailure, failure);
     nevo::XServer server(std::move(connection));
-    if (auto other = nevo::claimManagerSelection(server)) {
-        return failOnDisplay("Nevo is already running on this display (process " +
-                             std::to_string(*other) + ").");
-    }
+    if (auto other = nevo::claimManagerSelection(server)) return standIn(server, *other);
     failure = nevo::ensureBar(server);
     if (!failure.empty()) return failOnDisplay(failure);
 

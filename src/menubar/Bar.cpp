@@ -74,6 +74,7 @@ Bar::~Bar() {
     // Their items go with the rest.
     notifiers->gone = [](statusnotifier::Item&) {};
     if (!display.server().isBroken()) {
+        host->announceEnd();
         for (BarItem* item : items.all()) removeItem(*item, true);
     }
     while (keeper.save()) {

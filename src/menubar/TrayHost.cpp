@@ -46,10 +46,12 @@ std::string describeOwner(const Display& display, xcb_window_t owner) {
 }
 }  // namespace
 
-std::unique_ptr<TrayHost> TrayHost::claim(const Display& display, std::string& failure) {
+std::unique_ptr<TrayHost> TrayHost::claim(const Display& display,
+                                          const std::vector<std::string>& command,
+                                          std::string& failure) {
     auto name = fmt::format("_NET_SYSTEM_TRAY_S{}", display.server().screenNumber());
     std::unique_ptr<TrayHost> host(new TrayHost(display, display.atom(name)));
-    host->createControlWindow();
+    host->createControlWindow(command);
     host->since = host->serverTime();
     if (host->takeSelection()) return host;
     failure = describeOwner(display, selectionOwner(display, host->selectionAtom));
@@ -59,7 +61,7 @@ std::unique_ptr<TrayHost> TrayHost::claim(const Display& display, std::string& f
 TrayHost::~TrayHost() { xcb_destroy_window(display.get(), window); }
 
 /// The properties must stand before the selection is owned: programs read them at that moment.
-void TrayHost::createControlWindow() {
+void TrayHost::createControlWindow(const std::vector<std::string>& command) {
     auto c = display.get();
     window = xcb_generate_id(c);
     std::array<std::uint32_t, 2> values{1, XCB_EVENT_MASK_PROPERTY_CHANGE};
@@ -78,6 +80,10 @@ void TrayHost::createControlWindow() {
                    "nevo-menubar");
     xcb::writeText(c, window, XCB_ATOM_WM_CLASS, XCB_ATOM_STRING,
                    std::string_view("nevo-menubar\0Nevo-menubar\0", 26));
+    // Each word ends with a null byte, as ICCCM has it.
+    std::string words;
+    for (const std::string& word : command) words.append(word).push_back('\0');
+    xcb::writeText(c, window, XCB_ATOM_WM_COMMAND, XCB_ATOM_STRING, words);
 }
 
 /// Looks and takes with the server grabbed: two bars started together can't both find it free.
@@ -117,6 +123,15 @@ void TrayHost::announce() {
     message.data.data32[2] = window;
     xcb_send_event(display.get(), 0, display.root(), XCB_EVENT_MASK_STRUCTURE_NOTIFY,
                    reinterpret_cast<const char*>(&message));
+}
+
+void TrayHost::announceEnd() {
+    auto c = display.get();
+    const std::uint32_t one = 1;
+    // Waits for the server, which drops what it hasn't read yet when the connection closes.
+    xcb::succeeded(c, xcb_change_property_checked(c, XCB_PROP_MODE_REPLACE, window,
+                                                  display.atom(barprotocol::ending),
+                                                  XCB_ATOM_CARDINAL, 32, 1, &one));
 }
 
 }  // namespace nevo::menubar

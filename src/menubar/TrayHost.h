@@ -2,6 +2,7 @@
 
 #include <memory>
 #include <string>
+#include <vector>
 
 #include "menubar/Display.h"
 
@@ -12,8 +13,11 @@ namespace nevo::menubar {
 class TrayHost {
 public:
     /// Takes the selection if nobody has it. Nullptr when another program has, with one plain
-    /// sentence in `failure` that names it.
-    static std::unique_ptr<TrayHost> claim(const Display& display, std::string& failure);
+    /// sentence in `failure` that names it. `command` is this program's command line, published for
+    /// whoever has to start another bar in its place.
+    static std::unique_ptr<TrayHost> claim(const Display& display,
+                                           const std::vector<std::string>& command,
+                                           std::string& failure);
     ~TrayHost();
     TrayHost(const TrayHost&) = delete;
     TrayHost& operator=(const TrayHost&) = delete;
@@ -22,10 +26,13 @@ public:
     xcb_atom_t selection() const { return selectionAtom; }
     /// Tells waiting programs that a tray is there. To be called when all is ready for them.
     void announce();
+    /// Publishes that the bar ends in order, so that nobody takes it for crashed and starts
+    /// another. Waits until the server has taken it in.
+    void announceEnd();
 
 private:
     TrayHost(const Display& x, xcb_atom_t trayAtom) : display(x), selectionAtom(trayAtom) {}
-    void createControlWindow();
+    void createControlWindow(const std::vector<std::string>& command);
     bool takeSelection();
     xcb_timestamp_t serverTime() const;
 

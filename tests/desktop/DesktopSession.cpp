@@ -136,8 +136,8 @@ std::unique_ptr<Process> DesktopSession::start(const std::string& command,
     return std::make_unique<Process>(wordsOf(command), settings, folder / "log" / logName);
 }
 
-Process& DesktopSession::startBar() {
-    barProcess = start(NEVO_BAR_PROGRAM, "nevo-menubar");
+Process& DesktopSession::startBar(const std::string& options) {
+    barProcess = start(NEVO_BAR_PROGRAM " " + options, "nevo-menubar");
     waitFor("the bar owns the tray", [this] { return barView->control() != 0; });
     return *barProcess;
 }
@@ -167,8 +167,8 @@ void DesktopSession::startWindowManager() {
     });
 }
 
-void DesktopSession::startDesktop() {
-    startBar();
+void DesktopSession::startDesktop(const std::string& barOptions) {
+    startBar(barOptions);
     Names commands{"volumeicon", "parcellite", "xfce4-clipman", "qlipper",
                    "qasmixer --tray --no-single"};
     for (const std::string& command : commands) startProgram(command);

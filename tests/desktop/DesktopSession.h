@@ -33,14 +33,14 @@ protected:
     void TearDown() override;
 
     // Programs.
-    Process& startBar();
+    Process& startBar(const std::string& options = {});
     Process& startNevo();
     /// A program of the distribution, by its command. Later on it goes by its first word.
     Process& startProgram(const std::string& command);
     /// A window manager, and waits until it is at work.
     void startWindowManager();
     /// Starts the bar and five tray programs, and waits until all stand in the bar.
-    void startDesktop();
+    void startDesktop(const std::string& barOptions = {});
     /// Ends it at once, and waits until it is gone.
     void kill(Process& program, int signal);
     /// Runs a program that can't go on, with settings on top of the session's: true when it ends

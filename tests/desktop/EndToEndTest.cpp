@@ -91,16 +91,17 @@ TEST_F(EndToEnd, aKilledManagerLeavesNothingHidden) {
     EXPECT_TRUE(becomesDense());
 }
 
-TEST_F(EndToEnd, aKilledBarCostsNoProgramItsItem) {
-    startAll();
+TEST_F(EndToEnd, aKilledBarIsReplacedAndCostsNoProgramItsItem) {
+    startDesktop("--height 32");
+    startUsing({});
     keepVisible(2);
     Names all = names();
     Names kept = namesRightOfToggle();
     toggle(kept);
     kill(bar(), SIGKILL);
-    startBar();
     waitForOnScreen(kept);
     waitFor("the hidden items are back too", [&] { return names() == all; });
+    EXPECT_EQ(barView->frame().height, 32);
     toggle(all);
     EXPECT_EQ(namesRightOfToggle(), kept);
     toggle(kept);
@@ -161,10 +162,17 @@ TEST_F(EndToEnd, refusesInPlainWordsWhatItCannotDo) {
     EXPECT_TRUE(refuses(NEVO_PROGRAM));
 }
 
-TEST_F(EndToEnd, aBarThatNevoHadToStartOutlivesIt) {
+TEST_F(EndToEnd, aBarThatNevoHadToStartOutlivesItAndIsReplacedUnlessItWasEnded) {
     startNevo();
-    startProgram("parcellite");
-    waitFor("a program has docked", [this] { return names() == Names{"parcellite"}; });
+    startProgram("qlipper");
+    auto rowStands = [this] { return names() == Names{"qlipper"} && items().size() > 1; };
+    waitFor("a program has docked", rowStands);
+    // The second time sooner than Nevo starts bars.
+    for (int i = 0; i < 2; ++i) {
+        auto killed = barView->pid();
+        ::kill(killed, SIGKILL);
+        waitFor("another bar has the row", [&] { return barView->pid() != killed && rowStands(); });
+    }
     auto barPid = barView->pid();
     kill(nevo(), SIGKILL);
     waitFor("Nevo's own items have gone", [this] { return items().size() == 1; });
@@ -174,6 +182,12 @@ TEST_F(EndToEnd, aBarThatNevoHadToStartOutlivesIt) {
     EXPECT_EQ(barView->pid(), barPid);
     ::kill(barPid, SIGTERM);
     waitFor("the bar has ended", [this] { return barView->control() == 0; });
+
+    // Nevo leaves it at that; whoever starts Nevo again has a bar.
+    Process second({NEVO_PROGRAM}, environment(), folder / "log/second");
+    EXPECT_EQ(second.waitForEnd(), 0) << second.output();
+    EXPECT_NE(second.output().find("is already running"), std::string::npos) << second.output();
+    waitFor("the row is back", rowStands);
 }
 
 TEST_F(EndToEnd, restingOnTheToggleShowsWhatIsHidden) {

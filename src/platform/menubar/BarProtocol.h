@@ -12,6 +12,9 @@ inline constexpr const char* version = "_NEVO_BAR_VERSION";
 inline constexpr std::uint32_t currentVersion = 1;
 /// CARDINAL on the control window: the process id of the bar.
 inline constexpr const char* barPid = "_NEVO_BAR_PID";
+/// CARDINAL on the control window of a bar that ends in order, written before anything is undone. A
+/// bar whose control window goes without it has crashed.
+inline constexpr const char* ending = "_NEVO_BAR_ENDING";
 /// WINDOW[] on the control window: the frames of all items, left to right. Rewritten after each
 /// layout, last.
 inline constexpr const char* items = "_NEVO_BAR_ITEMS";

@@ -3,7 +3,9 @@
 #include <algorithm>
 #include <chrono>
 #include <set>
+#include <sstream>
 #include <thread>
+#include <utility>
 
 #include "platform/menubar/BarProtocol.h"
 #include "platform/menubar/BarScale.h"
@@ -26,6 +28,15 @@ double asSigned(std::uint32_t value) {
 void select(XServer& server, xcb_window_t window) {
     const std::uint32_t mask = XCB_EVENT_MASK_PROPERTY_CHANGE | XCB_EVENT_MASK_STRUCTURE_NOTIFY;
     xcb_change_window_attributes(server.get(), window, XCB_CW_EVENT_MASK, &mask);
+}
+
+/// `command` is a WM_COMMAND: words that each end with a null byte, the program's name first.
+std::vector<std::string> optionsOf(const std::string& command) {
+    std::vector<std::string> words;
+    std::istringstream text(command);
+    for (std::string word; std::getline(text, word, '\0');) words.push_back(word);
+    if (!words.empty()) words.erase(words.begin());
+    return words;
 }
 }  // namespace
 
@@ -107,6 +118,7 @@ void BarClient::noteEarly(const xcb_generic_event_t& event) {
 void BarClient::noteProperty(const xcb_property_notify_event_t& event) {
     if (event.window == controlWindow) {
         barIsStale = true;
+        if (event.atom == server.atom(bar::ending)) endIsAnnounced = true;
         return;
     }
     auto item = known.find(event.window);
@@ -118,7 +130,10 @@ void BarClient::noteProperty(const xcb_property_notify_event_t& event) {
 }
 
 void BarClient::noteDestroyed(xcb_window_t window) {
-    if (window == controlWindow) detach();
+    if (window == controlWindow) {
+        crashIsNew = !endIsAnnounced;
+        detach();
+    }
     if (!known.contains(window)) return;
     forget(window);
     std::erase(order, window);
@@ -126,6 +141,7 @@ void BarClient::noteDestroyed(xcb_window_t window) {
 }
 
 void BarClient::act(const xcb_generic_event_t& event) {
+    if (std::exchange(crashIsNew, false) && crashed) crashed();
     if ((event.response_type & 0x7f) != XCB_CLIENT_MESSAGE) return;
     const auto& message = reinterpret_cast<const xcb_client_message_event_t&>(event);
     if (message.type != server.atom("MANAGER") ||
@@ -144,8 +160,11 @@ void BarClient::attach() {
     select(server, owner);
     // Another tray may have taken over: its items can't be managed.
     PropertyRead version(server.get(), owner, server.atom(bar::version));
+    PropertyRead command(server.get(), owner, XCB_ATOM_WM_COMMAND);
     if (version.number() != bar::currentVersion) return;
     controlWindow = owner;
+    barOptions = optionsOf(command.text().value_or(""));
+    endIsAnnounced = false;
     barIsStale = true;
 }
 

@@ -42,6 +42,12 @@ public:
 
     /// The window that takes requests; 0 while no bar runs.
     xcb_window_t control() const { return controlWindow; }
+    /// Looks for a bar by itself, for one that may have come without a word. Waits for the server.
+    void attach();
+    /// Whether the last bar ended in order, or is about to.
+    bool hasEnded() const { return endIsAnnounced; }
+    /// The options that the present bar, or the last one, was started with.
+    const std::vector<std::string>& options() const { return barOptions; }
 
     // Each brings what it tells up to date first.
     /// Left to right; good until the next question.
@@ -58,8 +64,11 @@ public:
     /// Reads the bar again until `holds` or 50 ms have gone by; the last answer of `holds`.
     bool waitUntil(const std::function<bool()>& holds);
 
-    /// Called at a turn of the loop: a bar is there to dock to.
+    // Called at a turn of the loop.
+    /// A bar is there to dock to.
     std::function<void()> appeared;
+    /// The bar is gone, and hadn't announced its end.
+    std::function<void()> crashed;
 
 private:
     struct Item {
@@ -73,7 +82,6 @@ private:
     void noteProperty(const xcb_property_notify_event_t& event);
     void noteDestroyed(xcb_window_t window);
     void act(const xcb_generic_event_t& event);
-    void attach();
     void detach();
     void refresh();
     void readBar();
@@ -90,8 +98,11 @@ private:
     std::map<xcb_window_t, Item> known;
     std::vector<xcb_window_t> order;
     std::vector<const BarItemInfo*> list;
+    std::vector<std::string> barOptions;
     bool barIsStale = true;
     bool anyItemIsStale = false;
+    bool endIsAnnounced = false;
+    bool crashIsNew = false;
 };
 
 }  // namespace nevo

@@ -8,6 +8,7 @@
 #include <chrono>
 #include <filesystem>
 #include <thread>
+#include <utility>
 
 #include "platform/menubar/BarProtocol.h"
 #include "platform/store/StateFolder.h"
@@ -36,7 +37,11 @@ int openBarLog() {
 }
 
 /// Starts a program that goes on when we and our terminal have gone.
-bool startDetached(const std::string& program) {
+bool startDetached(std::string program, std::vector<std::string> options) {
+    // All that needs memory comes before the fork: another thread may hold the heap's lock.
+    std::vector<char*> words{program.data()};
+    for (std::string& option : options) words.push_back(option.data());
+    words.push_back(nullptr);
     int log = openBarLog();
     pid_t child = fork();
     if (child == 0) {
@@ -47,7 +52,7 @@ bool startDetached(const std::string& program) {
         dup2(nothing, STDIN_FILENO);
         dup2(log, STDOUT_FILENO);
         dup2(log, STDERR_FILENO);
-        execl(program.c_str(), program.c_str(), nullptr);
+        execv(program.c_str(), words.data());
         _exit(127);
     }
     close(log);
@@ -56,15 +61,9 @@ bool startDetached(const std::string& program) {
 }
 
 std::string startBar(const XServer& server) {
-    std::error_code error;
-    auto self = std::filesystem::read_symlink("/proc/self/exe", error);
-    auto program = self.parent_path() / barProgram;
-    if (access(program.c_str(), X_OK) != 0) {
-        return fmt::format("No menu bar runs, and {} isn't installed beside nevo.", barProgram);
-    }
-    if (!startDetached(program.string())) return fmt::format("{} can't be started.", barProgram);
+    if (auto failure = launchBar({}); !failure.empty()) return failure;
     auto deadline = std::chrono::steady_clock::now() + startPatience;
-    while (server.selectionOwner(server.screenAtom("_NET_SYSTEM_TRAY")) == 0) {
+    while (!trayIsTaken(server)) {
         if (std::chrono::steady_clock::now() > deadline) {
             return fmt::format("{} was started, but no menu bar has come up.", barProgram);
         }
@@ -83,12 +82,26 @@ std::string nameOfOwner(const XServer& server, xcb_window_t owner) {
 
 }  // namespace
 
+bool trayIsTaken(const XServer& server) {
+    return server.selectionOwner(server.screenAtom("_NET_SYSTEM_TRAY")) != 0;
+}
+
+std::string launchBar(const std::vector<std::string>& options) {
+    std::error_code error;
+    auto self = std::filesystem::read_symlink("/proc/self/exe", error);
+    auto program = self.parent_path() / barProgram;
+    if (access(program.c_str(), X_OK) != 0) {
+        return fmt::format("No menu bar runs, and {} isn't installed beside nevo.", barProgram);
+    }
+    if (startDetached(program.string(), options)) return {};
+    return fmt::format("{} can't be started.", barProgram);
+}
+
 std::string ensureBar(const XServer& server) {
-    xcb_atom_t tray = server.screenAtom("_NET_SYSTEM_TRAY");
-    if (server.selectionOwner(tray) == 0) {
+    if (!trayIsTaken(server)) {
         if (auto failure = startBar(server); !failure.empty()) return failure;
     }
-    xcb_window_t owner = server.selectionOwner(tray);
+    xcb_window_t owner = server.selectionOwner(server.screenAtom("_NET_SYSTEM_TRAY"));
     xcb::PropertyRead version(server.get(), owner, server.atom(barprotocol::version));
     auto spoken = version.number();
     if (!spoken) {

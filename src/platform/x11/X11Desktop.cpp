@@ -4,6 +4,7 @@
 #include <QIcon>
 
 #include "platform/Task.h"
+#include "platform/x11/BarKeeper.h"
 #include "platform/x11/FrontApplication.h"
 #include "platform/x11/LoginSession.h"
 #include "platform/x11/ProgramName.h"
@@ -98,6 +99,7 @@ struct X11Desktop::Parts {
     X11LoginItem loginItem;
     NoUpdaters updaters;
     X11ChildProcesses childProcesses;
+    BarKeeper barKeeper;
 
     Parts(XServer& x, int& argc, char** argv)
         : server(watchingRoot(x)),
@@ -125,7 +127,8 @@ struct X11Desktop::Parts {
           menus(server, bar, images, compositor),
           popovers(server, bar, images, compositor),
           surfaceWindows(images, server, pump),
-          loginItem(application.bundlePath()) {
+          loginItem(application.bundlePath()),
+          barKeeper(server, bar, loop, log) {
         screens.setBar(&bar);
         workspace.frontPid = [this] { return frontApplication.pid(); };
     }
