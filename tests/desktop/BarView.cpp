@@ -4,7 +4,6 @@
 
 #include <algorithm>
 
-#include "desktop/TestClients.h"
 #include "platform/menubar/BarProtocol.h"
 #include "platform/xcb/Properties.h"
 
@@ -152,15 +151,6 @@ void BarView::setOpacity(const Item& item, double opacity, xcb_window_t lease) c
 void BarView::move(const Item& item, int x, int y, xcb_window_t lease) const {
     send(barprotocol::moveItem,
          {item.frame, static_cast<std::uint32_t>(x), static_cast<std::uint32_t>(y), lease});
-}
-
-LeaseHolder::LeaseHolder() : connection(connect()) {
-    view = std::make_unique<BarView>(*connection);
-    auto c = connection->get();
-    lease = xcb_generate_id(c);
-    xcb_create_window(c, 0, lease, connection->root(), 0, 0, 1, 1, 0, XCB_WINDOW_CLASS_INPUT_ONLY,
-                      XCB_COPY_FROM_PARENT, 0, nullptr);
-    connection->flush();
 }
 
 }  // namespace desktoptest

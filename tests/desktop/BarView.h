@@ -62,17 +62,4 @@ private:
     std::unique_ptr<xcb::Atoms> atoms;
 };
 
-/// Another program that asks the bar for something: its requests hold until it goes.
-class LeaseHolder {
-public:
-    LeaseHolder();
-    xcb_window_t window() const { return lease; }
-    BarView& bar() { return *view; }
-
-private:
-    std::unique_ptr<xcb::Connection> connection;
-    std::unique_ptr<BarView> view;
-    xcb_window_t lease = 0;
-};
-
 }  // namespace nevo::desktoptest

@@ -4,6 +4,7 @@
 #include <csignal>
 
 #include "desktop/ContractSessions.h"
+#include "desktop/TestClients.h"
 #include "platform/menubar/BarProtocol.h"
 
 namespace nevo::desktoptest {

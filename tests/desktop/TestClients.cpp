@@ -93,6 +93,15 @@ int Probe::clicks() {
     return clickCount;
 }
 
+LeaseHolder::LeaseHolder() : connection(connect()) {
+    view = std::make_unique<BarView>(*connection);
+    auto c = connection->get();
+    lease = xcb_generate_id(c);
+    xcb_create_window(c, 0, lease, connection->root(), 0, 0, 1, 1, 0, XCB_WINDOW_CLASS_INPUT_ONLY,
+                      XCB_COPY_FROM_PARENT, 0, nullptr);
+    connection->flush();
+}
+
 SelectionHolder::SelectionHolder(const char* selection) : connection(connect()) {
     auto c = connection->get();
     xcb::Atoms atoms(c, {});

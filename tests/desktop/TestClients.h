@@ -3,6 +3,7 @@
 #include <memory>
 #include <vector>
 
+#include "desktop/BarView.h"
 #include "platform/Geometry.h"
 #include "platform/xcb/Atoms.h"
 #include "platform/xcb/Connection.h"
@@ -33,6 +34,19 @@ private:
     std::unique_ptr<xcb::Connection> connection;
     xcb_window_t iconWindow = 0;
     int clickCount = 0;
+};
+
+/// Another program that asks the bar for something: its requests hold until it goes.
+class LeaseHolder {
+public:
+    LeaseHolder();
+    xcb_window_t window() const { return lease; }
+    BarView& bar() { return *view; }
+
+private:
+    std::unique_ptr<xcb::Connection> connection;
+    std::unique_ptr<BarView> view;
+    xcb_window_t lease = 0;
 };
 
 /// A program that owns a selection, for as long as it lives.
