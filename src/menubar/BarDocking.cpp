@@ -186,8 +186,8 @@ void Bar::setInRow(BarItem& item, bool inRow) {
     item.isInRow = inRow;
     if (inRow) {
         std::string otherName = item.name == unnamedItem ? item.ownerName : "";
-        keeper.add(
-            {item.key, item.applicationId, item.name, otherName, item.identity, item.length()});
+        keeper.add({item.key, item.applicationId, item.name, otherName, item.identity,
+                    item.length(), MenuBarRow::roleOf(item.isStatusItem(), item.name)});
         item.awaitsPlace = true;
         xcb_map_window(display.get(), item.client);
     } else {

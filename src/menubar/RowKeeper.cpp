@@ -6,7 +6,8 @@ void RowKeeper::add(const Arrival& arrival) {
     const Domain& domain = domains[arrival.key] = {arrival.domain, arrival.name, arrival.otherName};
     auto foreign = foreignPosition(domain);
     auto stored = foreign ? foreign : store.position(domain.domain, domain.name);
-    MenuBarRow::Item item{arrival.key, arrival.domain, arrival.identity, arrival.length, stored};
+    MenuBarRow::Item item{arrival.key,    arrival.domain, arrival.identity,
+                          arrival.length, stored,         arrival.role};
     if (foreign || !current.insertByOrder(item, store.order())) current.insert(item);
     acknowledge(domain);
 }

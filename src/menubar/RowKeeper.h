@@ -24,6 +24,7 @@ public:
         std::string otherName;
         std::string identity;
         double length = 0;
+        MenuBarRow::Role role = MenuBarRow::Role::ordinary;
     };
 
     RowKeeper(std::filesystem::path rowFile, double pixelsToPoint)

@@ -76,6 +76,10 @@ inline constexpr const char* statusItemName = "_NEVO_STATUS_ITEM_NAME";
 /// UTF8_STRING: the domain (application id) of the saved place.
 inline constexpr const char* statusItemAppId = "_NEVO_STATUS_ITEM_APP_ID";
 
+/// The names of the manager's status items that have a role in the row (`MenuBarRow::Role`).
+inline constexpr const char* keptInSightName = "Nevo_Toggle";
+inline constexpr const char* boundaryName = "Nevo_AlwaysHiddenDivider";
+
 /// The key under which an application's domain keeps an item's position, before the item's name.
 inline constexpr const char* preferredPositionPrefix = "NSStatusItem Preferred Position ";
 

@@ -2,15 +2,31 @@
 
 #include <algorithm>
 
+#include "platform/menubar/BarProtocol.h"
+
 namespace nevo {
 
 namespace {
 double uncollapsed(double length) { return length >= MenuBarRow::collapsedLength ? 0.0 : length; }
 }  // namespace
 
+MenuBarRow::Role MenuBarRow::roleOf(bool isNative, const std::string& name) {
+    if (!isNative) return Role::ordinary;
+    if (name == barprotocol::keptInSightName) return Role::keptInSight;
+    if (name == barprotocol::boundaryName) return Role::boundary;
+    return Role::native;
+}
+
 const MenuBarRow::Item* MenuBarRow::find(Key key) const {
     auto index = indexOf(key);
     return index ? &row[*index] : nullptr;
+}
+
+const MenuBarRow::Item* MenuBarRow::upBoundary() const {
+    auto found = std::find_if(row.begin(), row.end(), [](const Item& item) {
+        return item.role == Role::boundary && item.length >= collapsedLength;
+    });
+    return found == row.end() ? nullptr : &*found;
 }
 
 void MenuBarRow::insert(Item item) {

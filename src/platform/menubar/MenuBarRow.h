@@ -20,6 +20,21 @@ public:
     /// A handle of the caller's choosing, unique in the row.
     using Key = std::uint64_t;
 
+    /// What an item is to the row.
+    enum class Role {
+        /// Of any program.
+        ordinary,
+        /// A native status item (one that sets its own length), such as a divider: other items are
+        /// placed around it.
+        native,
+        /// The native item that must stay within reach of the pointer.
+        keptInSight,
+        /// The native item that divides the row while it is up, see `upBoundary`.
+        boundary,
+    };
+    /// By the names of BarProtocol.h, which are nothing special for an item that isn't native.
+    static Role roleOf(bool isNative, const std::string& name);
+
     struct Item {
         Key key = 0;
         /// The application whose stored values remember the item's position.
@@ -30,6 +45,7 @@ public:
         double length = 0;
         /// The position last read from or written to `domain`.
         std::optional<double> storedPosition;
+        Role role = Role::ordinary;
     };
 
     struct Slot {
@@ -47,6 +63,8 @@ public:
     /// Left to right.
     const std::vector<Item>& items() const { return row; }
     const Item* find(Key key) const;
+    /// The boundary, while it is up: in the row, and collapsed.
+    const Item* upBoundary() const;
 
     /// Inserts by `storedPosition`; without one, at the left end.
     void insert(Item item);

@@ -29,8 +29,9 @@ void SimBar::insert(Item item) {
 void SimBar::place(Item& item, bool newcomer) {
     std::optional<double> saved;
     if (!item.name.empty()) saved = defaults.readNumber(item.domain, positionKey(item.name));
-    MenuBarRow::Item slot{item.window, item.domain, identity(item), std::max(0.0, item.length),
-                          saved};
+    MenuBarRow::Item slot{item.window,    item.domain,
+                          identity(item), std::max(0.0, item.length),
+                          saved,          MenuBarRow::roleOf(item.own, item.name)};
     bool byOrder = newcomer && isUntouched(slot) && row.insertByOrder(slot, knownOrder);
     if (!byOrder) row.insert(slot);
     rememberOrder();
@@ -82,6 +83,7 @@ void SimBar::rename(WindowNumber window, const std::string& name) {
     if (inRow == nullptr) return;
     MenuBarRow::Item slot = *inRow;
     slot.identity = name;
+    slot.role = MenuBarRow::roleOf(item.own, name);
     slot.storedPosition = defaults.readNumber(item.domain, positionKey(name));
     std::vector<std::string> order;
     for (const MenuBarRow::Item& other : row.items()) {
