@@ -6,9 +6,10 @@ void RowKeeper::add(const Arrival& arrival) {
     const Domain& domain = domains[arrival.key] = {arrival.domain, arrival.name, arrival.otherName};
     auto foreign = foreignPosition(domain);
     auto stored = foreign ? foreign : store.position(domain.domain, domain.name);
-    MenuBarRow::Item item{arrival.key,    arrival.domain, arrival.identity,
-                          arrival.length, stored,         arrival.role};
-    if (foreign || !current.insertByOrder(item, store.order())) current.insert(item);
+    bool isMarked = stored && *stored >= markedFrom;
+    current.insert({arrival.key, arrival.domain, arrival.identity, arrival.length, stored,
+                    arrival.role, isMarked},
+                   store.order(), foreign.has_value());
     acknowledge(domain);
 }
 

@@ -28,7 +28,8 @@ public:
     };
 
     RowKeeper(std::filesystem::path rowFile, double pixelsToPoint)
-        : store(std::move(rowFile), pixelsToPoint) {}
+        : store(std::move(rowFile), pixelsToPoint),
+          markedFrom(MenuBarRow::markedPosition * pixelsToPoint) {}
 
     const MenuBarRow& row() const { return current; }
     const std::vector<std::string>& order() const { return store.order(); }
@@ -59,6 +60,8 @@ private:
 
     MenuBarRow current;
     RowStore store;
+    /// Pixels.
+    double markedFrom;
     std::map<MenuBarRow::Key, Domain> domains;
 };
 

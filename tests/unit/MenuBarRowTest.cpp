@@ -18,8 +18,13 @@ public:
                 const std::string& domain = "other") {
         row.insert(item(name, length, position, domain));
     }
-    bool insertByOrder(char name, double length, const std::vector<std::string>& order) {
-        return row.insertByOrder(item(name, length, std::nullopt, "other"), order);
+    void insertByOrder(char name, double length, const std::vector<std::string>& order) {
+        row.insert(item(name, length, std::nullopt, "other"), order);
+    }
+    void insertNative(char name, double length, MenuBarRow::Role role) {
+        auto native = item(name, length, std::nullopt, "nevo");
+        native.role = role;
+        row.insert(native);
     }
     static MenuBarRow::Key key(char name) { return static_cast<MenuBarRow::Key>(name); }
 
@@ -148,16 +153,61 @@ TEST(RowOrder, ItemsComeBackInTheOldOrderWhicheverDocksFirst) {
         Row bar;
         auto remembered = letters("abcde");
         for (char name : docking) {
-            ASSERT_TRUE(bar.insertByOrder(name, 24, remembered));
+            bar.insertByOrder(name, 24, remembered);
             // As the bar does at each change: what is written meanwhile must not lose the order.
             std::vector<std::string> present = letters(bar.order());
             remembered = mergedRowOrder(remembered, present);
         }
         ASSERT_EQ(bar.order(), "abcde") << docking;
     } while (std::next_permutation(docking.begin(), docking.end()));
-    Row bar;
-    EXPECT_FALSE(bar.insertByOrder('x', 24, letters("abc")));
-    EXPECT_EQ(bar.order(), "");
+}
+
+TEST(RowOrder, AnUpBoundaryKeepsArrivalsOnTheirSide) {
+    struct Case {
+        std::string order;
+        std::optional<double> position;
+        bool isForeign;
+        std::string upRow, downRow;
+    };
+    // Left to right a, the boundary B, b (20 wide), x the newcomer (10).
+    for (const Case& c : {
+             Case{"", std::nullopt, false, "aBxb", "xaBb"},  // a stranger
+             Case{"axBb", std::nullopt, false, "axBb", "axBb"},
+             Case{"xaBb", 10, false, "xaBb", "xaBb"},
+             Case{"aBxb", std::nullopt, false, "aBxb", "aBxb"},
+             Case{"aBbx", std::nullopt, false, "aBbx", "aBbx"},
+             Case{"xb", std::nullopt, false, "aBxb", "xaBb"},  // no neighbour is known
+             Case{"axb", std::nullopt, false, "aBxb", "axBb"},
+             Case{"axBb", 10, true, "aBbx", "aBbx"},    // another program's wish
+             Case{"axBb", 4999, true, "aBxb", "xaBb"},  // never beyond the boundary
+             Case{"", 5000, true, "axBb", "xaBb"},      // a mark
+             Case{"xaBb", 5000, true, "xaBb", "xaBb"},  // among the others by the order
+             Case{"aBbx", 5000, true, "axBb", "xaBb"},
+             Case{"aBbx", 5000, false, "axBb", "aBbx"},
+             Case{"", 5000, false, "axBb", "xaBb"},
+         }) {
+        for (bool isUp : {true, false}) {
+            Row bar;
+            bar.insert('b', 20);
+            bar.insertNative('B', isUp ? 10000 : 0, MenuBarRow::Role::boundary);
+            bar.row.insert({Row::key('a'), "other", "a", 30, std::nullopt, {}, true},
+                           letters("aBb"));
+            ASSERT_EQ(bar.order(), "aBb");
+            bool isMarked = c.position && *c.position >= MenuBarRow::markedPosition;
+            bar.row.insert({Row::key('x'), "other", "x", 10, c.position, {}, isMarked},
+                           letters(c.order), c.isForeign);
+            EXPECT_EQ(bar.order(), isUp ? c.upRow : c.downRow)
+                << c.order << " " << c.position.value_or(-1) << c.isForeign << isUp;
+            // A native item is placed as if there were none.
+            bar.insertNative('T', 12, MenuBarRow::Role::keptInSight);
+            EXPECT_EQ(bar.order().front(), 'T');
+        }
+    }
+    using Role = MenuBarRow::Role;
+    EXPECT_EQ(MenuBarRow::roleOf(true, "Nevo_AlwaysHiddenDivider"), Role::boundary);
+    EXPECT_EQ(MenuBarRow::roleOf(true, "Nevo_Toggle"), Role::keptInSight);
+    EXPECT_EQ(MenuBarRow::roleOf(true, "Nevo_Separator"), Role::native);
+    EXPECT_EQ(MenuBarRow::roleOf(false, "Nevo_Toggle"), Role::ordinary);
 }
 
 TEST(RowOrder, AbsentItemsKeepTheirLeftNeighbour) {

@@ -29,25 +29,41 @@ const MenuBarRow::Item* MenuBarRow::upBoundary() const {
     return found == row.end() ? nullptr : &*found;
 }
 
-void MenuBarRow::insert(Item item) {
-    std::size_t index = item.storedPosition ? indexForPosition(*item.storedPosition, item) : 0;
+void MenuBarRow::insert(Item item, const Order& order, bool isForeign) {
+    std::size_t index = 0;
+    if (item.role == Role::ordinary && upBoundary() != nullptr) {
+        index = indexBesideBoundary(item, order, isForeign);
+    } else {
+        auto known = isForeign ? std::nullopt : indexByOrder(item, order);
+        index = known ? *known : indexByPosition(item);
+    }
     row.insert(row.begin() + static_cast<std::ptrdiff_t>(index), std::move(item));
 }
 
-bool MenuBarRow::insertByOrder(Item item, const std::vector<std::string>& order) {
-    auto known = std::find(order.begin(), order.end(), item.identity);
-    if (known == order.end()) return false;
-    std::size_t index = 0;
-    for (auto neighbour = known; neighbour != order.begin();) {
-        --neighbour;
+std::size_t MenuBarRow::indexBesideBoundary(const Item& newcomer, const Order& order,
+                                            bool isForeign) const {
+    const Item* up = upBoundary();
+    std::size_t boundary = *indexOf(up->key);
+    auto known = indexByOrder(newcomer, order);
+    auto inOrder = std::find(order.begin(), order.end(), newcomer.identity);
+    bool isOrderedLeft =
+        !isForeign && known && std::find(inOrder, order.end(), up->identity) != order.end();
+    if (newcomer.isMarked || isOrderedLeft) return std::min(known.value_or(boundary), boundary);
+    std::size_t place = known && !isForeign ? *known : indexByPosition(newcomer);
+    return std::max(place, boundary + 1);
+}
+
+std::optional<std::size_t> MenuBarRow::indexByOrder(const Item& newcomer,
+                                                    const Order& order) const {
+    auto known = std::find(order.begin(), order.end(), newcomer.identity);
+    if (known == order.end()) return std::nullopt;
+    while (known != order.begin()) {
+        --known;
         auto present = std::find_if(row.begin(), row.end(),
-                                    [&](const Item& i) { return i.identity == *neighbour; });
-        if (present == row.end()) continue;
-        index = static_cast<std::size_t>(present - row.begin()) + 1;
-        break;
+                                    [&](const Item& item) { return item.identity == *known; });
+        if (present != row.end()) return static_cast<std::size_t>(present - row.begin()) + 1;
     }
-    row.insert(row.begin() + static_cast<std::ptrdiff_t>(index), std::move(item));
-    return true;
+    return 0;
 }
 
 void MenuBarRow::remove(Key key) { take(key); }
@@ -109,7 +125,9 @@ std::optional<double> MenuBarRow::distance(Key key) const {
     return sum;
 }
 
-std::size_t MenuBarRow::indexForPosition(double position, const Item& newcomer) const {
+std::size_t MenuBarRow::indexByPosition(const Item& newcomer) const {
+    if (!newcomer.storedPosition) return 0;
+    double position = *newcomer.storedPosition;
     for (std::size_t i = 0; i < row.size(); ++i) {
         if (row[i].domain == newcomer.domain && row[i].storedPosition == position) return i;
     }

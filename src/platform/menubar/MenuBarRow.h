@@ -46,6 +46,9 @@ public:
         /// The position last read from or written to `domain`.
         std::optional<double> storedPosition;
         Role role = Role::ordinary;
+        /// Its domain holds `markedPosition` or more, points: another program wants it left of the
+        /// boundary.
+        bool isMarked = false;
     };
 
     struct Slot {
@@ -59,6 +62,10 @@ public:
     /// From this length on an item counts as collapsed: it stands for a length of 0 wherever
     /// positions are counted.
     static constexpr double collapsedLength = 9999.0;
+    /// A stored position of so many points is no place, but a mark (`Item::isMarked`).
+    static constexpr double markedPosition = 5000.0;
+    /// Identities from left to right.
+    using Order = std::vector<std::string>;
 
     /// Left to right.
     const std::vector<Item>& items() const { return row; }
@@ -66,12 +73,15 @@ public:
     /// The boundary, while it is up: in the row, and collapsed.
     const Item* upBoundary() const;
 
-    /// Inserts by `storedPosition`; without one, at the left end.
-    void insert(Item item);
-    /// Inserts where `order`, identities from left to right, has the item: right of its nearest
-    /// neighbour to the left that is present, or at the left end. False, and nothing is inserted,
-    /// when `order` doesn't know the item.
-    bool insertByOrder(Item item, const std::vector<std::string>& order);
+    /// Inserts an item that arrives: where `order` has it, right of its nearest neighbour to the
+    /// left that is present, or at the left end. One that `order` doesn't know, or whose
+    /// `storedPosition` `isForeign`, written by another program, is inserted by that position; at
+    /// the left end without one.
+    ///
+    /// While the boundary is up, an ordinary item is left of it only if it is marked or `order`
+    /// has it there, and then as near to it as need be; any other directly right of it if its place
+    /// would be left.
+    void insert(Item item, const Order& order = {}, bool isForeign = false);
     void remove(Key key);
 
     /// Changes the length in place.
@@ -97,7 +107,9 @@ public:
     std::optional<double> distance(Key key) const;
 
 private:
-    std::size_t indexForPosition(double position, const Item& newcomer) const;
+    std::optional<std::size_t> indexByOrder(const Item& newcomer, const Order& order) const;
+    std::size_t indexByPosition(const Item& newcomer) const;
+    std::size_t indexBesideBoundary(const Item& newcomer, const Order& order, bool isForeign) const;
     std::optional<std::size_t> indexOf(Key key) const;
     std::optional<Item> take(Key key);
 

@@ -29,11 +29,14 @@ void SimBar::insert(Item item) {
 void SimBar::place(Item& item, bool newcomer) {
     std::optional<double> saved;
     if (!item.name.empty()) saved = defaults.readNumber(item.domain, positionKey(item.name));
-    MenuBarRow::Item slot{item.window,    item.domain,
-                          identity(item), std::max(0.0, item.length),
-                          saved,          MenuBarRow::roleOf(item.own, item.name)};
-    bool byOrder = newcomer && isUntouched(slot) && row.insertByOrder(slot, knownOrder);
-    if (!byOrder) row.insert(slot);
+    MenuBarRow::Item slot{item.window,
+                          item.domain,
+                          identity(item),
+                          std::max(0.0, item.length),
+                          saved,
+                          MenuBarRow::roleOf(item.own, item.name),
+                          saved && *saved >= MenuBarRow::markedPosition};
+    row.insert(slot, knownOrder, !newcomer || !isUntouched(slot));
     rememberOrder();
 }
 
@@ -95,11 +98,8 @@ void SimBar::rename(WindowNumber window, const std::string& name) {
     auto written = lastSaved.find(name);
     bool foreign = slot.storedPosition &&
                    (written == lastSaved.end() || written->second != *slot.storedPosition);
-    if (foreign) {
-        row.insert(slot);
-    } else if (!row.insertByOrder(slot, knownOrder)) {
-        row.insertByOrder(slot, order);
-    }
+    bool isKnown = std::find(knownOrder.begin(), knownOrder.end(), name) != knownOrder.end();
+    row.insert(slot, isKnown ? knownOrder : order, foreign);
     rememberOrder();
     layOutLater();
 }
