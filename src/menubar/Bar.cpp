@@ -246,6 +246,10 @@ int Bar::systemAreaLeft() const {
     return bar.x + bar.width - systemAreaWidth;
 }
 
+MenuBarRow::Room Bar::room() const {
+    return {static_cast<double>(windows.front()->rect().x), static_cast<double>(systemAreaLeft())};
+}
+
 void Bar::publishGeometry() {
     systemAreaWidth =
         std::max({systemAreaWidth, smallestSystemArea, clockFace.width() + 2 * clockMargin});

@@ -121,6 +121,7 @@ private:
 
     // BarLayout.cpp: where everything stands
     int systemAreaLeft() const;
+    MenuBarRow::Room room() const;
     void layout();
     bool placeItem(BarItem& item, const MenuBarRow::Slot& slot);
     PixelRect realRect(const BarItem& item, const PixelRect& slot) const;

@@ -95,7 +95,7 @@ void Bar::endDrag() {
     if (item == nullptr || !ended.hasMoved) return;
     double left = ended.pointerX - ended.grabOffset;
     endFloat(*item);
-    keeper.drop(item->key, left + item->frame->rect().width * 0.5, systemAreaLeft());
+    keeper.drop(item->key, left + item->frame->rect().width * 0.5, room());
 }
 
 void Bar::cancelDrag() {

@@ -45,7 +45,7 @@ void Bar::layout() {
     }
     bool changed = false;
     std::vector<std::uint32_t> list;
-    for (const MenuBarRow::Slot& slot : keeper.row().slots(systemAreaLeft())) {
+    for (const MenuBarRow::Slot& slot : keeper.row().slots(room())) {
         BarItem& item = *items.withKey(slot.key);
         changed = placeItem(item, slot) || changed;
         list.push_back(item.frame->window());

@@ -61,10 +61,10 @@ void RowKeeper::setLength(MenuBarRow::Key key, double length) {
     current.placeByPosition(key, *stored);
 }
 
-void RowKeeper::drop(MenuBarRow::Key key, double centerX, double systemAreaLeft) {
+void RowKeeper::drop(MenuBarRow::Key key, double centerX, const MenuBarRow::Room& room) {
     std::map<MenuBarRow::Key, double> before;
     for (const auto& item : current.items()) before[item.key] = *current.position(item.key);
-    current.drop(key, centerX, systemAreaLeft);
+    current.drop(key, centerX, room);
     for (const auto& [each, position] : before) {
         double now = *current.position(each);
         if (each == key || now != position) writePosition(each, now);

@@ -43,7 +43,7 @@ public:
     void setLength(MenuBarRow::Key key, double length);
     /// The end of a drag: the item stands where its centre was dropped, and each changed position
     /// is written.
-    void drop(MenuBarRow::Key key, double centerX, double systemAreaLeft);
+    void drop(MenuBarRow::Key key, double centerX, const MenuBarRow::Room& room);
     /// Brings order and positions to the disk, some at a time. True when there is more to be saved.
     bool save();
 

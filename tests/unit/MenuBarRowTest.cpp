@@ -44,7 +44,7 @@ private:
     }
 };
 
-constexpr double areaLeft = 1000;
+constexpr MenuBarRow::Room room{0, 1000};
 
 TEST(MenuBarRow, InsertsByPositionCountedFromTheRight) {
     struct Case {
@@ -73,7 +73,7 @@ TEST(MenuBarRow, EqualPositionsOfOneDomainStandSideBySideNewcomerLeft) {
     bar.insert('d', 0, 30, "nevo");
     ASSERT_EQ(bar.order().find("dt"), bar.order().find('d')) << bar.order();
     // Again when the divider gets a length, wherever it stood meanwhile.
-    bar.row.drop(Row::key('d'), areaLeft, areaLeft);
+    bar.row.drop(Row::key('d'), room.right, room);
     bar.row.placeByPosition(Row::key('d'), 30);
     EXPECT_EQ(bar.order().find("dt"), bar.order().find('d')) << bar.order();
 }
@@ -83,7 +83,7 @@ TEST(MenuBarRow, ACollapsedItemPushesButCountsForNothingInPositions) {
     bar.insert('t', 24);
     bar.insert('d', 10000);
     bar.insert('a', 30);
-    EXPECT_EQ(bar.row.slot(Row::key('a'), areaLeft)->x, areaLeft - 10054);
+    EXPECT_EQ(bar.row.slot(Row::key('a'), room)->x, room.right - 10054);
     EXPECT_EQ(bar.row.distance(Row::key('a')), 10054);
     EXPECT_EQ(bar.row.position(Row::key('a')), 54);
     EXPECT_EQ(bar.row.position(Row::key('d')), 24);
@@ -110,7 +110,68 @@ TEST(MenuBarRow, DropsByCentreAndInPlaceChangesNothing) {
                           Case{'a', 947, "bac"}, Case{'a', 1100, "bca"}, Case{'c', -9000, "cab"},
                           Case{'c', 945, "acb"}}) {
         Row bar = filled();
-        bar.row.drop(Row::key(c.item), c.center, areaLeft);
+        bar.row.drop(Row::key(c.item), c.center, room);
+        EXPECT_EQ(bar.order(), c.expected) << c.item << " at " << c.center;
+    }
+}
+
+/// The row's slots as "name@x", those that have given way in brackets.
+std::string places(const Row& bar, const MenuBarRow::Room& in) {
+    std::string text;
+    for (const auto& slot : bar.row.slots(in)) {
+        std::string place =
+            bar.row.find(slot.key)->identity + "@" + std::to_string(static_cast<int>(slot.x));
+        text += (text.empty() ? "" : " ") + (slot.hasGivenWay ? "(" + place + ")" : place);
+    }
+    return text;
+}
+
+/// h T a b c, each 20 wide.
+Row rowAroundToggle() {
+    Row bar;
+    for (char name : {'c', 'b', 'a'}) bar.insert(name, 20);
+    bar.insertNative('T', 20, MenuBarRow::Role::keptInSight);
+    bar.insert('h', 20);
+    return bar;
+}
+
+TEST(MenuBarRow, WhatIsRightOfTheToggleGivesWayWhereItDoesNotFit) {
+    struct Case {
+        double barLeft;
+        std::string expected;
+    };
+    for (const Case& c :
+         {Case{0, "h@0 T@20 a@40 b@60 c@80"}, Case{20, "h@0 T@20 a@40 b@60 c@80"},
+          Case{21, "h@20 T@40 (a@0) b@60 c@80"}, Case{60, "h@40 T@60 (a@0) (b@20) c@80"},
+          Case{61, "h@60 T@80 (a@0) (b@20) (c@40)"}, Case{300, "h@60 T@80 (a@0) (b@20) (c@40)"}}) {
+        EXPECT_EQ(places(rowAroundToggle(), {c.barLeft, 100}), c.expected) << c.barLeft;
+    }
+    // Nothing of it lies on the bar, however far it is from the left end to the row.
+    Row bar;
+    bar.insert('c', 500);
+    bar.insertNative('T', 20, MenuBarRow::Role::keptInSight);
+    EXPECT_EQ(places(bar, {100, 400}), "T@380 (c@-400)");
+    bar.insertNative('D', 10000, MenuBarRow::Role::native);
+    EXPECT_EQ(places(bar, {100, 400}), "D@-9620 T@380 (c@-10120)");
+    // Even a divider that stands on the wrong side.
+    Row wrong = rowAroundToggle();
+    wrong.row.setLength(Row::key('b'), 10000);
+    EXPECT_EQ(places(wrong, {0, 100}), "h@40 T@60 (a@-10020) (b@-10000) c@80");
+}
+
+TEST(MenuBarRow, DropsGoByTheItemsThatStand) {
+    // h@40 T@60 (a) (b) c@80, centres 50, 70, 90.
+    struct Case {
+        char item;
+        double center;
+        std::string expected;
+    };
+    for (const Case& c : {Case{'T', 70, "hTabc"}, Case{'T', 89, "hTabc"}, Case{'T', 91, "habcT"},
+                          Case{'T', 49, "Thabc"}, Case{'h', 80, "Tabhc"}, Case{'h', 60, "hTabc"},
+                          Case{'c', 60, "hcTab"}, Case{'c', 90, "hTabc"}, Case{'a', 60, "haTbc"},
+                          Case{'b', 95, "hTacb"}, Case{'a', -500, "ahTbc"}}) {
+        Row bar = rowAroundToggle();
+        bar.row.drop(Row::key(c.item), c.center, {60, 100});
         EXPECT_EQ(bar.order(), c.expected) << c.item << " at " << c.center;
     }
 }
@@ -132,12 +193,12 @@ TEST(MenuBarRow, AnItemPlacedByItsOwnPositionStaysWhereItWas) {
 TEST(MenuBarRow, AnUnknownItemChangesNothing) {
     Row bar;
     bar.insert('a', 24);
-    bar.row.drop(99, 0, areaLeft);
+    bar.row.drop(99, 0, room);
     bar.row.remove(99);
     bar.row.setLength(99, 5);
     bar.row.placeByPosition(99, 5);
     EXPECT_EQ(bar.order(), "a");
-    EXPECT_FALSE(bar.row.slot(99, areaLeft));
+    EXPECT_FALSE(bar.row.slot(99, room));
     EXPECT_FALSE(bar.row.position(99));
 }
 

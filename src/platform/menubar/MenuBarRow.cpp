@@ -79,34 +79,66 @@ void MenuBarRow::placeByPosition(Key key, double position) {
     insert(std::move(*item));
 }
 
-void MenuBarRow::drop(Key key, double centerX, double systemAreaLeft) {
-    std::size_t index = 0;
-    for (const Slot& slot : slots(systemAreaLeft)) {
-        if (slot.key != key && slot.midX() < centerX) ++index;
-    }
+void MenuBarRow::drop(Key key, double centerX, const Room& room) {
+    auto own = indexOf(key);
+    if (!own) return;
+    auto all = slots(room);
+    auto isStandingOther = [key](const Slot& slot) { return slot.key != key && !slot.hasGivenWay; };
+    auto next = std::find_if(all.begin(), all.end(), [&](const Slot& slot) {
+        return isStandingOther(slot) && slot.midX() >= centerX;
+    });
+    auto target = static_cast<std::size_t>(next - all.begin());
+    // Between its place and the target only what has given way: it stands where it is dropped.
+    auto ownPlace = all.begin() + static_cast<std::ptrdiff_t>(*own);
+    bool standsThere =
+        target > *own && !ownPlace->hasGivenWay && std::none_of(ownPlace, next, isStandingOther);
+    if (standsThere) return;
     auto item = take(key);
-    if (!item) return;
-    row.insert(row.begin() + static_cast<std::ptrdiff_t>(index), std::move(*item));
+    if (target > *own) --target;
+    row.insert(row.begin() + static_cast<std::ptrdiff_t>(target), std::move(*item));
 }
 
 void MenuBarRow::setStoredPosition(Key key, std::optional<double> position) {
     if (auto index = indexOf(key)) row[*index].storedPosition = position;
 }
 
-std::vector<MenuBarRow::Slot> MenuBarRow::slots(double systemAreaLeft) const {
-    std::vector<Slot> result(row.size());
-    double right = systemAreaLeft;
-    for (std::size_t i = row.size(); i-- > 0;) {
-        right -= row[i].length;
-        result[i] = {row[i].key, right, row[i].length};
+/// From the system area on, whatever finds room beside the item that is kept in sight stands.
+std::vector<bool> MenuBarRow::givingWay(const Room& room) const {
+    std::vector<bool> result(row.size(), false);
+    auto kept = std::find_if(row.begin(), row.end(),
+                             [](const Item& item) { return item.role == Role::keptInSight; });
+    if (kept == row.end()) return result;
+    double left = room.right - room.left - kept->length;
+    auto first = static_cast<std::size_t>(kept - row.begin());
+    bool isFull = false;
+    for (std::size_t i = row.size(); --i > first;) {
+        left -= row[i].length;
+        isFull = isFull || left < 0;
+        result[i] = isFull;
     }
     return result;
 }
 
-std::optional<MenuBarRow::Slot> MenuBarRow::slot(Key key, double systemAreaLeft) const {
-    auto left = distance(key);
-    if (!left) return std::nullopt;
-    return Slot{key, systemAreaLeft - *left, find(key)->length};
+std::vector<MenuBarRow::Slot> MenuBarRow::slots(const Room& room) const {
+    std::vector<Slot> result(row.size());
+    std::vector<bool> givesWay = givingWay(room);
+    double right = room.right;
+    auto place = [&](bool givingWayOnes) {
+        for (std::size_t i = row.size(); i-- > 0;) {
+            if (givesWay[i] != givingWayOnes) continue;
+            right -= row[i].length;
+            result[i] = {row[i].key, right, row[i].length, givingWayOnes};
+        }
+    };
+    place(false);
+    right = std::min(right, room.left);
+    place(true);
+    return result;
+}
+
+std::optional<MenuBarRow::Slot> MenuBarRow::slot(Key key, const Room& room) const {
+    auto index = indexOf(key);
+    return index ? std::optional(slots(room)[*index]) : std::nullopt;
 }
 
 std::optional<double> MenuBarRow::position(Key key) const {

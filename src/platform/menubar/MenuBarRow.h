@@ -12,9 +12,11 @@ namespace nevo {
 ///
 /// Items stand side by side from the left edge of the bar's own area at its right end (the system
 /// area) towards the left, each as wide as its length. There is no left limit: a long item pushes
-/// those left of it off the screen. A *position* is the distance in points from the system area's
-/// left edge to the item's left edge, so a large position means far left; it is counted as if no
-/// item were collapsed.
+/// those left of it off the screen. Only the item that is kept in sight stays in the bar: where it
+/// and what stands right of it are wider than the bar, the leftmost items right of it *give way*,
+/// to slots beyond the left end, until there is room. A *position* is the distance in points from
+/// the system area's left edge to the item's left edge, so a large position means far left; it is
+/// counted as if no item were collapsed.
 class MenuBarRow {
 public:
     /// A handle of the caller's choosing, unique in the row.
@@ -51,11 +53,18 @@ public:
         bool isMarked = false;
     };
 
+    /// The room for items: from the bar's left edge to the system area's.
+    struct Room {
+        double left = 0;
+        double right = 0;
+    };
+
     struct Slot {
         Key key = 0;
-        /// Left edge, in the coordinate of the system area's left edge.
+        /// Left edge, in the coordinate of the room.
         double x = 0;
         double width = 0;
+        bool hasGivenWay = false;
         double midX() const { return x + width * 0.5; }
     };
 
@@ -90,16 +99,17 @@ public:
     /// same domain whose stored position is the same, else left of all items that end nearer to the
     /// system area than it would begin.
     void placeByPosition(Key key, double position);
-    /// Drops the item with its centre at `centerX`: right of the others whose centre is further
-    /// left, as they stand while its own slot is still kept open. So dropping it where it stands
+    /// Drops the item with its centre at `centerX`: directly before the first of the others whose
+    /// centre isn't further left, as they stand while its own slot is still kept open; at the right
+    /// end if there is none. Items that have given way don't count. So dropping it where it stands
     /// changes nothing, whatever its width.
-    void drop(Key key, double centerX, double systemAreaLeft);
+    void drop(Key key, double centerX, const Room& room);
     /// Notes what its domain holds now.
     void setStoredPosition(Key key, std::optional<double> position);
 
-    /// One slot an item, left to right.
-    std::vector<Slot> slots(double systemAreaLeft) const;
-    std::optional<Slot> slot(Key key, double systemAreaLeft) const;
+    /// One slot an item, in the order of the row: left to right but for those that have given way.
+    std::vector<Slot> slots(const Room& room) const;
+    std::optional<Slot> slot(Key key, const Room& room) const;
     /// The item's position as told above; nothing for an unknown key.
     std::optional<double> position(Key key) const;
     /// The distance from the system area to the item's left edge with all lengths as they are, so
@@ -107,6 +117,7 @@ public:
     std::optional<double> distance(Key key) const;
 
 private:
+    std::vector<bool> givingWay(const Room& room) const;
     std::optional<std::size_t> indexByOrder(const Item& newcomer, const Order& order) const;
     std::size_t indexByPosition(const Item& newcomer) const;
     std::size_t indexBesideBoundary(const Item& newcomer, const Order& order, bool isForeign) const;

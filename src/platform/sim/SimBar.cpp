@@ -156,7 +156,7 @@ void SimBar::endDrag(Point pointer) {
     WindowNumber window = std::exchange(dragged, 0);
     auto found = items.find(window);
     if (found == items.end() || row.find(window) == nullptr) return;
-    row.drop(window, pointer.x - grabOffset, systemAreaLeft());
+    row.drop(window, pointer.x - grabOffset, room());
     rememberOrder();
     trace.note("bar", fmt::format("{} dropped at {}", found->second.label, pointer.x));
     savePosition(found->second, false);
@@ -227,13 +227,14 @@ void SimBar::jump(WindowNumber window, double points, int step, double until) {
     });
 }
 
-double SimBar::systemAreaLeft() const {
-    return screens.displays().empty() ? 0
-                                      : screens.displays().front().frame.width - systemAreaWidth;
+MenuBarRow::Room SimBar::room() const {
+    if (screens.displays().empty()) return {};
+    const Rect& frame = screens.displays().front().frame;
+    return {frame.x, frame.maxX() - systemAreaWidth};
 }
 
 Rect SimBar::slotFrame(WindowNumber window) const {
-    auto slot = row.slot(window, systemAreaLeft());
+    auto slot = row.slot(window, room());
     if (!slot) return {};
     return {slot->x, 0, slot->width, screens.barHeight()};
 }
@@ -242,7 +243,7 @@ void SimBar::layOut() {
     // Without a display the windows stay where they were.
     if (screens.displays().empty()) return;
     std::string text;
-    for (const MenuBarRow::Slot& slot : row.slots(systemAreaLeft())) {
+    for (const MenuBarRow::Slot& slot : row.slots(room())) {
         auto number = static_cast<WindowNumber>(slot.key);
         SimWindow* held = windows.find(number);
         const Item& item = items.at(number);

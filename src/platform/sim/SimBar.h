@@ -95,7 +95,7 @@ public:
     static constexpr double systemAreaWidth = 120;
 
 private:
-    double systemAreaLeft() const;
+    MenuBarRow::Room room() const;
     void place(Item& item, bool newcomer);
     /// Whether nobody but the bar has written the item's saved position, so that the row's own
     /// memory counts.
