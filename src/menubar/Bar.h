@@ -17,10 +17,11 @@
 #include "menubar/Leases.h"
 #include "menubar/Notifiers.h"
 #include "menubar/Options.h"
-#include "menubar/RowKeeper.h"
+#include "menubar/RowStore.h"
 #include "menubar/SyntheticInput.h"
 #include "menubar/ToolTipWindow.h"
 #include "menubar/TrayHost.h"
+#include "platform/menubar/RowKeeper.h"
 #include "platform/xcb/OwnerIdentity.h"
 
 namespace nevo::menubar {
@@ -183,6 +184,7 @@ private:
     std::unique_ptr<TrayHost> host;
     xcb::DesktopEntries desktopEntries;
     xcb::OwnerIdentities owners;
+    RowStore rowStore;
     RowKeeper keeper;
     Leases leases;
     SyntheticInput syntheticInput;

@@ -39,8 +39,7 @@ std::optional<double> numberIn(const std::optional<DefaultsValue>& value) {
 
 std::filesystem::path RowStore::defaultPath() { return stateFolder() / "menubar-row.json"; }
 
-RowStore::RowStore(std::filesystem::path rowFile, double pixelsToPoint)
-    : scale(pixelsToPoint), row(std::move(rowFile)) {
+RowStore::RowStore(std::filesystem::path rowFile) : row(std::move(rowFile)) {
     if (auto stored = row.value(orderKey)) {
         if (auto list = std::get_if<std::vector<std::string>>(&*stored)) known = *list;
     }
@@ -64,8 +63,7 @@ std::optional<double> RowStore::position(const std::string& domain, const std::s
     if (!path) return std::nullopt;
     DomainFile file(*path);
     logProblems(file);
-    auto points = numberIn(file.value(positionKey(name)));
-    return points ? std::optional(*points * scale) : std::nullopt;
+    return numberIn(file.value(positionKey(name)));
 }
 
 bool RowStore::isForeign(const std::string& domain, const std::string& name,
@@ -76,10 +74,9 @@ bool RowStore::isForeign(const std::string& domain, const std::string& name,
         if (entry != unsaved->second.end()) last = entry->second.position;
     }
     if (auto path = DomainFile::pathFor(domain); path && !last) {
-        auto points = numberIn(DomainFile(*path).value(lastPositionKey(name)));
-        if (points) last = *points * scale;
+        last = numberIn(DomainFile(*path).value(lastPositionKey(name)));
     }
-    // Scaling back and forth loses a little.
+    // Writing a number as text may lose a little.
     return !last || std::abs(*last - position) > samePlace;
 }
 
@@ -96,8 +93,8 @@ void RowStore::saveDomain(const std::string& domain,
     DomainFile file(*DomainFile::pathFor(domain));
     DomainFile::Changes changes;
     for (const auto& [name, unsaved] : positions) {
-        if (unsaved.isOurs) changes[positionKey(name)] = unsaved.position / scale;
-        changes[lastPositionKey(name)] = unsaved.position / scale;
+        if (unsaved.isOurs) changes[positionKey(name)] = unsaved.position;
+        changes[lastPositionKey(name)] = unsaved.position;
     }
     file.update(changes);
     logProblems(file);

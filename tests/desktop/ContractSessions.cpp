@@ -71,6 +71,13 @@ void X11Session::endProgram(const std::string& label) {
     shown.erase(label);
 }
 
+PlaceKey X11Session::placeKey(const std::string& label) const {
+    for (const Item& item : items()) {
+        if (item.pid == shown.at(label)->pid()) return {item.appId, item.name};
+    }
+    throw Failed("there is no item of " + label);
+}
+
 bool X11Session::soon(const std::function<bool()>& condition) {
     return holdsSoon([&] {
         desktop->platform().runLoop.turnFor(turn);

@@ -7,6 +7,12 @@
 
 namespace nevo::desktoptest {
 
+/// Where an item's position is stored.
+struct PlaceKey {
+    std::string domain;
+    std::string name;
+};
+
 /// The simulated desktop, with the verbs of the contract.
 class SimSession : public testing::Test {
 protected:
@@ -14,6 +20,9 @@ protected:
     /// Another program shows an item; gives its process.
     ProcessId showItem(const std::string& label);
     void endProgram(const std::string& label) { desktop.applications.kill(label); }
+    static PlaceKey placeKey(const std::string& label) {
+        return {"org.example." + label, SimItemPlan().name};
+    }
     /// A hand holds Super and drags. Origin at the top left.
     void drag(Point from, Point to);
     bool soon(const std::function<bool()>& condition);
@@ -30,6 +39,7 @@ protected:
     Platform platform() { return desktop->platform(); }
     ProcessId showItem(const std::string& label);
     void endProgram(const std::string& label);
+    PlaceKey placeKey(const std::string& label) const;
     void drag(Point from, Point to) { hand->superDrag(from, to); }
     bool soon(const std::function<bool()>& condition);
 

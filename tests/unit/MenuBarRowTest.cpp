@@ -84,7 +84,6 @@ TEST(MenuBarRow, ACollapsedItemPushesButCountsForNothingInPositions) {
     bar.insert('d', 10000);
     bar.insert('a', 30);
     EXPECT_EQ(bar.row.slot(Row::key('a'), room)->x, room.right - 10054);
-    EXPECT_EQ(bar.row.distance(Row::key('a')), 10054);
     EXPECT_EQ(bar.row.position(Row::key('a')), 54);
     EXPECT_EQ(bar.row.position(Row::key('d')), 24);
     bar.row.setLength(Row::key('d'), 9998);
@@ -251,12 +250,10 @@ TEST(RowOrder, AnUpBoundaryKeepsArrivalsOnTheirSide) {
             Row bar;
             bar.insert('b', 20);
             bar.insertNative('B', isUp ? 10000 : 0, MenuBarRow::Role::boundary);
-            bar.row.insert({Row::key('a'), "other", "a", 30, std::nullopt, {}, true},
-                           letters("aBb"));
+            bar.row.insert({Row::key('a'), "other", "a", 30, 5000, {}}, letters("aBb"));
             ASSERT_EQ(bar.order(), "aBb");
-            bool isMarked = c.position && *c.position >= MenuBarRow::markedPosition;
-            bar.row.insert({Row::key('x'), "other", "x", 10, c.position, {}, isMarked},
-                           letters(c.order), c.isForeign);
+            bar.row.insert({Row::key('x'), "other", "x", 10, c.position, {}}, letters(c.order),
+                           c.isForeign);
             EXPECT_EQ(bar.order(), isUp ? c.upRow : c.downRow)
                 << c.order << " " << c.position.value_or(-1) << c.isForeign << isUp;
             // A native item is placed as if there were none.

@@ -48,7 +48,8 @@ std::size_t MenuBarRow::indexBesideBoundary(const Item& newcomer, const Order& o
     auto inOrder = std::find(order.begin(), order.end(), newcomer.identity);
     bool isOrderedLeft =
         !isForeign && known && std::find(inOrder, order.end(), up->identity) != order.end();
-    if (newcomer.isMarked || isOrderedLeft) return std::min(known.value_or(boundary), boundary);
+    bool isMarked = newcomer.storedPosition.value_or(0) >= markedPosition * point;
+    if (isMarked || isOrderedLeft) return std::min(known.value_or(boundary), boundary);
     std::size_t place = known && !isForeign ? *known : indexByPosition(newcomer);
     return std::max(place, boundary + 1);
 }
@@ -146,14 +147,6 @@ std::optional<double> MenuBarRow::position(Key key) const {
     if (!index) return std::nullopt;
     double sum = 0;
     for (std::size_t i = *index; i < row.size(); ++i) sum += uncollapsed(row[i].length);
-    return sum;
-}
-
-std::optional<double> MenuBarRow::distance(Key key) const {
-    auto index = indexOf(key);
-    if (!index) return std::nullopt;
-    double sum = 0;
-    for (std::size_t i = *index; i < row.size(); ++i) sum += row[i].length;
     return sum;
 }
 

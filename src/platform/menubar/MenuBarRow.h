@@ -48,9 +48,6 @@ public:
         /// The position last read from or written to `domain`.
         std::optional<double> storedPosition;
         Role role = Role::ordinary;
-        /// Its domain holds `markedPosition` or more, points: another program wants it left of the
-        /// boundary.
-        bool isMarked = false;
     };
 
     /// The room for items: from the bar's left edge to the system area's.
@@ -71,10 +68,14 @@ public:
     /// From this length on an item counts as collapsed: it stands for a length of 0 wherever
     /// positions are counted.
     static constexpr double collapsedLength = 9999.0;
-    /// A stored position of so many points is no place, but a mark (`Item::isMarked`).
+    /// A stored position of so many points or more is a mark: another program wants the item left
+    /// of the boundary.
     static constexpr double markedPosition = 5000.0;
     /// Identities from left to right.
     using Order = std::vector<std::string>;
+
+    /// Lengths and positions are in units of which a point takes `unitsPerPoint`.
+    explicit MenuBarRow(double unitsPerPoint = 1) : point(unitsPerPoint) {}
 
     /// Left to right.
     const std::vector<Item>& items() const { return row; }
@@ -112,9 +113,6 @@ public:
     std::optional<Slot> slot(Key key, const Room& room) const;
     /// The item's position as told above; nothing for an unknown key.
     std::optional<double> position(Key key) const;
-    /// The distance from the system area to the item's left edge with all lengths as they are, so
-    /// it is `collapsedLength` and more for one that stands pushed off.
-    std::optional<double> distance(Key key) const;
 
 private:
     std::vector<bool> givingWay(const Room& room) const;
@@ -124,6 +122,7 @@ private:
     std::optional<std::size_t> indexOf(Key key) const;
     std::optional<Item> take(Key key);
 
+    double point;
     std::vector<Item> row;
 };
 

@@ -5,54 +5,35 @@
 #include <algorithm>
 #include <cmath>
 
-#include "platform/menubar/BarProtocol.h"
-
 namespace nevo {
 
 namespace {
 /// A floating item that is moved this close to its slot rejoins the row.
 constexpr double rejoinDistance = 50;
 constexpr double jitterPeriod = 0.1;
-
-std::string positionKey(const std::string& name) {
-    return barprotocol::preferredPositionPrefix + name;
-}
 }  // namespace
 
 void SimBar::insert(Item item) {
     WindowNumber window = item.window;
     Item& held = items[window] = std::move(item);
-    place(held, true);
+    place(held);
     layOutLater();
 }
 
-void SimBar::place(Item& item, bool newcomer) {
-    std::optional<double> saved;
-    if (!item.name.empty()) saved = defaults.readNumber(item.domain, positionKey(item.name));
-    MenuBarRow::Item slot{item.window,
-                          item.domain,
-                          identity(item),
-                          std::max(0.0, item.length),
-                          saved,
-                          MenuBarRow::roleOf(item.own, item.name),
-                          saved && *saved >= MenuBarRow::markedPosition};
-    row.insert(slot, knownOrder, !newcomer || !isUntouched(slot));
-    rememberOrder();
-}
-
-bool SimBar::isUntouched(const MenuBarRow::Item& slot) const {
-    auto written = lastSaved.find(slot.identity);
-    return !slot.storedPosition ||
-           (written != lastSaved.end() && written->second == *slot.storedPosition);
+void SimBar::place(const Item& item) {
+    // A native item has its place by its name; it may still have none.
+    std::string identity = item.own ? item.name : item.label;
+    keeper.add({item.window, item.domain, item.name, "", identity, std::max(0.0, item.length),
+                MenuBarRow::roleOf(item.own, item.name)});
+    keeper.save();
 }
 
 void SimBar::remove(WindowNumber window) {
-    auto found = items.find(window);
-    if (found == items.end()) return;
-    if (row.find(window) != nullptr) savePosition(found->second, true);
+    if (items.find(window) == items.end()) return;
     if (dragged == window) dragged = 0;
-    row.remove(window);
-    items.erase(found);
+    keeper.leave(window);
+    keeper.save();
+    items.erase(window);
     layOutLater();
 }
 
@@ -61,12 +42,8 @@ void SimBar::setLength(WindowNumber window, double length) {
     if (found == items.end()) return;
     Item& item = found->second;
     double before = std::exchange(item.length, std::max(0.0, length));
-    row.setLength(window, item.length);
-    if (item.own && before == 0 && item.length > 0 && row.find(window) != nullptr) {
-        auto saved = defaults.readNumber(item.domain, positionKey(item.name));
-        if (saved) row.placeByPosition(window, *saved);
-        rememberOrder();
-    }
+    keeper.setLength(window, item.length);
+    keeper.save();
     if (item.own && before >= MenuBarRow::collapsedLength &&
         item.length < MenuBarRow::collapsedLength) {
         rejoinAll();
@@ -78,39 +55,22 @@ void SimBar::rename(WindowNumber window, const std::string& name) {
     auto found = items.find(window);
     if (found == items.end()) return;
     Item& item = found->second;
-    std::string formerly = identity(item);
     item.name = name;
     item.label = name;
-    std::erase(knownOrder, formerly);
-    const MenuBarRow::Item* inRow = row.find(window);
-    if (inRow == nullptr) return;
-    MenuBarRow::Item slot = *inRow;
-    slot.identity = name;
-    slot.role = MenuBarRow::roleOf(item.own, name);
-    slot.storedPosition = defaults.readNumber(item.domain, positionKey(name));
-    std::vector<std::string> order;
-    for (const MenuBarRow::Item& other : row.items()) {
-        order.push_back(other.key == slot.key ? name : other.identity);
-    }
-    row.remove(window);
-    // Where it stood before its program ended counts, unless somebody has changed its saved place
-    // since; a name that the bar has never seen keeps the place that it has.
-    auto written = lastSaved.find(name);
-    bool foreign = slot.storedPosition &&
-                   (written == lastSaved.end() || written->second != *slot.storedPosition);
-    bool isKnown = std::find(knownOrder.begin(), knownOrder.end(), name) != knownOrder.end();
-    row.insert(slot, isKnown ? knownOrder : order, foreign);
-    rememberOrder();
+    if (keeper.row().find(window) == nullptr) return;
+    keeper.take(window);
+    place(item);
     layOutLater();
 }
 
 void SimBar::setShown(WindowNumber window, bool shown) {
     auto found = items.find(window);
-    if (found == items.end() || shown == (row.find(window) != nullptr)) return;
+    if (found == items.end() || shown == (keeper.row().find(window) != nullptr)) return;
     if (shown) {
-        place(found->second, false);
+        place(found->second);
     } else {
-        row.remove(window);
+        keeper.leave(window);
+        keeper.save();
     }
     if (SimWindow* held = windows.find(window)) held->mapped = shown;
     layOutLater();
@@ -155,11 +115,10 @@ void SimBar::dragTo(Point pointer) {
 void SimBar::endDrag(Point pointer) {
     WindowNumber window = std::exchange(dragged, 0);
     auto found = items.find(window);
-    if (found == items.end() || row.find(window) == nullptr) return;
-    row.drop(window, pointer.x - grabOffset, room());
-    rememberOrder();
+    if (found == items.end() || keeper.row().find(window) == nullptr) return;
+    keeper.drop(window, pointer.x - grabOffset, room());
+    keeper.save();
     trace.note("bar", fmt::format("{} dropped at {}", found->second.label, pointer.x));
-    savePosition(found->second, false);
     layOutLater();
 }
 
@@ -190,7 +149,7 @@ const SimBar::Item* SimBar::findLabel(const std::string& label) const {
 
 std::vector<WindowNumber> SimBar::order() const {
     std::vector<WindowNumber> result;
-    for (const MenuBarRow::Item& item : row.items()) {
+    for (const MenuBarRow::Item& item : keeper.row().items()) {
         result.push_back(static_cast<WindowNumber>(item.key));
     }
     return result;
@@ -227,14 +186,19 @@ void SimBar::jump(WindowNumber window, double points, int step, double until) {
     });
 }
 
+std::optional<double> SimBar::systemAreaLeft() const {
+    if (screens.displays().empty()) return std::nullopt;
+    return screens.displays().front().frame.maxX() - systemAreaWidth;
+}
+
 MenuBarRow::Room SimBar::room() const {
-    if (screens.displays().empty()) return {};
-    const Rect& frame = screens.displays().front().frame;
-    return {frame.x, frame.maxX() - systemAreaWidth};
+    auto right = systemAreaLeft();
+    return right ? MenuBarRow::Room{screens.displays().front().frame.x, *right}
+                 : MenuBarRow::Room{};
 }
 
 Rect SimBar::slotFrame(WindowNumber window) const {
-    auto slot = row.slot(window, room());
+    auto slot = keeper.row().slot(window, room());
     if (!slot) return {};
     return {slot->x, 0, slot->width, screens.barHeight()};
 }
@@ -243,7 +207,7 @@ void SimBar::layOut() {
     // Without a display the windows stay where they were.
     if (screens.displays().empty()) return;
     std::string text;
-    for (const MenuBarRow::Slot& slot : row.slots(room())) {
+    for (const MenuBarRow::Slot& slot : keeper.row().slots(room())) {
         auto number = static_cast<WindowNumber>(slot.key);
         SimWindow* held = windows.find(number);
         const Item& item = items.at(number);
@@ -260,32 +224,6 @@ void SimBar::layOut() {
     }
     if (text != lastTraced) trace.note("bar", text.empty() ? "empty" : text);
     lastTraced = text;
-}
-
-void SimBar::savePosition(const Item& item, bool leaving) {
-    if (item.name.empty()) return;
-    // What leaves while it is pushed off is to come back there; a divider's own length doesn't
-    // count.
-    bool isDivider = item.length >= MenuBarRow::collapsedLength;
-    auto position = leaving && !isDivider ? row.distance(item.window) : row.position(item.window);
-    if (!position) return;
-    defaults.write(item.domain, positionKey(item.name), *position);
-    lastSaved[identity(item)] = *position;
-    row.setStoredPosition(item.window, position);
-}
-
-void SimBar::rememberOrder() {
-    std::vector<std::string> merged;
-    for (const MenuBarRow::Item& item : row.items()) {
-        merged.push_back(item.identity);
-    }
-    // Who isn't running keeps its place right of its former left neighbour.
-    auto previous = merged.begin();
-    for (const std::string& known : knownOrder) {
-        auto present = std::find(merged.begin(), merged.end(), known);
-        previous = present != merged.end() ? present + 1 : merged.insert(previous, known) + 1;
-    }
-    knownOrder = std::move(merged);
 }
 
 }  // namespace nevo

@@ -2,8 +2,8 @@
 
 #include <optional>
 
-#include "platform/menubar/MenuBarRow.h"
-#include "platform/sim/SimDefaults.h"
+#include "platform/menubar/RowKeeper.h"
+#include "platform/sim/SimRowStore.h"
 #include "platform/sim/SimRunLoop.h"
 #include "platform/sim/SimScreens.h"
 #include "platform/sim/SimTrace.h"
@@ -40,21 +40,20 @@ public:
         : loop(runLoop),
           windows(allWindows),
           screens(allScreens),
-          defaults(allDefaults),
-          trace(to) {}
+          trace(to),
+          store(allDefaults),
+          keeper(store, 1) {}
 
-    /// An item stands where the row remembers it; one that is new, or whose saved position somebody
-    /// has changed, by that position, and without one at the left end. An own item has no name yet
-    /// and starts at the left end.
+    /// Places the item as `RowKeeper` says. An own item has no name yet and starts at the left end.
     void insert(Item item);
-    /// Takes the item out of the row and saves its position, 9999 or more if it is pushed off.
+    /// Takes the item out of the row and saves its position.
     void remove(WindowNumber window);
-    /// An own item that grows from nothing is placed anew by its saved position; one that was long
-    /// and opens sends all floating items back to their slots.
+    /// An item that grows from nothing is placed anew by its saved position; an own one that was
+    /// long and opens sends all floating items back to their slots.
     void setLength(WindowNumber window, double length);
-    /// Gives an item another name, and the place that is remembered or saved under it, if one is.
+    /// Gives an item another name, and the place that is remembered or saved under it.
     void rename(WindowNumber window, const std::string& name);
-    /// Takes an item out of the row, or puts it back at its saved position, without saving.
+    /// Takes an item out of the row, or puts it back.
     void setShown(WindowNumber window, bool shown);
 
     /// Floats the item with its origin there, within the bar; near its slot or off the bar it
@@ -70,7 +69,7 @@ public:
     /// 0 outside of a drag.
     WindowNumber draggedWindow() const { return dragged; }
     void dragTo(Point pointer);
-    /// Drops the item and saves its position.
+    /// Drops the item.
     void endDrag(Point pointer);
 
     /// The item under a place of the screen. Dividers take no clicks, nor do they where the bar
@@ -81,6 +80,8 @@ public:
     /// The windows of the row's items, left to right, those of length 0 too.
     std::vector<WindowNumber> order() const;
     bool isOnScreen(WindowNumber window) const;
+    /// Where the row ends; nothing without a display.
+    std::optional<double> systemAreaLeft() const;
 
     /// Lays out after the delay: displays have changed.
     void layOutLater();
@@ -96,31 +97,18 @@ public:
 
 private:
     MenuBarRow::Room room() const;
-    void place(Item& item, bool newcomer);
-    /// Whether nobody but the bar has written the item's saved position, so that the row's own
-    /// memory counts.
-    bool isUntouched(const MenuBarRow::Item& slot) const;
+    void place(const Item& item);
     void layOut();
     void jump(WindowNumber window, double points, int step, double until);
     Rect slotFrame(WindowNumber window) const;
-    void savePosition(const Item& item, bool leaving);
-    void rememberOrder();
-    /// What the row order is kept by, over restarts of the item's program.
-    static std::string identity(const Item& item) {
-        return item.own && !item.name.empty() ? item.name : item.label;
-    }
 
     SimRunLoop& loop;
     SimWindows& windows;
     SimScreens& screens;
-    SimDefaults& defaults;
     SimTrace& trace;
-    MenuBarRow row;
+    SimRowStore store;
+    RowKeeper keeper;
     std::map<WindowNumber, Item> items;
-    /// Identities from left to right, also of programs that aren't running now.
-    std::vector<std::string> knownOrder;
-    /// By identity: what the bar itself wrote last.
-    std::map<std::string, double> lastSaved;
     int pendingLayouts = 0;
     WindowNumber dragged = 0;
     /// From the dragged item's centre to the pointer.

@@ -1,18 +1,20 @@
 #pragma once
 
-#include <filesystem>
+#include <map>
+#include <optional>
 #include <string>
 
-#include "menubar/RowStore.h"
 #include "platform/menubar/MenuBarRow.h"
+#include "platform/menubar/RowStorage.h"
 
-namespace nevo::menubar {
+namespace nevo {
 
 /// Decides where in the row each item stands, and remembers it.
 ///
-/// The bar's own row file is the first authority: an item comes back between its old neighbours. A
-/// position in the domain of its application counts instead where somebody else changed it since
-/// the bar last wrote or obeyed it.
+/// The bar's own order is the first authority: an item comes back between its old neighbours. A
+/// position in the domain of its application counts instead where another program changed it since
+/// the bar last wrote or obeyed it. A mark (`MenuBarRow::isMark`) is another program's too, and is
+/// kept until the item itself is dragged.
 class RowKeeper {
 public:
     struct Arrival {
@@ -22,14 +24,15 @@ public:
         std::string name;
         /// What others call an item whose program gave it no name: its program's. Empty otherwise.
         std::string otherName;
+        /// Empty for an item that isn't to be remembered.
         std::string identity;
         double length = 0;
         MenuBarRow::Role role = MenuBarRow::Role::ordinary;
     };
 
-    RowKeeper(std::filesystem::path rowFile, double pixelsToPoint)
-        : store(std::move(rowFile), pixelsToPoint),
-          markedFrom(MenuBarRow::markedPosition * pixelsToPoint) {}
+    /// Lengths are in units of which a point takes `unitsPerPoint`.
+    RowKeeper(RowStorage& storage, double unitsPerPoint)
+        : store(storage), scale(unitsPerPoint), current(unitsPerPoint) {}
 
     const MenuBarRow& row() const { return current; }
     const std::vector<std::string>& order() const { return store.order(); }
@@ -41,10 +44,11 @@ public:
     void take(MenuBarRow::Key key);
     /// An item whose length was 0 is placed anew by the position in its domain.
     void setLength(MenuBarRow::Key key, double length);
-    /// The end of a drag: the item stands where its centre was dropped, and each changed position
-    /// is written.
+    /// The end of a drag: the item stands where its centre was dropped, and its position is
+    /// written, as is each other one that has changed, unless it is a mark.
     void drop(MenuBarRow::Key key, double centerX, const MenuBarRow::Room& room);
-    /// Brings order and positions to the disk, some at a time. True when there is more to be saved.
+    /// Brings order and positions to the storage, some at a time. True when there is more to be
+    /// saved.
     bool save();
 
 private:
@@ -53,16 +57,18 @@ private:
         std::string name;
         std::string otherName;
     };
-    /// A position that somebody else has written, under either name.
+    /// What the domain holds.
+    std::optional<double> storedPosition(const Domain& domain);
+    /// A position that another program has written, under either name.
     std::optional<double> foreignPosition(const Domain& domain);
+    bool isMarked(MenuBarRow::Key key);
     void acknowledge(const Domain& domain);
-    void writePosition(MenuBarRow::Key key, double position);
+    void writePosition(MenuBarRow::Key key);
 
+    RowStorage& store;
+    double scale;
     MenuBarRow current;
-    RowStore store;
-    /// Pixels.
-    double markedFrom;
     std::map<MenuBarRow::Key, Domain> domains;
 };
 
-}  // namespace nevo::menubar
+}  // namespace nevo

@@ -1,16 +1,31 @@
-#include "menubar/RowKeeper.h"
+#include "platform/menubar/RowKeeper.h"
 
-namespace nevo::menubar {
+#include <algorithm>
+
+namespace nevo {
+
+namespace {
+/// What the bar itself stores stays below a mark, in points.
+constexpr double farthestPlace = MenuBarRow::markedPosition - 1;
+}  // namespace
 
 void RowKeeper::add(const Arrival& arrival) {
     const Domain& domain = domains[arrival.key] = {arrival.domain, arrival.name, arrival.otherName};
     auto foreign = foreignPosition(domain);
-    auto stored = foreign ? foreign : store.position(domain.domain, domain.name);
-    bool isMarked = stored && *stored >= markedFrom;
-    current.insert({arrival.key, arrival.domain, arrival.identity, arrival.length, stored,
-                    arrival.role, isMarked},
-                   store.order(), foreign.has_value());
+    auto stored = foreign ? foreign : storedPosition(domain);
+    if (stored) stored = *stored * scale;
+    current.insert(
+        {arrival.key, arrival.domain, arrival.identity, arrival.length, stored, arrival.role},
+        store.order(), foreign.has_value());
     acknowledge(domain);
+}
+
+std::optional<double> RowKeeper::storedPosition(const Domain& domain) {
+    auto stored = store.position(domain.domain, domain.name);
+    if (domain.otherName.empty()) return stored;
+    // A mark counts under either name.
+    auto other = store.position(domain.domain, domain.otherName);
+    return other && *other >= MenuBarRow::markedPosition ? other : stored;
 }
 
 std::optional<double> RowKeeper::foreignPosition(const Domain& domain) {
@@ -22,6 +37,11 @@ std::optional<double> RowKeeper::foreignPosition(const Domain& domain) {
     return std::nullopt;
 }
 
+bool RowKeeper::isMarked(MenuBarRow::Key key) {
+    if (current.find(key)->role != MenuBarRow::Role::ordinary) return false;
+    return storedPosition(domains[key]).value_or(0) >= MenuBarRow::markedPosition;
+}
+
 void RowKeeper::acknowledge(const Domain& domain) {
     for (const std::string& name : {domain.otherName, domain.name}) {
         if (name.empty()) continue;
@@ -31,15 +51,9 @@ void RowKeeper::acknowledge(const Domain& domain) {
 }
 
 void RowKeeper::leave(MenuBarRow::Key key) {
-    auto position = current.position(key);
-    auto distance = current.distance(key);
-    if (!position || !distance) return;
-    // One that is pushed off leaves with a position that says so. A divider's own length doesn't
-    // count for itself.
-    bool isDivider = current.find(key)->length >= MenuBarRow::collapsedLength;
-    bool isPushedOff = !isDivider && *distance >= MenuBarRow::collapsedLength;
-    // Who changed the saved place while the item stood here meant it for its return.
-    if (!foreignPosition(domains[key])) writePosition(key, isPushedOff ? *distance : *position);
+    if (current.find(key) == nullptr) return;
+    // Who changed the stored position while the item stood here meant it for its return.
+    if (!foreignPosition(domains[key]) && !isMarked(key)) writePosition(key);
     take(key);
 }
 
@@ -58,7 +72,7 @@ void RowKeeper::setLength(MenuBarRow::Key key, double length) {
     auto stored = store.position(domain.domain, domain.name);
     if (!stored) return;
     store.acknowledge(domain.domain, domain.name, *stored);
-    current.placeByPosition(key, *stored);
+    current.placeByPosition(key, *stored * scale);
 }
 
 void RowKeeper::drop(MenuBarRow::Key key, double centerX, const MenuBarRow::Room& room) {
@@ -66,26 +80,29 @@ void RowKeeper::drop(MenuBarRow::Key key, double centerX, const MenuBarRow::Room
     for (const auto& item : current.items()) before[item.key] = *current.position(item.key);
     current.drop(key, centerX, room);
     for (const auto& [each, position] : before) {
-        double now = *current.position(each);
-        if (each == key || now != position) writePosition(each, now);
+        bool isShifted = *current.position(each) != position;
+        if (each == key || (isShifted && !isMarked(each))) writePosition(each);
     }
 }
 
-void RowKeeper::writePosition(MenuBarRow::Key key, double position) {
+void RowKeeper::writePosition(MenuBarRow::Key key) {
     const Domain& domain = domains[key];
+    double position = std::min(*current.position(key) / scale, farthestPlace);
     store.writePosition(domain.domain, domain.name, position);
-    // Where somebody has used the other name, it tells the truth as well.
+    // Where another program has used the other name, it tells the truth as well.
     if (!domain.otherName.empty() && store.position(domain.domain, domain.otherName))
         store.writePosition(domain.domain, domain.otherName, position);
-    current.setStoredPosition(key, position);
+    current.setStoredPosition(key, position * scale);
 }
 
 bool RowKeeper::save() {
     std::vector<std::string> identities;
     identities.reserve(current.items().size());
-    for (const auto& item : current.items()) identities.push_back(item.identity);
+    for (const auto& item : current.items()) {
+        if (!item.identity.empty()) identities.push_back(item.identity);
+    }
     store.setPresent(identities);
     return store.save();
 }
 
-}  // namespace nevo::menubar
+}  // namespace nevo

@@ -1,0 +1,97 @@
+// Where items come to stand in the row, and what is stored of it: alike on both desktops.
+
+#include "desktop/Contract.h"
+
+namespace nevo::desktoptest {
+namespace {
+
+template <class Session>
+class RowContract : public Contract<Session> {};
+TYPED_TEST_SUITE(RowContract, Desktops);
+
+constexpr const char* boundary = barprotocol::boundaryName;
+constexpr const char* toggle = barprotocol::keptInSightName;
+
+TYPED_TEST(RowContract, aPushedOffItemComesBackOnItsSideAndItsOwnPositionIsStored) {
+    this->own->setLength(10000);
+    EXPECT_TRUE(this->soon([&] { return this->frame("left").maxX() < 0; }));
+    this->endProgram("left");
+    EXPECT_TRUE(this->storesSoon("left", this->left.width + this->right.width));
+    this->show("left");
+    EXPECT_TRUE(this->comesToStand({"left", "own", "right"}));
+    this->own->setLength(this->ownWidth);
+    EXPECT_TRUE(this->soon([&] { return this->frame("left") == this->left; }));
+}
+
+TYPED_TEST(RowContract, anUpBoundaryDividesTheRow) {
+    this->showNative(boundary, 10000, this->right.width + this->ownWidth);
+    EXPECT_TRUE(this->comesToStand({"left", boundary, "own", "right"}));
+    this->show("new");
+    EXPECT_TRUE(this->comesToStand({"left", boundary, "new", "own", "right"}));
+
+    // A mark that another program writes while the item stands there is for its return.
+    this->store("new", 7000);
+    this->endProgram("new");
+    EXPECT_TRUE(this->comesToStand({"left", boundary, "own", "right"}));
+    EXPECT_EQ(this->stored("new"), 7000);
+    this->show("new");
+    EXPECT_TRUE(this->comesToStand({"left", "new", boundary, "own", "right"}));
+    // It stays when others are dragged, and when the item leaves.
+    this->drag(this->frame("own").center(), {this->right.maxX() - 1, this->right.midY()});
+    EXPECT_TRUE(this->comesToStand({"left", "new", boundary, "right", "own"}));
+    this->endProgram("left");
+    EXPECT_TRUE(this->comesToStand({"new", boundary, "right", "own"}));
+    this->show("left");
+    EXPECT_TRUE(this->comesToStand({"left", "new", boundary, "right", "own"}));
+    this->endProgram("new");
+    EXPECT_TRUE(this->comesToStand({"left", boundary, "right", "own"}));
+    EXPECT_EQ(this->stored("new"), 7000);
+    this->show("new");
+    EXPECT_TRUE(this->comesToStand({"left", "new", boundary, "right", "own"}));
+
+    // Another position is obeyed at the next return, but not beyond the boundary.
+    for (double position : {4999.0, 10.0}) {
+        this->store("new", position);
+        this->endProgram("new");
+        EXPECT_TRUE(this->comesToStand({"left", boundary, "right", "own"}));
+        EXPECT_EQ(this->stored("new"), position);
+        this->show("new");
+        EXPECT_TRUE(this->comesToStand(position > this->right.width
+                                           ? Names{"left", boundary, "new", "right", "own"}
+                                           : Names{"left", boundary, "right", "own", "new"}));
+    }
+}
+
+TYPED_TEST(RowContract, aDropWritesEachPositionThatHasChangedAndTakesTheMarkOfTheDragged) {
+    // Acknowledged at its return.
+    this->store("left", 7000);
+    this->endProgram("left");
+    EXPECT_TRUE(this->comesToStand({"own", "right"}));
+    this->show("left");
+    EXPECT_TRUE(this->comesToStand({"left", "own", "right"}));
+    this->drag(this->right.center(), this->frame("own").center());
+    EXPECT_TRUE(this->comesToStand({"left", "right", "own"}));
+    EXPECT_TRUE(this->storesSoon("right", this->ownWidth + this->right.width));
+    EXPECT_EQ(this->stored("left"), 7000);
+    this->drag(this->frame("left").center(), {this->right.maxX() - 1, this->right.midY()});
+    EXPECT_TRUE(this->comesToStand({"right", "own", "left"}));
+    EXPECT_TRUE(this->storesSoon("left", this->left.width));
+    EXPECT_TRUE(this->storesSoon("right", this->left.width + this->ownWidth + this->right.width));
+}
+
+TYPED_TEST(RowContract, theToggleStaysWhereItsRightSideIsWiderThanTheBar) {
+    double all = this->left.width + this->ownWidth + this->right.width;
+    this->showNative(toggle, 12, all + 12);
+    EXPECT_TRUE(this->comesToStand({toggle, "left", "own", "right"}));
+    this->own->setLength(this->platform().screens.mainScreen()->frame.width);
+    EXPECT_TRUE(this->soon([&] { return this->frame(toggle).maxX() == this->right.x; }));
+    EXPECT_EQ(this->frame("right"), this->right);
+    EXPECT_LE(this->frame("own").maxX(), 0);
+    EXPECT_EQ(this->frame("left").maxX(), this->frame("own").x);
+    this->own->setLength(this->ownWidth);
+    EXPECT_TRUE(this->comesToStand({toggle, "left", "own", "right"}));
+    EXPECT_EQ(this->frame("left"), this->left);
+}
+
+}  // namespace
+}  // namespace nevo::desktoptest
