@@ -72,6 +72,10 @@ public:
     virtual std::unique_ptr<StatusItem> statusItem(double length) = 0;
     /// Height in points.
     virtual double thickness() const = 0;
+    /// Where the system's own area begins at the right end of the bar, the left edge of the
+    /// leftmost of the system's own items: x in points, origin at the top left of the main display.
+    /// Nothing if it can't be told.
+    virtual std::optional<double> systemAreaLeft() const = 0;
 };
 
 /// The length that means "as wide as the content".

@@ -12,6 +12,10 @@ TYPED_TEST_SUITE(RowContract, Desktops);
 constexpr const char* boundary = barprotocol::boundaryName;
 constexpr const char* toggle = barprotocol::keptInSightName;
 
+TYPED_TEST(RowContract, theRowEndsAtTheSystemArea) {
+    EXPECT_EQ(this->platform().statusBar.systemAreaLeft(), this->right.maxX());
+}
+
 TYPED_TEST(RowContract, aPushedOffItemComesBackOnItsSideAndItsOwnPositionIsStored) {
     this->own->setLength(10000);
     EXPECT_TRUE(this->soon([&] { return this->frame("left").maxX() < 0; }));

@@ -26,6 +26,7 @@ public:
 
     std::unique_ptr<StatusItem> statusItem(double length) override;
     double thickness() const override { return screens.barHeight(); }
+    std::optional<double> systemAreaLeft() const override { return bar.systemAreaLeft(); }
 
     /// The living item with that autosave name, or nullptr.
     SimStatusItem* find(const std::string& name);

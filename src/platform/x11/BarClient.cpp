@@ -71,6 +71,11 @@ Rect BarClient::barFrame() {
     return frameOfBar;
 }
 
+std::optional<double> BarClient::systemAreaLeft() {
+    refresh();
+    return leftOfSystemArea;
+}
+
 xcb_window_t BarClient::barWindow() {
     refresh();
     return theBarWindow;
@@ -175,6 +180,7 @@ void BarClient::detach() {
     numbers.drop(theBarWindow);
     controlWindow = theBarWindow = 0;
     frameOfBar = {};
+    leftOfSystemArea.reset();
     barIsStale = anyItemIsStale = false;
 }
 
@@ -209,6 +215,8 @@ void BarClient::readBar() {
                      ? Rect{asSigned((*geometry)[0]), asSigned((*geometry)[1]),
                             asSigned((*geometry)[2]), asSigned((*geometry)[3])}
                      : Rect{};
+    leftOfSystemArea.reset();
+    if (geometry && geometry->size() >= 5) leftOfSystemArea = asSigned((*geometry)[4]);
     // A bar that is away for a moment comes back as high as it was.
     if (frameOfBar.height > 0) server.coordinates.scale = pixelsPerPoint(frameOfBar.height);
     rebuildList(frames);

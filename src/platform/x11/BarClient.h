@@ -56,6 +56,8 @@ public:
     const BarItemInfo* itemOfNumber(WindowNumber number);
     /// The primary monitor's bar; empty while there is none.
     Rect barFrame();
+    /// Where its row ends; nothing while there is none.
+    std::optional<double> systemAreaLeft();
     xcb_window_t barWindow();
 
     /// A request about `frame` (the messages of BarProtocol.h), flushed.
@@ -95,6 +97,7 @@ private:
     xcb_window_t controlWindow = 0;
     xcb_window_t theBarWindow = 0;
     Rect frameOfBar;
+    std::optional<double> leftOfSystemArea;
     std::map<xcb_window_t, Item> known;
     std::vector<xcb_window_t> order;
     std::vector<const BarItemInfo*> list;

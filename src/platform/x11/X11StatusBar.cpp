@@ -42,4 +42,10 @@ double X11StatusBar::thickness() const {
     return height > 0 ? height / context->server.coordinates.scale : usualBarThickness;
 }
 
+std::optional<double> X11StatusBar::systemAreaLeft() const {
+    auto root = context->bar.systemAreaLeft();
+    if (!root) return std::nullopt;
+    return context->server.coordinates.fromRoot(Point{*root, 0}).x;
+}
+
 }  // namespace nevo

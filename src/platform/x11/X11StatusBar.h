@@ -35,6 +35,7 @@ public:
 
     std::unique_ptr<StatusItem> statusItem(double length) override;
     double thickness() const override;
+    std::optional<double> systemAreaLeft() const override;
 
 private:
     std::shared_ptr<StatusBarContext> context;
