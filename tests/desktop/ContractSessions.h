@@ -16,6 +16,10 @@ struct PlaceKey {
 /// The simulated desktop, with the verbs of the contract.
 class SimSession : public testing::Test {
 protected:
+    /// The program runs, and does nothing of its own.
+    SimSession() {
+        desktop.start([](const Platform&) { return std::make_shared<int>(); });
+    }
     Platform platform() { return desktop.platform(); }
     /// Another program shows an item; gives its process.
     ProcessId showItem(const std::string& label);

@@ -83,6 +83,30 @@ TYPED_TEST(RowContract, aDropWritesEachPositionThatHasChangedAndTakesTheMarkOfTh
     EXPECT_TRUE(this->storesSoon("right", this->left.width + this->ownWidth + this->right.width));
 }
 
+TYPED_TEST(RowContract, aChangedRowIsNotifiedAndOneThatKeepsChangingToo) {
+    int notified = 0;
+    Registration observer = this->platform().notifications.addObserver(
+        screenParametersChangedNotification, [&](const auto&) { ++notified; });
+    auto isNotifiedAfter = [&](const std::function<void()>& change) {
+        int before = notified;
+        change();
+        return this->soon([&] { return notified > before; });
+    };
+    EXPECT_TRUE(isNotifiedAfter([&] { this->show("new"); }));
+    EXPECT_TRUE(isNotifiedAfter([&] { this->endProgram("new"); }));
+    EXPECT_TRUE(isNotifiedAfter([&] { this->drag(this->left.center(), this->right.center()); }));
+    EXPECT_TRUE(this->comesToStand({"own", "left", "right"}));
+    int before = notified;
+    for (int i = 0; i < 100 && notified == before; ++i) {
+        Names names = this->row();
+        this->drag(this->frame(names.front()).center(),
+                   {this->right.maxX() - 1, this->right.midY()});
+        std::rotate(names.begin(), names.begin() + 1, names.end());
+        ASSERT_TRUE(this->comesToStand(names));
+    }
+    EXPECT_GT(notified, before);
+}
+
 TYPED_TEST(RowContract, theToggleStaysWhereItsRightSideIsWiderThanTheBar) {
     double all = this->left.width + this->ownWidth + this->right.width;
     this->showNative(toggle, 12, all + 12);

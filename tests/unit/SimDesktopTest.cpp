@@ -95,7 +95,7 @@ protected:
         return desktop.defaults.readNumber("com.example." + label,
                                            "NSStatusItem Preferred Position Item-0");
     }
-    void drag(WindowNumber named, Point from, Point to) {
+    void drag(WindowNumber named, Point from, Point to, double seconds = 1) {
         auto source = desktop.events.createEventSource();
         for (auto [type, place] :
              {std::pair{EventType::leftMouseDown, from}, std::pair{EventType::leftMouseDragged, to},
@@ -105,7 +105,7 @@ protected:
             if (named != 0) event->fields[EventField::windowNumber] = named;
             desktop.events.post(*event);
         }
-        desktop.loop.runFor(1);
+        desktop.loop.runFor(seconds);
     }
 
     SimDesktop desktop;
@@ -166,6 +166,49 @@ TEST_F(SimBarTest, SyntheticDragsMoveTheItemThatTheyName) {
     EXPECT_EQ(order(), "c a b ");
     drag(window("b"), {x("b") + 5, 12}, {1205, 12});
     EXPECT_EQ(order(), "b c a ");
+}
+
+TEST_F(SimBarTest, AChangedRowIsNotifiedWhenItHasSettledAndSoonAnyway) {
+    int notified = 0;
+    Registration observer = desktop.notifications.addObserver(screenParametersChangedNotification,
+                                                              [&](const auto&) { ++notified; });
+    desktop.applications.kill("a");
+    std::unique_ptr<StatusItem> toggle;
+    std::unique_ptr<StatusItem> divider;
+    desktop.start([&](const Platform& platform) {
+        toggle = platform.statusBar.statusItem(20);
+        divider = platform.statusBar.statusItem(0);
+        return std::make_shared<int>();
+    });
+    desktop.loop.runFor(1);
+    EXPECT_EQ(notified, 0) << "its own items are its own doing";
+    desktop.applications.launch("a");
+    desktop.loop.runFor(0.24);
+    EXPECT_EQ(notified, 0);
+    desktop.loop.runFor(0.02);
+    EXPECT_EQ(notified, 1);
+
+    divider->setLength(10000);
+    desktop.applications.resizeItem("a", 90);
+    desktop.windowServer.setWindowAlpha(window("b"), 0);
+    desktop.applications.kill("a");
+    desktop.loop.runFor(0.1);
+    desktop.applications.launch("a");
+    desktop.loop.runFor(1);
+    EXPECT_EQ(notified, 2) << "the window of an item that comes back is another one";
+    for (int i = 0; i < 9; ++i) {
+        EXPECT_EQ(notified, 2) << i;
+        const char* first = i % 2 == 0 ? "b" : "c";
+        drag(window(first), {x(first) + 1, 5}, {1319, 5}, 0.05);
+    }
+    desktop.loop.runFor(0.06);
+    EXPECT_EQ(notified, 3) << "half a second after the first change";
+    desktop.loop.runFor(1);
+    EXPECT_EQ(notified, 3) << "it stands as it was announced";
+    desktop.application.terminate();
+    desktop.applications.kill("a");
+    desktop.loop.runFor(1);
+    EXPECT_EQ(notified, 3);
 }
 
 TEST_F(SimBarTest, EventsGoToWhoTheyAreFor) {

@@ -17,7 +17,7 @@ void SimBar::insert(Item item) {
     WindowNumber window = item.window;
     Item& held = items[window] = std::move(item);
     place(held);
-    layOutLater();
+    settle();
 }
 
 void SimBar::place(const Item& item) {
@@ -25,16 +25,20 @@ void SimBar::place(const Item& item) {
     std::string identity = item.own ? item.name : item.label;
     keeper.add({item.window, item.domain, item.name, "", identity, std::max(0.0, item.length),
                 MenuBarRow::roleOf(item.own, item.name)});
+}
+
+void SimBar::settle() {
     keeper.save();
+    if (rowChanged) rowChanged();
+    layOutLater();
 }
 
 void SimBar::remove(WindowNumber window) {
     if (items.find(window) == items.end()) return;
     if (dragged == window) dragged = 0;
     keeper.leave(window);
-    keeper.save();
     items.erase(window);
-    layOutLater();
+    settle();
 }
 
 void SimBar::setLength(WindowNumber window, double length) {
@@ -43,12 +47,11 @@ void SimBar::setLength(WindowNumber window, double length) {
     Item& item = found->second;
     double before = std::exchange(item.length, std::max(0.0, length));
     keeper.setLength(window, item.length);
-    keeper.save();
     if (item.own && before >= MenuBarRow::collapsedLength &&
         item.length < MenuBarRow::collapsedLength) {
         rejoinAll();
     }
-    layOutLater();
+    settle();
 }
 
 void SimBar::rename(WindowNumber window, const std::string& name) {
@@ -60,7 +63,7 @@ void SimBar::rename(WindowNumber window, const std::string& name) {
     if (keeper.row().find(window) == nullptr) return;
     keeper.take(window);
     place(item);
-    layOutLater();
+    settle();
 }
 
 void SimBar::setShown(WindowNumber window, bool shown) {
@@ -70,10 +73,9 @@ void SimBar::setShown(WindowNumber window, bool shown) {
         place(found->second);
     } else {
         keeper.leave(window);
-        keeper.save();
     }
     if (SimWindow* held = windows.find(window)) held->mapped = shown;
-    layOutLater();
+    settle();
 }
 
 bool SimBar::moveDirectly(WindowNumber window, Point origin) {
@@ -117,9 +119,8 @@ void SimBar::endDrag(Point pointer) {
     auto found = items.find(window);
     if (found == items.end() || keeper.row().find(window) == nullptr) return;
     keeper.drop(window, pointer.x - grabOffset, room());
-    keeper.save();
     trace.note("bar", fmt::format("{} dropped at {}", found->second.label, pointer.x));
-    layOutLater();
+    settle();
 }
 
 const SimBar::Item* SimBar::itemAt(Point place) const {
@@ -153,6 +154,18 @@ std::vector<WindowNumber> SimBar::order() const {
         result.push_back(static_cast<WindowNumber>(item.key));
     }
     return result;
+}
+
+std::optional<std::vector<WindowNumber>> SimBar::placedItems() const {
+    std::vector<WindowNumber> result;
+    bool hasOwn = false;
+    for (WindowNumber window : order()) {
+        const Item& item = items.at(window);
+        if (item.length <= 0 || item.length >= MenuBarRow::collapsedLength) continue;
+        hasOwn = hasOwn || item.own;
+        result.push_back(window);
+    }
+    return hasOwn ? std::optional(result) : std::nullopt;
 }
 
 bool SimBar::isOnScreen(WindowNumber window) const {

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <functional>
 #include <optional>
 
 #include "platform/menubar/RowKeeper.h"
@@ -83,6 +84,13 @@ public:
     /// Where the row ends; nothing without a display.
     std::optional<double> systemAreaLeft() const;
 
+    /// The items that can have a place in sight, left to right: those that have a width and are no
+    /// collapsed dividers. Nothing while none of them is the program's own.
+    std::optional<std::vector<WindowNumber>> placedItems() const;
+
+    /// Called when an item has come, gone, moved in the order or changed its length.
+    std::function<void()> rowChanged;
+
     /// Lays out after the delay: displays have changed.
     void layOutLater();
     /// Whether the windows show every change of the row.
@@ -98,6 +106,8 @@ public:
 private:
     MenuBarRow::Room room() const;
     void place(const Item& item);
+    /// Saves what has changed in the row, and shows it.
+    void settle();
     void layOut();
     void jump(WindowNumber window, double points, int step, double until);
     Rect slotFrame(WindowNumber window) const;

@@ -27,7 +27,9 @@ SimDesktop::SimDesktop()
       loginItem(faults, trace),
       updaters(trace),
       childProcesses(faults, trace),
-      application(loop, program, workspace, trace) {
+      application(loop, program, workspace, trace),
+      rowNotices(loop, bar, application, notifications) {
+    bar.rowChanged = [this] { rowNotices.rowChanged(); };
     defaults.setOwnDomain(program.bundleIdentifier);
     events.pressedElsewhere = [this] { popovers.closeAll(); };
     layBars();
@@ -49,6 +51,7 @@ bool SimDesktop::start(const std::function<std::shared_ptr<void>(Platform)>& mak
     if (application.isRunning()) return false;
     defaults.setOwnDomain(program.bundleIdentifier);
     running = make(platform());
+    rowNotices.restart();
     application.launch();
     return true;
 }

@@ -8,6 +8,7 @@
 #include "platform/sim/SimImages.h"
 #include "platform/sim/SimInstallation.h"
 #include "platform/sim/SimMenus.h"
+#include "platform/sim/SimRowNotices.h"
 #include "platform/sim/SimScreenCapture.h"
 
 namespace nevo {
@@ -71,6 +72,7 @@ public:
     SimUpdaters updaters;
     SimChildProcesses childProcesses;
     SimApplication application;
+    SimRowNotices rowNotices;
 
 private:
     void displaysChanged();

@@ -13,6 +13,8 @@ namespace nevo {
 namespace {
 /// A change comes as several events over some time: a mode, an output, the screen's size.
 constexpr int settleMilliseconds = 250;
+/// From the first change of the row on: one that keeps changing is announced meanwhile.
+constexpr int longestWaitMilliseconds = 500;
 }  // namespace
 
 X11Screens::X11Screens(XServer& x, EventPump& pump, NotificationCenter& center)
@@ -31,6 +33,9 @@ X11Screens::X11Screens(XServer& x, EventPump& pump, NotificationCenter& center)
     settled.setSingleShot(true);
     settled.setInterval(settleMilliseconds);
     QObject::connect(&settled, &QTimer::timeout, &settled, [this] { reconsider(); });
+    overdue.setSingleShot(true);
+    overdue.setInterval(longestWaitMilliseconds);
+    QObject::connect(&overdue, &QTimer::timeout, &overdue, [this] { reconsider(); });
     pump.watch([this](const xcb_generic_event_t& event) {
         auto type = static_cast<std::uint8_t>(event.response_type & 0x7f);
         bool isRandr =
@@ -41,10 +46,8 @@ X11Screens::X11Screens(XServer& x, EventPump& pump, NotificationCenter& center)
             type == XCB_CONFIGURE_NOTIFY &&
             reinterpret_cast<const xcb_configure_notify_event_t&>(event).window == server.root();
         if (isRandr || isRoot) read();
-        bool isRow = isOfRow(event);
-        // The row counts from when this program's own items have come to it.
-        if (isRow && !announcedRow) announcedRow = readRow();
-        if (isRandr || isRoot || isRow) settled.start();
+        if (isRandr || isRoot) settled.start();
+        if (isOfRow(event)) noteRow();
     });
     read();
     announced = monitors;
@@ -106,13 +109,26 @@ std::optional<X11Screens::Row> X11Screens::readRow() const {
     return hasOwn ? std::optional(row) : std::nullopt;
 }
 
-void X11Screens::reconsider() {
-    read();
+void X11Screens::noteRow() {
     auto row = readRow();
-    bool isSameRow = !row || row == announcedRow;
-    if (monitors == announced && isSameRow) return;
+    if (!row || row == seenRow) return;
+    seenRow = row;
+    // The row counts from when this program's own items have come to it.
+    if (!announcedRow) {
+        announcedRow = row;
+        return;
+    }
+    settled.start();
+    if (!overdue.isActive()) overdue.start();
+}
+
+void X11Screens::reconsider() {
+    settled.stop();
+    overdue.stop();
+    read();
+    if (monitors == announced && seenRow == announcedRow) return;
     announced = monitors;
-    if (row) announcedRow = row;
+    announcedRow = seenRow;
     notifications.post(screenParametersChangedNotification);
 }
 

@@ -25,6 +25,7 @@ public:
 
 private:
     void read();
+    void noteRow();
     void reconsider();
 
     struct Monitor {
@@ -44,8 +45,10 @@ private:
     BarClient* bar = nullptr;
     std::vector<Monitor> monitors;
     std::vector<Monitor> announced;
+    std::optional<Row> seenRow;
     std::optional<Row> announcedRow;
     QTimer settled;
+    QTimer overdue;
     std::uint8_t firstRandrEvent = 0;
     bool hasMonitors = false;
 };
