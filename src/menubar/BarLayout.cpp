@@ -93,7 +93,8 @@ PixelRect Bar::realRect(const BarItem& item, const PixelRect& slot) const {
     if (asked) {
         rect.x = std::clamp(*asked, bar.x, std::max(bar.x, bar.x + bar.width - rect.width));
     }
-    if (drag && drag->item == item.key && drag->hasMoved) {
+    bool followsPointer = drag && drag->usesPointer && drag->hasMoved;
+    if (followsPointer && drag->item == item.key) {
         rect.x = drag->pointerX - drag->grabOffset;
     }
     return rect;

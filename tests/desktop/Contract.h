@@ -114,7 +114,9 @@ protected:
     }
 
     /// A drag by the program of a window that it names, from a place where that window may not be.
-    void dragNamed(const std::string& label, Point from, Point to) {
+    void dragNamed(
+        const std::string& label, Point from, Point to,
+        const std::function<void()>& onTheWay = [] {}) {
         Platform on = this->platform();
         auto source = on.events.createEventSource();
         ASSERT_TRUE(source);
@@ -129,6 +131,7 @@ protected:
             event->fields[EventField::windowNumber] = number(label);
             on.events.post(*event);
             on.runLoop.blockFor(0.02);
+            if (type != EventType::leftMouseUp) onTheWay();
         }
     }
 

@@ -29,6 +29,10 @@ ProcessId SimSession::showItem(const std::string& label) {
     return desktop.applications.find(label)->application.pid;
 }
 
+Rect SimSession::standing(const std::string& label) {
+    return desktop.windows.find(desktop.bar.findLabel(label)->window)->frame;
+}
+
 void SimSession::drag(Point from, Point to) {
     desktop.events.move(from);
     desktop.events.setModifiers(commandModifier);
@@ -72,8 +76,13 @@ void X11Session::endProgram(const std::string& label) {
 }
 
 PlaceKey X11Session::placeKey(const std::string& label) const {
+    Item item = itemOf(label);
+    return {item.appId, item.name};
+}
+
+Item X11Session::itemOf(const std::string& label) const {
     for (const Item& item : items()) {
-        if (item.pid == shown.at(label)->pid()) return {item.appId, item.name};
+        if (item.pid == shown.at(label)->pid()) return item;
     }
     throw Failed("there is no item of " + label);
 }

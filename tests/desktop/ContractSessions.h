@@ -27,6 +27,8 @@ protected:
     static PlaceKey placeKey(const std::string& label) {
         return {"org.example." + label, SimItemPlan().name};
     }
+    /// Where the item's window really is, on its way too.
+    Rect standing(const std::string& label);
     /// A hand holds Super and drags. Origin at the top left.
     void drag(Point from, Point to);
     bool soon(const std::function<bool()>& condition);
@@ -44,10 +46,13 @@ protected:
     ProcessId showItem(const std::string& label);
     void endProgram(const std::string& label);
     PlaceKey placeKey(const std::string& label) const;
+    Rect standing(const std::string& label) const { return itemOf(label).place; }
     void drag(Point from, Point to) { hand->superDrag(from, to); }
     bool soon(const std::function<bool()>& condition);
 
 private:
+    Item itemOf(const std::string& label) const;
+
     std::map<std::string, Process*> shown;
     std::string programName = "contract";
     int argc = 1;

@@ -107,6 +107,33 @@ TYPED_TEST(RowContract, aChangedRowIsNotifiedAndOneThatKeepsChangingToo) {
     EXPECT_GT(notified, before);
 }
 
+TYPED_TEST(RowContract, aDragOffTheScreenReordersInPlaceAndUnseen) {
+    this->own->setLength(10000);
+    EXPECT_TRUE(this->soon([&] { return this->frame("left").maxX() < 0; }));
+    this->show("x");
+    this->show("y");
+    EXPECT_TRUE(this->comesToStand({"y", "x", "left", "own", "right"}));
+    Rect screen = this->platform().screens.mainScreen()->frame;
+    auto drag = [&](double targetX) {
+        // Halfway it points into the bar.
+        this->dragNamed("left", {screen.width - targetX, 20000}, {targetX, this->left.midY()}, [&] {
+            Rect now = this->standing("left");
+            EXPECT_FALSE(now.x < screen.width && now.maxX() > 0) << now.x;
+        });
+        EXPECT_EQ(this->frame("right"), this->right);
+    };
+    drag((this->frame("y").midX() + this->frame("x").midX()) / 2);
+    EXPECT_TRUE(this->comesToStand({"y", "left", "x", "own", "right"}));
+    drag(this->frame("y").x - 40);
+    EXPECT_TRUE(this->comesToStand({"left", "y", "x", "own", "right"}));
+    drag(this->frame("x").midX() + 1);
+    EXPECT_TRUE(this->comesToStand({"y", "x", "left", "own", "right"}));
+    // With the pointer it is the hand's, and one off the screen doesn't move it.
+    Point pointer = this->platform().events.mouseLocation();
+    drag(this->frame("y").x);
+    EXPECT_EQ(this->platform().events.mouseLocation(), pointer);
+}
+
 TYPED_TEST(RowContract, theToggleStaysWhereItsRightSideIsWiderThanTheBar) {
     double all = this->left.width + this->ownWidth + this->right.width;
     this->showNative(toggle, 12, all + 12);

@@ -99,25 +99,32 @@ void SimBar::rejoinAll() {
     layOutLater();
 }
 
-void SimBar::beginDrag(WindowNumber window, Point pointer) {
+void SimBar::beginDrag(WindowNumber window, Point pointer, bool usesPointer) {
     auto found = items.find(window);
     const SimWindow* held = windows.find(window);
-    if (found == items.end() || held == nullptr || dragged != 0) return;
+    if (found == items.end() || held == nullptr || isPointerDragging()) return;
     dragged = window;
-    found->second.floating.reset();
+    dragUsesPointer = usesPointer;
+    if (usesPointer) found->second.floating.reset();
     grabOffset = held->frame.contains(pointer) ? pointer.x - held->frame.midX() : 0;
     trace.note("bar", fmt::format("drag of {} begins", found->second.label));
 }
 
 void SimBar::dragTo(Point pointer) {
+    if (isPointerDragging()) followPointer(pointer);
+}
+
+void SimBar::followPointer(Point pointer) {
     SimWindow* held = windows.find(dragged);
     if (held != nullptr) held->frame.x = pointer.x - grabOffset - held->frame.width * 0.5;
 }
 
 void SimBar::endDrag(Point pointer) {
+    followPointer(pointer);
     WindowNumber window = std::exchange(dragged, 0);
     auto found = items.find(window);
     if (found == items.end() || keeper.row().find(window) == nullptr) return;
+    found->second.floating.reset();
     keeper.drop(window, pointer.x - grabOffset, room());
     trace.note("bar", fmt::format("{} dropped at {}", found->second.label, pointer.x));
     settle();
@@ -225,7 +232,7 @@ void SimBar::layOut() {
         SimWindow* held = windows.find(number);
         const Item& item = items.at(number);
         if (held == nullptr) continue;
-        if (number != dragged) {
+        if (number != dragged || !dragUsesPointer) {
             held->frame = {slot.x, 0, slot.width, screens.barHeight()};
             held->frame.x += item.jitter;
             if (item.floating) held->frame.x = item.floating->x;

@@ -64,13 +64,15 @@ public:
     void rejoinAll();
 
     /// A drag keeps the pointer where it was on the item, or at the item's centre when it began
-    /// elsewhere. Only one is under way at a time.
-    void beginDrag(WindowNumber window, Point pointer);
+    /// elsewhere. Only one is under way at a time; one with the pointer takes over from one
+    /// without, whose item stays in its place until it is dropped.
+    void beginDrag(WindowNumber window, Point pointer, bool usesPointer);
     bool isDragging() const { return dragged != 0; }
+    bool isPointerDragging() const { return dragged != 0 && dragUsesPointer; }
     /// 0 outside of a drag.
     WindowNumber draggedWindow() const { return dragged; }
     void dragTo(Point pointer);
-    /// Drops the item.
+    /// Drops the item. Its window is where it was dropped until the bar has laid out.
     void endDrag(Point pointer);
 
     /// The item under a place of the screen. Dividers take no clicks, nor do they where the bar
@@ -109,6 +111,7 @@ private:
     /// Saves what has changed in the row, and shows it.
     void settle();
     void layOut();
+    void followPointer(Point pointer);
     void jump(WindowNumber window, double points, int step, double until);
     Rect slotFrame(WindowNumber window) const;
 
@@ -121,6 +124,7 @@ private:
     std::map<WindowNumber, Item> items;
     int pendingLayouts = 0;
     WindowNumber dragged = 0;
+    bool dragUsesPointer = false;
     /// From the dragged item's centre to the pointer.
     double grabOffset = 0;
     std::string lastTraced;

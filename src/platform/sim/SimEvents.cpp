@@ -122,12 +122,14 @@ void SimEvents::post(const MouseEvent& event) {
     auto named =
         field == event.fields.end() ? WindowNumber{0} : static_cast<WindowNumber>(field->second);
     // Outside every display there is no place for the pointer: the event goes to the window that it
-    // names, and to nobody else.
-    if (!onAnyDisplay(screens, event.location)) {
+    // names, and to nobody else. A drag that begins so goes on without the pointer.
+    bool isUnseenDrag = bar.isDragging() && !bar.isPointerDragging() &&
+                        bar.draggedWindow() == named && !isPress(event.type);
+    if (isUnseenDrag || !onAnyDisplay(screens, event.location)) {
         WindowNumber draggedBefore = bar.draggedWindow();
         // A drag of another window goes on as if nothing had come.
         if (draggedBefore == 0 || draggedBefore == named)
-            handleBar(event.type, event.flags, named, event.location);
+            handleBar(event.type, event.flags, named, event.location, false);
         const SimBar::Item* item = bar.find(named);
         bool isClick =
             isPress(event.type) && draggedBefore != named && bar.draggedWindow() != named;
@@ -157,11 +159,11 @@ void SimEvents::release(bool right) {
 }
 
 void SimEvents::handle(EventType type, ModifierFlags flags, WindowNumber named) {
-    bool draggingBefore = bar.isDragging();
+    bool draggingBefore = bar.isPointerDragging();
     // A panel covers the bar, but not from what was made for one of its windows.
     bool covered = named == 0 && panels.at(pointer.location) != nullptr;
-    if (draggingBefore || !covered) handleBar(type, flags, named, pointer.location);
-    bool barTookIt = draggingBefore || bar.isDragging();
+    if (draggingBefore || !covered) handleBar(type, flags, named, pointer.location, true);
+    bool barTookIt = draggingBefore || bar.isPointerDragging();
 
     // A drag belongs to the bar, whoever's item it moves.
     WindowNumber own = barTookIt ? 0 : ownWindowUnder();
@@ -186,16 +188,18 @@ WindowNumber SimEvents::ownWindowUnder() const {
     return item != nullptr && item->own ? item->window : 0;
 }
 
-void SimEvents::handleBar(EventType type, ModifierFlags flags, WindowNumber named, Point place) {
+void SimEvents::handleBar(EventType type, ModifierFlags flags, WindowNumber named, Point place,
+                          bool usesPointer) {
+    bool isDragging = usesPointer ? bar.isPointerDragging() : bar.isDragging();
     if (type == EventType::leftMouseDown && (flags & commandModifier) != 0) {
         const SimBar::Item* item = bar.find(named);
         if (item == nullptr) item = bar.itemAt(place);
         if (item == nullptr) return;
         bool ignored = named != 0 && faults.strikes(SimOperation::drag, item->window);
-        if (!ignored) bar.beginDrag(item->window, place);
-    } else if (type == EventType::leftMouseDragged && bar.isDragging()) {
+        if (!ignored) bar.beginDrag(item->window, place, usesPointer);
+    } else if (type == EventType::leftMouseDragged && isDragging) {
         bar.dragTo(place);
-    } else if (type == EventType::leftMouseUp && bar.isDragging()) {
+    } else if (type == EventType::leftMouseUp && isDragging) {
         bar.endDrag(place);
     }
 }

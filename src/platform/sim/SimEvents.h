@@ -86,7 +86,8 @@ private:
 
     /// What the window server does with one event; `named` is the window that it was made for.
     void handle(EventType type, ModifierFlags flags, WindowNumber named);
-    void handleBar(EventType type, ModifierFlags flags, WindowNumber named, Point place);
+    void handleBar(EventType type, ModifierFlags flags, WindowNumber named, Point place,
+                   bool usesPointer);
     void noteClick(const SimBar::Item& item, EventType type);
     /// The program's own window under the pointer, or 0.
     WindowNumber ownWindowUnder() const;
