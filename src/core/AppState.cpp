@@ -1,5 +1,7 @@
 #include "core/AppState.h"
 
+#include <utility>
+
 #include "core/MenuBarIcon.h"
 #include "core/StoredValues.h"
 #include "core/notificationNames.h"
@@ -34,7 +36,11 @@ AppState::AppState(const Platform& platform)
     : rules(platform.defaults.standard(), platform.notifications, objectWillChange),
       store(platform.defaults.standard()),
       notifications(platform.notifications),
-      images(platform.images) {
+      images(platform.images),
+      // Posted for changes by other programs, too.
+      storeObserver(platform.notifications.addObserver(
+          userDefaultsDidChangeNotification,
+          [this](const Notification&) { isIconCurrent = false; })) {
     migrateIconName();
     applyIconSpacing();
 }
@@ -90,9 +96,6 @@ std::string AppState::legacyMenuBarIconName() const {
 std::string AppState::menuBarIconName() const {
     return stringSetting(iconNameKey, defaultMenuBarIconName);
 }
-Bytes AppState::storedCustomIconData() const {
-    return storedBytes(store, customIconDataKey).value_or(Bytes{});
-}
 std::string AppState::iconSpacing() const { return stringSetting(iconSpacingKey, "default"); }
 std::string AppState::triggerMode() const { return stringSetting(triggerModeKey, "click"); }
 std::string AppState::shelfAppearance() const {
@@ -122,14 +125,19 @@ ShelfAppearanceTheme AppState::shelfAppearanceTheme() const {
 }
 
 std::optional<Image> AppState::menuBarIconImage() const {
-    return nevo::menuBarIconImage(images, menuBarIconName(), storedCustomIconData());
+    const auto& custom = customIcon().image;
+    return custom ? custom : nevo::menuBarIconImage(images, menuBarIconName());
 }
 
-bool AppState::hasCustomIcon() const { return !storedCustomIconData().empty(); }
+bool AppState::hasCustomIcon() const { return !customIcon().data.empty(); }
 
-std::optional<Bytes> AppState::customIconData() const {
-    Bytes data = storedCustomIconData();
-    return data.empty() ? std::nullopt : std::optional(std::move(data));
+const AppState::CustomIcon& AppState::customIcon() const {
+    if (std::exchange(isIconCurrent, true)) return readIcon;
+    Bytes stored = storedBytes(store, customIconDataKey).value_or(Bytes{});
+    if (stored == readIcon.data) return readIcon;
+    readIcon.image = stored.empty() ? std::nullopt : customIconImage(images, stored);
+    readIcon.data = std::move(stored);
+    return readIcon;
 }
 
 void AppState::selectMenuBarIcon(const std::string& name) {
@@ -144,8 +152,6 @@ void AppState::setCustomIcon(std::optional<Bytes> data) {
     store.set(legacyIconNameKey, menuBarIconName());
     iconChanged();
 }
-
-void AppState::resetMenuBarIcon() { selectMenuBarIcon(defaultMenuBarIconName); }
 
 void AppState::iconChanged() {
     objectWillChange.send();

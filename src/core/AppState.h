@@ -16,8 +16,9 @@ namespace nevo {
 /// setting.
 ///
 /// Settings are read from the store at each use and written to it at once, so that a change from
-/// outside counts at the next use. A value of the wrong kind reads as the default. Published fields
-/// live for the process only; each change of one sends `objectWillChange`. Main thread only.
+/// outside counts at the next use; only the custom icon is kept, until the store notifies of a
+/// change. A value of the wrong kind reads as the default. Published fields live for the process
+/// only; each change of one sends `objectWillChange`. Main thread only.
 class AppState {
 public:
     using IconRule = nevo::IconRule;
@@ -76,7 +77,6 @@ public:
     void setAnimationsEnabled(bool value);
     std::string legacyMenuBarIconName() const;
     std::string menuBarIconName() const;
-    Bytes storedCustomIconData() const;
     /// "compact", "relaxed" or "default"; counts from the next start.
     std::string iconSpacing() const;
     /// "click", "clickBlank" or "hoverBlank"; any other value acts as "click".
@@ -92,14 +92,14 @@ public:
     ShelfBarStyle effectiveShelfBarStyle() const;
     ShelfAppearanceMode shelfAppearanceMode() const;
     ShelfAppearanceTheme shelfAppearanceTheme() const;
+    /// The toggle's icon: the custom one if there is one and it decodes, else the one chosen by
+    /// name. Cheap: a custom icon is decoded once.
     std::optional<Image> menuBarIconImage() const;
     bool hasCustomIcon() const;
-    std::optional<Bytes> customIconData() const;
 
     void selectMenuBarIcon(const std::string& name);
     /// Nothing takes the custom icon away.
     void setCustomIcon(std::optional<Bytes> data);
-    void resetMenuBarIcon();
     /// An unknown raw value is stored as "system".
     void setShelfAppearance(const std::string& raw);
     /// An unknown raw value changes nothing.
@@ -108,6 +108,12 @@ public:
     void applyIconSpacing();
 
 private:
+    struct CustomIcon {
+        Bytes data;
+        std::optional<Image> image;
+    };
+    /// Reads the store only after it has changed, and decodes only other bytes than before.
+    const CustomIcon& customIcon() const;
     void migrateIconName();
     void iconChanged();
     std::string stringSetting(const char* key, const char* fallback) const;
@@ -122,6 +128,10 @@ private:
     std::set<std::string> hiddenBundles;
     std::vector<SnapshotItem> snapshot;
     std::string activeApp;
+
+    mutable CustomIcon readIcon;
+    mutable bool isIconCurrent = false;
+    Registration storeObserver;
 };
 
 /// Whether hidden items go to the shelf: the main screen has a notch, or the user has asked for it.

@@ -84,19 +84,19 @@ std::vector<MenuBarIconOption> brandIconCatalogue() {
     return options;
 }
 
-std::optional<Image> menuBarIconImage(const Images& images, const std::string& name,
-                                      const Bytes& customData) {
-    if (!customData.empty()) {
-        if (auto decoded = images.decode(customData)) {
-            Image icon = images.redrawn(*decoded, customIconSize);
-            icon.isTemplate = false;
-            return icon;
-        }
-    }
+std::optional<Image> menuBarIconImage(const Images& images, const std::string& name) {
     auto kind = kindOf(name);
     if (!kind) return std::nullopt;
     if (kind->source == MenuBarIconKind::Source::brandAsset) return brandImage(images, kind->name);
     return images.systemSymbol(kind->name, "Nevo");
+}
+
+std::optional<Image> customIconImage(const Images& images, const Bytes& data) {
+    auto decoded = images.decode(data);
+    if (!decoded) return std::nullopt;
+    Image icon = images.redrawn(*decoded, customIconSize);
+    icon.isTemplate = false;
+    return icon;
 }
 
 }  // namespace nevo

@@ -31,13 +31,13 @@ struct MenuBarIconOption {
 /// The program's own icons, in the order in which they are offered.
 std::vector<MenuBarIconOption> brandIconCatalogue();
 
-/// The toggle's icon. `name` is the identifier of a brand icon ("brand:pocket") or a system
-/// symbol's name; `customData` is an image file of the user's own, empty for none, and goes first.
-/// A custom icon is 18 by 18 points and keeps its colours, a brand icon is a template of 22 by 22,
-/// a symbol a template of its natural size. Nothing for an unknown name or a missing picture; a
-/// custom icon that doesn't decode is passed over.
-std::optional<Image> menuBarIconImage(const Images& images, const std::string& name,
-                                      const Bytes& customData);
+/// An icon by its identifier ("brand:pocket"), a template of 22 by 22 points, or by the name of a
+/// system symbol, a template of its natural size. Nothing for an unknown name or a missing picture.
+std::optional<Image> menuBarIconImage(const Images& images, const std::string& name);
+
+/// An icon from an image file of the user's own: 18 by 18 points, in its colours. Nothing when the
+/// bytes don't decode. Takes a tenth of a second for a file of some megabytes.
+std::optional<Image> customIconImage(const Images& images, const Bytes& data);
 
 inline constexpr const char* defaultMenuBarIconName = "brand:pocket";
 

@@ -20,7 +20,7 @@ std::optional<std::string> storedString(const DefaultsDomain& domain, const std:
 std::optional<Bytes> storedBytes(const DefaultsDomain& domain, const std::string& key) {
     auto value = domain.object(key);
     auto* bytes = value ? std::get_if<Bytes>(&*value) : nullptr;
-    return bytes ? std::optional(*bytes) : std::nullopt;
+    return bytes ? std::optional(std::move(*bytes)) : std::nullopt;
 }
 
 bool storedBool(const DefaultsDomain& domain, const std::string& key, bool fallback) {

@@ -1,5 +1,3 @@
-#include "surfaces/MenuBarSettingsTab.h"
-
 #include <fmt/format.h>
 
 #include <algorithm>
@@ -9,6 +7,7 @@
 #include "core/MenuBarIcon.h"
 #include "core/Texts.h"
 #include "core/notificationNames.h"
+#include "surfaces/MenuBarSettingsTab.h"
 #include "surfaces/controls.h"
 
 namespace nevo {
@@ -52,11 +51,11 @@ Control MenuBarSettingsTab::icon() {
     std::vector<ControlOption> options;
     for (const MenuBarIconOption& option : brandIconCatalogue()) {
         options.push_back(
-            {option.id, text(option.displayName), menuBarIconImage(images, option.id, {})});
+            {option.id, text(option.displayName), menuBarIconImage(images, option.id)});
     }
     for (const IconSymbol& symbol : iconSymbols) {
         options.push_back(
-            {symbol.name, text(symbol.displayName), menuBarIconImage(images, symbol.name, {})});
+            {symbol.name, text(symbol.displayName), menuBarIconImage(images, symbol.name)});
     }
     std::string selected = state.menuBarIconName();
     return sectionOf(
@@ -91,8 +90,9 @@ Control MenuBarSettingsTab::customIconDropZone() {
     if (state.hasCustomIcon())
         group.children.push_back(textOf("settings.menu_bar.icon.custom.status_using_custom"));
     if (state.hasCustomIcon() || state.menuBarIconName() != defaultMenuBarIconName) {
-        group.children.push_back(buttonOf("settings.menu_bar.icon.custom.reset_button",
-                                          [&state] { state.resetMenuBarIcon(); }));
+        group.children.push_back(buttonOf("settings.menu_bar.icon.custom.reset_button", [&state] {
+            state.selectMenuBarIcon(defaultMenuBarIconName);
+        }));
     }
     return group;
 }

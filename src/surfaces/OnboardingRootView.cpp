@@ -104,7 +104,7 @@ Control OnboardingRootView::content() {
 Control OnboardingRootView::welcome() {
     Control icon;
     icon.kind = Control::Kind::image;
-    icon.image = menuBarIconImage(platform.images, defaultMenuBarIconName, {});
+    icon.image = menuBarIconImage(platform.images, defaultMenuBarIconName);
     if (icon.image) icon.image->size = welcomeIconSize;
     return columnOf({icon, textOf("onboarding.welcome.title", Control::TextStyle::largeTitle),
                      textOf("onboarding.welcome.slogan"),

@@ -1,6 +1,7 @@
 // Settings as older versions, other programs and broken hands may have left them.
 #include "LogicTest.h"
 #include "core/AppState.h"
+#include "core/MenuBarIcon.h"
 #include "core/notificationNames.h"
 
 namespace nevo {
@@ -90,9 +91,33 @@ TEST_F(AppStateTest, IconsBrandSymbolAndOwnPicture) {
     EXPECT_TRUE(state.hasCustomIcon());
     EXPECT_TRUE(state.menuBarIconImage()->isTemplate)
         << "bytes that are no picture are passed over";
-    state.resetMenuBarIcon();
+    state.selectMenuBarIcon(defaultMenuBarIconName);
     EXPECT_FALSE(state.hasCustomIcon());
     EXPECT_EQ(posts, 4);
+}
+
+TEST_F(AppStateTest, AnOwnPictureIsDecodedOnceForItsBytes) {
+    auto picture = [](std::uint8_t width) {
+        return Bytes{0x89, 'P', 'N', 'G', '\r', '\n', 0x1A, '\n',  0, 0, 0, 13,
+                     'I',  'H', 'D', 'R', 0,    0,    0,    width, 0, 0, 0, 64};
+    };
+    AppState state(platform);
+    auto side = [&] { return state.menuBarIconImage()->size.width; };
+    state.setCustomIcon(picture(64));
+    EXPECT_EQ(side(), 18);
+    desktop.faults.add(SimOperation::imageDecode, std::nullopt, 1);
+    state.setAutoHideDelay(7);
+    EXPECT_EQ(side(), 18) << "another setting decodes it anew";
+    write("nevo_custom_icon_data", picture(32));
+    desktop.loop.runReady();
+    EXPECT_EQ(side(), 22) << "another program's change isn't seen";
+    write("nevo_custom_icon_data", picture(16));
+    desktop.loop.runReady();
+    EXPECT_EQ(side(), 18);
+    write("nevo_custom_icon_data", Bytes{});
+    desktop.loop.runReady();
+    EXPECT_FALSE(state.hasCustomIcon());
+    EXPECT_EQ(side(), 22);
 }
 
 TEST_F(AppStateTest, ANotchForcesTheShelfForAsLongAsItIsThere) {

@@ -44,7 +44,7 @@ TEST_F(MenuBarIconTest, EachBrandIconHasItsDrawingAndEachDrawingItsIcon) {
         EXPECT_EQ(option.kind, MenuBarIconKind::brandAsset(assetOf(nameInFolder(option))));
         EXPECT_TRUE(expected.insert(nameInFolder(option) + ".svg").second) << option.id;
         EXPECT_TRUE(displayNames.insert(option.displayName).second) << option.displayName;
-        auto image = menuBarIconImage(platform.images, option.id, {});
+        auto image = menuBarIconImage(platform.images, option.id);
         ASSERT_TRUE(image) << option.id;
         EXPECT_EQ(image->size, (Size{22, 22})) << option.id;
         EXPECT_TRUE(image->isTemplate) << option.id;
@@ -72,14 +72,14 @@ TEST_F(MenuBarIconTest, DrawingsKeepToTheGridAndToWhatTheRendererKnows) {
 }
 
 TEST_F(MenuBarIconTest, WhatIsMissingShowsNothing) {
-    EXPECT_FALSE(menuBarIconImage(platform.images, "brand:", {}));
-    EXPECT_FALSE(menuBarIconImage(platform.images, "brand:BrandMoon", {}));
-    EXPECT_FALSE(menuBarIconImage(platform.images, "brand:moon ", {}));
+    EXPECT_FALSE(menuBarIconImage(platform.images, "brand:"));
+    EXPECT_FALSE(menuBarIconImage(platform.images, "brand:BrandMoon"));
+    EXPECT_FALSE(menuBarIconImage(platform.images, "brand:moon "));
     desktop.faults.add(SimOperation::imageNamed, std::nullopt, 1);
-    EXPECT_FALSE(menuBarIconImage(platform.images, "brand:moon", {})) << "its picture is missing";
+    EXPECT_FALSE(menuBarIconImage(platform.images, "brand:moon")) << "its picture is missing";
     desktop.faults.add(SimOperation::systemSymbol, std::nullopt, 1);
-    EXPECT_FALSE(menuBarIconImage(platform.images, "moon", {})) << "no such symbol";
-    EXPECT_EQ(menuBarIconImage(platform.images, "moon", {})->source, "symbol:moon");
+    EXPECT_FALSE(menuBarIconImage(platform.images, "moon")) << "no such symbol";
+    EXPECT_EQ(menuBarIconImage(platform.images, "moon")->source, "symbol:moon");
 }
 
 }  // namespace
