@@ -1,3 +1,5 @@
+#include "surfaces/MenuBarSettingsTab.h"
+
 #include <fmt/format.h>
 
 #include <algorithm>
@@ -7,7 +9,6 @@
 #include "core/MenuBarIcon.h"
 #include "core/Texts.h"
 #include "core/notificationNames.h"
-#include "surfaces/MenuBarSettingsTab.h"
 #include "surfaces/controls.h"
 
 namespace nevo {
@@ -58,11 +59,12 @@ Control MenuBarSettingsTab::icon() {
             {symbol.name, text(symbol.displayName), menuBarIconImage(images, symbol.name)});
     }
     std::string selected = state.menuBarIconName();
-    return sectionOf(
-        "settings.menu_bar.icon.section_title",
-        {pickerOf("settings.menu_bar.icon.style_label", std::move(options), selected,
-                  [&state](const std::string& name) { state.selectMenuBarIcon(name); }),
-         customIconDropZone()});
+    return sectionOf("settings.menu_bar.icon.section_title",
+                     {pickerOf("settings.menu_bar.icon.style_label", std::move(options), selected,
+                               [weak = weak_from_this()](const std::string& name) {
+                                   if (auto self = weak.lock()) self->selectIcon(name);
+                               }),
+                      customIconDropZone()});
 }
 
 Control MenuBarSettingsTab::customIconDropZone() {
@@ -87,25 +89,42 @@ Control MenuBarSettingsTab::customIconDropZone() {
         columnOf({textOf("settings.menu_bar.icon.custom_label"), zone,
                   textOf("settings.menu_bar.icon.custom.spec_hint", Control::TextStyle::note)});
     group.children.front().key = "settings.menu_bar.icon.custom_label.title";
+    if (!refusal.empty()) group.children.push_back(textOf(refusal, Control::TextStyle::warning));
     if (state.hasCustomIcon())
         group.children.push_back(textOf("settings.menu_bar.icon.custom.status_using_custom"));
     if (state.hasCustomIcon() || state.menuBarIconName() != defaultMenuBarIconName) {
-        group.children.push_back(buttonOf("settings.menu_bar.icon.custom.reset_button", [&state] {
-            state.selectMenuBarIcon(defaultMenuBarIconName);
+        group.children.push_back(buttonOf("settings.menu_bar.icon.custom.reset_button", [weak] {
+            if (auto self = weak.lock()) self->selectIcon(defaultMenuBarIconName);
         }));
     }
     return group;
 }
 
+void MenuBarSettingsTab::selectIcon(const std::string& name) {
+    refusal.clear();
+    services.appState.selectMenuBarIcon(name);
+}
+
 void MenuBarSettingsTab::takeIconFile(const std::string& path) {
     const Platform& platform = services.platform;
     std::string type = platform.files.contentType(path);
-    if (std::find(iconTypes.begin(), iconTypes.end(), type) == iconTypes.end()) return;
+    if (std::find(iconTypes.begin(), iconTypes.end(), type) == iconTypes.end())
+        return refuse("settings.menu_bar.icon.custom.refused_type");
     auto bytes = platform.files.read(path, mostIconBytes);
-    if (!bytes || !platform.images.decode(*bytes)) return;
+    if (!bytes) return refuse("settings.menu_bar.icon.custom.refused_size");
+    if (!platform.images.decode(*bytes))
+        return refuse("settings.menu_bar.icon.custom.refused_picture");
     platform.runLoop.post([weak = weak_from_this(), data = std::move(*bytes)] {
-        if (auto self = weak.lock()) self->services.appState.setCustomIcon(data);
+        auto self = weak.lock();
+        if (!self) return;
+        self->refusal.clear();
+        self->services.appState.setCustomIcon(data);
     });
+}
+
+void MenuBarSettingsTab::refuse(const char* reason) {
+    refusal = reason;
+    changed();
 }
 
 Control MenuBarSettingsTab::displayMode() {

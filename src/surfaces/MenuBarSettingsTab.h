@@ -18,7 +18,9 @@ public:
 private:
     Control icon();
     Control customIconDropZone();
+    void selectIcon(const std::string& name);
     void takeIconFile(const std::string& path);
+    void refuse(const char* reason);
     Control displayMode();
     Control shelf();
     Control shelfOrder();
@@ -27,6 +29,8 @@ private:
 
     const SettingsServices& services;
     std::function<void()> changed;
+    /// The text that says why the last file wasn't taken; empty once an icon has been chosen.
+    std::string refusal;
 };
 
 }  // namespace nevo
