@@ -12,6 +12,7 @@
 #include <system_error>
 
 #include "platform/store/DefaultsJson.h"
+#include "platform/store/FileAccess.h"
 #include "platform/store/FileLock.h"
 
 namespace nevo {
@@ -24,50 +25,6 @@ fs::path beside(const fs::path& file, const std::string& ending) {
     fs::path result = file;
     result += ending;
     return result;
-}
-
-/// An open file that closes itself.
-class Descriptor {
-public:
-    explicit Descriptor(int opened) : number(opened) {}
-    ~Descriptor() {
-        if (number >= 0) ::close(number);
-    }
-    Descriptor(const Descriptor&) = delete;
-    Descriptor& operator=(const Descriptor&) = delete;
-    explicit operator bool() const { return number >= 0; }
-    int get() const { return number; }
-    /// False when the file system reports a late failure.
-    bool close() {
-        int closing = std::exchange(number, -1);
-        return ::close(closing) == 0;
-    }
-
-private:
-    int number;
-};
-
-/// Up to `limit` bytes and one more, so that the caller sees a file that is too large.
-bool readAll(int descriptor, std::string& text, std::size_t limit) {
-    char block[65536];
-    while (text.size() <= limit) {
-        ssize_t count = ::read(descriptor, block, sizeof block);
-        if (count < 0 && errno == EINTR) continue;
-        if (count < 0) return false;
-        if (count == 0) return true;
-        text.append(block, static_cast<std::size_t>(count));
-    }
-    return true;
-}
-
-bool writeAll(int descriptor, std::string_view text) {
-    while (!text.empty()) {
-        ssize_t count = ::write(descriptor, text.data(), text.size());
-        if (count < 0 && errno == EINTR) continue;
-        if (count <= 0) return false;
-        text.remove_prefix(static_cast<std::size_t>(count));
-    }
-    return true;
 }
 
 }  // namespace

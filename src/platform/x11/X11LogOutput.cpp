@@ -1,27 +1,42 @@
 #include "platform/x11/X11LogOutput.h"
 
-#include <fcntl.h>
 #include <syslog.h>
 #include <unistd.h>
 
-#include <cerrno>
+#include <chrono>
 #include <cstdlib>
-#include <string>
+#include <filesystem>
+
+#include "platform/store/FileAccess.h"
+#include "platform/store/LogFile.h"
 
 namespace nevo {
 
 namespace {
-void writeAll(int descriptor, std::string_view text) {
-    while (!text.empty()) {
-        ssize_t count = write(descriptor, text.data(), text.size());
-        if (count < 0 && errno == EINTR) continue;
-        if (count <= 0) return;
-        text.remove_prefix(static_cast<std::size_t>(count));
-    }
+
+double monotonicSeconds() {
+    return std::chrono::duration<double>(std::chrono::steady_clock::now().time_since_epoch())
+        .count();
 }
+
+void appendToFile(std::string_view line) {
+    const char* home = std::getenv("HOME");
+    if (home == nullptr || *home == '\0') return;
+    LogFile(std::filesystem::path(home) / "nevo_debug.log").append(line);
+}
+
 }  // namespace
 
-void X11LogOutput::writeStandardError(std::string_view text) { writeAll(STDERR_FILENO, text); }
+X11LogOutput::X11LogOutput()
+    : standardError([](std::string_view line) { writeAll(STDERR_FILENO, line); }, monotonicSeconds),
+      logFile(appendToFile, monotonicSeconds) {}
+
+X11LogOutput::~X11LogOutput() {
+    standardError.flush();
+    logFile.flush();
+}
+
+void X11LogOutput::writeStandardError(std::string_view text) { standardError.add(text); }
 
 void X11LogOutput::writeStandardOutput(std::string_view text) { writeAll(STDOUT_FILENO, text); }
 
@@ -29,15 +44,6 @@ void X11LogOutput::writeSystemLog(std::string_view text) {
     syslog(LOG_NOTICE, "%.*s", static_cast<int>(text.size()), text.data());
 }
 
-void X11LogOutput::appendToLogFile(std::string_view text) {
-    const char* home = std::getenv("HOME");
-    if (home == nullptr || *home == '\0') return;
-    // Opened each time: a user may move the file away at any moment.
-    std::string path = std::string(home) + "/nevo_debug.log";
-    int file = open(path.c_str(), O_WRONLY | O_APPEND | O_CREAT | O_CLOEXEC | O_NONBLOCK, 0600);
-    if (file < 0) return;
-    writeAll(file, text);
-    close(file);
-}
+void X11LogOutput::appendToLogFile(std::string_view text) { logFile.add(text); }
 
 }  // namespace nevo
