@@ -1,33 +1,13 @@
 #include <fmt/format.h>
 
-#include <algorithm>
 #include <set>
 
 #include "controller/StatusBarController.h"
 #include "core/debugLog.h"
 #include "core/describe.h"
+#include "discovery/ItemLabel.h"
 
 namespace nevo {
-
-namespace {
-
-/// A label of numbers alone tells a person nothing.
-bool isTelling(const std::string& label) {
-    return std::any_of(label.begin(), label.end(), [](char c) { return c < '0' || c > '9'; });
-}
-
-std::string without(std::string text, const std::string& part) {
-    for (auto at = text.find(part); at != std::string::npos; at = text.find(part, at))
-        text.erase(at, part.size());
-    return text;
-}
-
-std::string withoutLastComponent(const std::string& bundleID) {
-    auto dot = bundleID.rfind('.');
-    return dot == std::string::npos ? "" : bundleID.substr(0, dot);
-}
-
-}  // namespace
 
 void StatusBarController::updateSnapshot(const ScannedBarItems& items, bool skipReconcile) {
     if (!skipReconcile) reconcileReport(items);
@@ -81,21 +61,10 @@ std::vector<AppState::SnapshotItem> StatusBarController::snapshotItemsOf(
         if (item.persistedID.empty() || !seen.insert(item.persistedID).second) continue;
         bool isHidden = isIn(SectionName::hidden, item.persistedID) ||
                         !isIn(SectionName::visible, item.persistedID);
-        result.push_back({item.persistedID, item.bundleID, labelFor(item), item.icon, isHidden});
+        result.push_back({item.persistedID, item.bundleID, labelForPeople(item, platform.workspace),
+                          item.icon, isHidden});
     }
     return result;
-}
-
-std::string StatusBarController::labelFor(const ScannedBarItem& item) const {
-    if (isTelling(item.label)) return item.label;
-    // A helper process seldom has a name of its own; its application does.
-    for (const std::string& bundleID :
-         {item.bundleID, without(item.bundleID, ".helper"), withoutLastComponent(item.bundleID)}) {
-        if (auto path = platform.workspace.applicationPath(bundleID)) {
-            return without(platform.workspace.displayName(*path), ".app");
-        }
-    }
-    return item.label;
 }
 
 }  // namespace nevo

@@ -139,7 +139,6 @@ private:
     void clearIsToggling() { isToggling = false; }
     void verifyAfterCollapse();
     void pollStableToggle(int attempt);
-    std::string labelFor(const ScannedBarItem& item) const;
     std::vector<AppState::SnapshotItem> snapshotItemsOf(const ScannedBarItems& items) const;
     std::optional<WindowNumber> toggleWindowID() const;
     bool isShelfMode() const { return nevo::isShelfMode(platform.screens, appState); }

@@ -1,5 +1,7 @@
 #include "entry/AppDelegate.h"
 
+#include <utility>
+
 #include "core/StoredValues.h"
 #include "core/debugLog.h"
 #include "core/notificationNames.h"
@@ -58,16 +60,24 @@ void AppDelegate::startFirstServices() {
         self->hotKeyService = std::make_unique<HotKeyService>(self->platform, self->appState);
         self->registerHotKey();
     };
-    settings =
-        SettingsWindowController::create({platform, appState, scanner, accessibility,
-                                          [weak] {
-                                              if (auto self = weak.lock())
-                                                  self->checkForUpdates(nullptr);
-                                          },
-                                          [weak]() -> Updater* {
-                                              auto self = weak.lock();
-                                              return self ? self->updaterController.get() : nullptr;
-                                          }});
+    SettingsServices settingsServices{platform,
+                                      appState,
+                                      scanner,
+                                      accessibility,
+                                      [weak] {
+                                          if (auto self = weak.lock())
+                                              self->checkForUpdates(nullptr);
+                                      },
+                                      [weak]() -> Updater* {
+                                          auto self = weak.lock();
+                                          return self ? self->updaterController.get() : nullptr;
+                                      },
+                                      [weak]() -> const SectionManager* {
+                                          auto self = weak.lock();
+                                          if (!self || !self->statusBarController) return nullptr;
+                                          return &self->statusBarController->sections();
+                                      }};
+    settings = SettingsWindowController::create(std::move(settingsServices));
     auto openSettings = [window = std::weak_ptr(settings)] {
         if (auto open = window.lock()) open->showSettings();
     };

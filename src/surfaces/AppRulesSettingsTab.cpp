@@ -26,7 +26,7 @@ std::string folded(std::string name) {
 
 }  // namespace
 
-AppRulesSettingsTab::AppRulesSettingsTab(const SettingsServices& given, RulesSettingsTab& of,
+AppRulesSettingsTab::AppRulesSettingsTab(const SettingsServices& given, MenuBarItemList& of,
                                          std::function<void()> told)
     : services(given), items(of), changed(std::move(told)) {}
 
@@ -77,7 +77,7 @@ Control AppRulesSettingsTab::addRule() {
                   })});
     if (!selectedAppID) return section;
     AppRules rules = services.appState.rules.loadAppRules();
-    for (const MenuBarIconItem& item : items.scannedMenuBarItems())
+    for (const MenuBarIconItem& item : items.items())
         section.children.push_back(optionsOf(item, rules[*selectedAppID]));
     return section;
 }

@@ -6,7 +6,7 @@
 #include <utility>
 #include <vector>
 
-#include "surfaces/RulesSettingsTab.h"
+#include "surfaces/MenuBarItemList.h"
 
 namespace nevo {
 
@@ -15,7 +15,7 @@ class AppRulesSettingsTab : public std::enable_shared_from_this<AppRulesSettings
 public:
     /// `items` knows the items; it lives as long. `changed` is told when the tab shows something
     /// else.
-    AppRulesSettingsTab(const SettingsServices& services, RulesSettingsTab& items,
+    AppRulesSettingsTab(const SettingsServices& services, MenuBarItemList& items,
                         std::function<void()> changed);
 
     Control content();
@@ -30,7 +30,7 @@ private:
     std::string nameOf(const std::string& bundleID) const;
 
     const SettingsServices& services;
-    RulesSettingsTab& items;
+    MenuBarItemList& items;
     std::function<void()> changed;
     /// Bundle identifier and name, by name.
     std::vector<std::pair<std::string, std::string>> detectedApps;

@@ -1,6 +1,7 @@
 #include "surfaces/RulesSettingsTab.h"
 
-#include <algorithm>
+#include <fmt/format.h>
+
 #include <utility>
 
 #include "core/Texts.h"
@@ -10,76 +11,81 @@ namespace nevo {
 
 namespace {
 
-constexpr const char* showValue = "alwaysShow";
-constexpr const char* hideValue = "alwaysHide";
-
-/// Where nothing is stored the item's present side counts.
-bool isHiddenBy(const IconRules& rules, const AppState& state, const std::string& id) {
-    auto rule = rules.find(id);
-    if (rule != rules.end() && rule->second != IconRule::automatic)
-        return rule->second == IconRule::alwaysHide;
-    const auto& seen = state.snapshotItems();
-    auto item =
-        std::find_if(seen.begin(), seen.end(), [&](const auto& each) { return each.id == id; });
-    return item != seen.end() && item->isHidden;
+/// The row of the picker for an item without a rule: its text tells the item's side.
+ControlOption optionWithoutRule(const MenuBarIconItem& item, IconRule rule) {
+    if (rule != IconRule::automatic || !item.isHidden)
+        return optionOf("automatic", "icon_rule.automatic");
+    return *item.isHidden ? optionOf("hides", "icon_rule.automatic.hides")
+                          : optionOf("stays", "icon_rule.automatic.stays");
 }
 
 }  // namespace
 
-RulesSettingsTab::RulesSettingsTab(const SettingsServices& given, std::function<void()> told)
-    : services(given), changed(std::move(told)) {}
+RulesSettingsTab::RulesSettingsTab(const SettingsServices& given, const MenuBarItemList& of)
+    : services(given), list(of) {}
 
-void RulesSettingsTab::scan() { spawn(services.platform.runLoop, runScan(weak_from_this())); }
-
-Task<> RulesSettingsTab::runScan(std::weak_ptr<RulesSettingsTab> owner) {
-    auto self = owner.lock();
-    if (!self) co_return;
-    MenuBarScanner& scanner = self->services.scanner;
-    self.reset();
-    std::set<WindowNumber> none;
-    ScannedBarItems found = co_await scanner.scan(none, true);
-    self = owner.lock();
-    if (!self) co_return;
-    self->items.clear();
-    // Items that share an id share their rule.
-    std::set<std::string> seen;
-    for (const ScannedBarItem& item : found) {
-        if (item.persistedID.empty() || !seen.insert(item.persistedID).second) continue;
-        self->items.push_back({item.persistedID, item.bundleID, item.label, item.icon});
-    }
-    self->changed();
-}
-
-Control RulesSettingsTab::content() {
+Control RulesSettingsTab::content() const {
     IconRules rules = services.appState.rules.loadIconRules();
     Control section = sectionOf(
         "settings.rules.menu_bar_icons.section_title",
         {rowOf({textOf("settings.rules.menu_bar_icons.column_icon", Control::TextStyle::note),
                 textOf("settings.rules.menu_bar_icons.column_visibility",
                        Control::TextStyle::note)})});
-    if (items.empty())
-        section.children.push_back(textOf("settings.rules.menu_bar_icons.scanning_status"));
-    for (const MenuBarIconItem& item : items) section.children.push_back(rowOfItem(item, rules));
+    if (list.items().empty()) {
+        section.children.push_back(textOf(list.isKnown()
+                                              ? "settings.rules.menu_bar_icons.none_found"
+                                              : "settings.rules.menu_bar_icons.scanning_status"));
+    }
+    for (const MenuBarIconItem& item : list.items()) {
+        auto rule = rules.find(item.id);
+        section.children.push_back(
+            rowOfItem(item, rule == rules.end() ? IconRule::automatic : rule->second));
+    }
     return columnOf({section});
 }
 
-Control RulesSettingsTab::rowOfItem(const MenuBarIconItem& item, const IconRules& rules) const {
-    AppState& state = services.appState;
+Control RulesSettingsTab::rowOfItem(const MenuBarIconItem& item, IconRule rule) const {
     Control picture;
     picture.kind = Control::Kind::image;
     picture.image = item.icon;
-    Control rule =
-        pickerOf("rule " + item.id,
-                 {optionOf(showValue, "icon_rule.always_show"),
-                  optionOf(hideValue, "icon_rule.always_hide")},
-                 isHiddenBy(rules, state, item.id) ? hideValue : showValue,
-                 [&state, id = item.id](const std::string& value) {
-                     state.rules.setIconRule(
-                         value == hideValue ? IconRule::alwaysHide : IconRule::alwaysShow, id);
-                 });
-    rule.title = item.label;
-    rule.detail = item.bundleID;
-    return rowOf({picture, rule});
+    Control name = plainText("item " + item.id, item.label);
+    name.detail = item.bundleID;
+    Control row = rowOf({picture, name});
+    if (rule == IconRule::alwaysHide && services.bringOut) {
+        Control show = buttonOf("settings.rules.menu_bar_icons.bring_out_button",
+                                [&services = services, id = item.id] { services.bringOut(id); });
+        show.key = "bring-out " + item.id;
+        row.children.push_back(show);
+    }
+    if (rule != IconRule::automatic) {
+        Control remove =
+            buttonOf("remove-rule " + item.id, [&state = services.appState, id = item.id] {
+                state.rules.setIconRule(IconRule::automatic, id);
+            });
+        remove.title = fmt::format(
+            fmt::runtime(text("settings.rules.menu_bar_icons.remove_format")), item.label);
+        remove.hidesTitle = true;
+        remove.symbol = "trash";
+        row.children.push_back(remove);
+    }
+    // Last, so that the pickers of all rows stand below each other.
+    row.children.push_back(picker(item, rule));
+    return row;
+}
+
+Control RulesSettingsTab::picker(const MenuBarIconItem& item, IconRule rule) const {
+    ControlOption withoutRule = optionWithoutRule(item, rule);
+    std::string selected = rule == IconRule::automatic ? withoutRule.value : rawValue(rule);
+    Control made = pickerOf(
+        "rule " + item.id,
+        {std::move(withoutRule), optionOf(rawValue(IconRule::alwaysShow), "icon_rule.always_show"),
+         optionOf(rawValue(IconRule::alwaysHide), "icon_rule.always_hide")},
+        std::move(selected), [&state = services.appState, id = item.id](const std::string& value) {
+            state.rules.setIconRule(iconRuleFrom(value).value_or(IconRule::automatic), id);
+        });
+    made.title = item.label;
+    made.hidesTitle = true;
+    return made;
 }
 
 }  // namespace nevo

@@ -4,6 +4,7 @@
 
 #include "core/AppState.h"
 #include "discovery/MenuBarScanner.h"
+#include "placement/SectionManager.h"
 #include "surfaces/AccessibilityService.h"
 
 namespace nevo {
@@ -17,6 +18,10 @@ struct SettingsServices {
     std::function<void()> checkForUpdates;
     /// nullptr where the program has no updater.
     std::function<Updater*()> updater;
+    /// nullptr before the status items are there. Unset: nobody knows the items' sides.
+    std::function<const SectionManager*()> sections = {};
+    /// Shows a hidden item for a minute, by its persisted id; unset where that can't be done.
+    std::function<void(const std::string&)> bringOut = {};
 };
 
 }  // namespace nevo

@@ -45,11 +45,12 @@ std::shared_ptr<SettingsWindowController> SettingsWindowController::create(
     auto changed = [weak = std::weak_ptr(made)] {
         if (auto self = weak.lock()) self->refreshSoon();
     };
+    made->items = std::make_shared<MenuBarItemList>(made->services, changed);
     made->general = std::make_shared<GeneralSettingsTab>(made->services, changed);
     made->layout = std::make_shared<MenuBarLayoutView>(made->services.appState, changed);
     made->menuBar = std::make_shared<MenuBarSettingsTab>(made->services, changed);
-    made->rules = std::make_shared<RulesSettingsTab>(made->services, changed);
-    made->appRules = std::make_shared<AppRulesSettingsTab>(made->services, *made->rules, changed);
+    made->rules = std::make_unique<RulesSettingsTab>(made->services, *made->items);
+    made->appRules = std::make_shared<AppRulesSettingsTab>(made->services, *made->items, changed);
     return made;
 }
 
@@ -89,6 +90,7 @@ void SettingsWindowController::observe() {
 
 void SettingsWindowController::disappear() {
     general->disappear();
+    items->disappear();
     stateObserver.reset();
     storeObserver.reset();
     screenObserver.reset();
@@ -111,9 +113,12 @@ void SettingsWindowController::tabAppears() {
     } else {
         general->disappear();
     }
-    if (selectedTab != Tab::rules) return;
-    rules->scan();
-    appRules->findApplications();
+    if (selectedTab == Tab::rules) {
+        items->appear();
+    } else {
+        items->disappear();
+    }
+    if (selectedTab == Tab::rules) appRules->findApplications();
 }
 
 void SettingsWindowController::refreshSoon() {

@@ -39,10 +39,11 @@ private:
     SettingsServices services;
     std::unique_ptr<Window> window;
     Tab selectedTab = Tab::general;
+    std::shared_ptr<MenuBarItemList> items;
     std::shared_ptr<GeneralSettingsTab> general;
     std::shared_ptr<MenuBarLayoutView> layout;
     std::shared_ptr<MenuBarSettingsTab> menuBar;
-    std::shared_ptr<RulesSettingsTab> rules;
+    std::unique_ptr<RulesSettingsTab> rules;
     std::shared_ptr<AppRulesSettingsTab> appRules;
     bool isRefreshing = false;
     Registration stateObserver;

@@ -111,6 +111,9 @@ TEST_F(Settings, rulesForAnItem) {
     waitForHidden("parcellite", false);
     // Pinned, it stays when the others go.
     toggle({"parcellite"});
+    clickOn("push button", "Remove the rule of Parcellite");
+    waitForStored(R"("base64": "e30=")");
+    EXPECT_FALSE(has("push button", "Remove the rule of Parcellite"));
 }
 
 TEST_F(Settings, rulesForAProgramInFront) {
