@@ -39,8 +39,9 @@ std::string percentage(double part) { return fmt::format("{}%", std::lround(part
 
 }  // namespace
 
-MenuBarSettingsTab::MenuBarSettingsTab(const SettingsServices& given, std::function<void()> told)
-    : services(given), changed(std::move(told)) {}
+MenuBarSettingsTab::MenuBarSettingsTab(const SettingsServices& given, const MenuBarItemList& list,
+                                       std::function<void()> told)
+    : services(given), items(list), changed(std::move(told)) {}
 
 Control MenuBarSettingsTab::content() {
     return columnOf({icon(), displayMode(), shelf(), behavior()});
@@ -214,9 +215,7 @@ Control MenuBarSettingsTab::shelfOrder() {
     list.key = "settings.menu_bar.shelf_order.label";
     list.title = text(list.key);
     list.detail = text("settings.menu_bar.shelf_order.drag_hint");
-    for (const auto& item : state.snapshotItems()) {
-        if (item.isHidden) list.options.push_back({item.id, item.label, item.icon});
-    }
+    list.options = hiddenItems();
     auto place = [&](const ControlOption& option) {
         return std::find(stored.begin(), stored.end(), option.value) - stored.begin();
     };
@@ -234,6 +233,22 @@ Control MenuBarSettingsTab::shelfOrder() {
         group.children.push_back(reset);
     }
     return group;
+}
+
+/// In shelf mode as the shelf has them: an item that it has brought out is still one of them.
+std::vector<ControlOption> MenuBarSettingsTab::hiddenItems() const {
+    std::vector<ControlOption> hidden;
+    const auto& snapshot = services.appState.snapshotItems();
+    if (isShelfMode(services.platform.screens, services.appState) && !snapshot.empty()) {
+        for (const auto& item : snapshot) {
+            if (item.isHidden) hidden.push_back({item.id, item.label, item.icon});
+        }
+        return hidden;
+    }
+    for (const MenuBarIconItem& item : items.items()) {
+        if (item.isHidden.value_or(false)) hidden.push_back({item.id, item.label, item.icon});
+    }
+    return hidden;
 }
 
 Control MenuBarSettingsTab::behavior() {

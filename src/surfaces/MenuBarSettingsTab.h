@@ -3,7 +3,7 @@
 #include <functional>
 #include <memory>
 
-#include "surfaces/SettingsServices.h"
+#include "surfaces/MenuBarItemList.h"
 
 namespace nevo {
 
@@ -11,7 +11,8 @@ namespace nevo {
 class MenuBarSettingsTab : public std::enable_shared_from_this<MenuBarSettingsTab> {
 public:
     /// `changed` is told when the tab shows something else.
-    MenuBarSettingsTab(const SettingsServices& services, std::function<void()> changed);
+    MenuBarSettingsTab(const SettingsServices& services, const MenuBarItemList& items,
+                       std::function<void()> changed);
 
     Control content();
 
@@ -24,10 +25,12 @@ private:
     Control displayMode();
     Control shelf();
     Control shelfOrder();
+    std::vector<ControlOption> hiddenItems() const;
     void addCustomColor(std::vector<Control>& controls);
     Control behavior();
 
     const SettingsServices& services;
+    const MenuBarItemList& items;
     std::function<void()> changed;
     /// The text that says why the last file wasn't taken; empty once an icon has been chosen.
     std::string refusal;

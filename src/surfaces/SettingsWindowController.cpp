@@ -48,7 +48,7 @@ std::shared_ptr<SettingsWindowController> SettingsWindowController::create(
     made->items = std::make_shared<MenuBarItemList>(made->services, changed);
     made->general = std::make_shared<GeneralSettingsTab>(made->services, changed);
     made->layout = std::make_shared<MenuBarLayoutView>(made->services.appState, changed);
-    made->menuBar = std::make_shared<MenuBarSettingsTab>(made->services, changed);
+    made->menuBar = std::make_shared<MenuBarSettingsTab>(made->services, *made->items, changed);
     made->rules = std::make_unique<RulesSettingsTab>(made->services, *made->items);
     made->appRules = std::make_shared<AppRulesSettingsTab>(made->services, *made->items, changed);
     return made;
@@ -113,7 +113,7 @@ void SettingsWindowController::tabAppears() {
     } else {
         general->disappear();
     }
-    if (selectedTab == Tab::rules) {
+    if (selectedTab == Tab::menuBar || selectedTab == Tab::rules) {
         items->appear();
     } else {
         items->disappear();
