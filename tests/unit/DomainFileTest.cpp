@@ -3,6 +3,7 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
+#include <chrono>
 #include <csignal>
 #include <cstdlib>
 #include <fstream>
@@ -107,6 +108,24 @@ TEST_F(DomainFileTest, TwoWritersMergeKeyByKey) {
         EXPECT_EQ(status, 0);
     }
     EXPECT_EQ(DomainFile(file).keys().size(), 102U);
+}
+
+TEST_F(DomainFileTest, AnotherFileOfTheSameSizeIsSeenAtOnce) {
+    DomainFile reader(file);
+    for (std::int64_t i = 0; i < 100; ++i) {
+        // Another writer each time, so that the numbers of files come round.
+        ASSERT_TRUE(DomainFile(file).update({{"number", i % 10}}));
+        ASSERT_TRUE(reader.reload());
+        ASSERT_EQ(reader.value("number"), DefaultsValue(i % 10)) << i;
+    }
+    // An editor may write into the file itself.
+    std::string content = text();
+    write(content.replace(content.find('9'), 1, "3"));
+    fs::last_write_time(file, fs::last_write_time(file) + std::chrono::seconds(2));
+    ASSERT_TRUE(reader.reload());
+    EXPECT_EQ(reader.value("number"), DefaultsValue(std::int64_t{3}));
+    ASSERT_TRUE(reader.update({{"number", std::int64_t{9}}}));
+    EXPECT_EQ(DomainFile(file).value("number"), DefaultsValue(std::int64_t{9}));
 }
 
 TEST_F(DomainFileTest, AFullDiskOrAReadOnlyFolderLeavesTheOldContent) {

@@ -5,6 +5,7 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <cerrno>
 #include <cstdlib>
 #include <cstring>
@@ -30,9 +31,31 @@ fs::path beside(const fs::path& file, const std::string& ending) {
 }  // namespace
 
 struct DomainFile::Content {
+    /// Whether `status` is that of the very file that was read, unchanged since.
+    bool isOf(const struct stat& status) const {
+        return file && status.st_dev == read.st_dev && status.st_ino == read.st_ino &&
+               status.st_size == read.st_size && status.st_mtim.tv_sec == read.st_mtim.tv_sec &&
+               status.st_mtim.tv_nsec == read.st_mtim.tv_nsec;
+    }
+
     nlohmann::json json = nlohmann::json::object();
     bool isBroken = false;
+    /// Held open, so that no later file gets its number.
+    Descriptor file{-1};
+    struct stat read {};
 };
+
+namespace {
+
+bool hasChanges(const nlohmann::json& json, const DomainFile::Changes& changes) {
+    return std::any_of(changes.begin(), changes.end(), [&](const auto& change) {
+        auto found = json.find(change.first);
+        if (!change.second) return found != json.end();
+        return found == json.end() || *found != jsonFrom(*change.second);
+    });
+}
+
+}  // namespace
 
 std::optional<fs::path> DomainFile::pathFor(const std::string& domain) {
     if (domain.empty() || domain.front() == '.' || domain.find('/') != std::string::npos ||
@@ -72,7 +95,7 @@ bool DomainFile::reload() {
         if (!content) return false;
         if (content->isBroken) setAside();
     }
-    adopt(*content);
+    adopt(content);
     return true;
 }
 
@@ -86,46 +109,50 @@ bool DomainFile::update(const Changes& changes) {
     auto content = read();
     if (!content) return false;
     if (content->isBroken && !setAside()) return false;
-    nlohmann::json merged = content->json;
+    if (!hasChanges(content->json, changes)) {
+        adopt(content);
+        return true;
+    }
+    auto merged = std::make_shared<Content>();
+    merged->json = content->json;
     for (const auto& [key, value] : changes) {
         if (value) {
-            merged[key] = jsonFrom(*value);
+            merged->json[key] = jsonFrom(*value);
         } else {
-            merged.erase(key);
+            merged->json.erase(key);
         }
     }
-    if (merged != content->json) {
-        // Text that isn't UTF-8 can't stand in JSON; its bad bytes are replaced.
-        auto text = merged.dump(2, ' ', false, nlohmann::json::error_handler_t::replace) + "\n";
-        if (!replaceFile(text)) return false;
-    }
-    content->json = std::move(merged);
-    adopt(*content);
+    if (!replaceFile(*merged)) return false;
+    adopt(merged);
     return true;
 }
 
 std::vector<std::string> DomainFile::takeProblems() { return std::exchange(problems, {}); }
 
-std::optional<DomainFile::Content> DomainFile::read() {
+std::shared_ptr<DomainFile::Content> DomainFile::read() {
+    auto content = std::make_shared<Content>();
     Descriptor opened(::open(file.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK));
     if (!opened) {
-        if (errno == ENOENT) return Content{};
+        if (errno == ENOENT) return content;
         // Something else stands where a folder should: what is known stays, and writing will tell.
-        if (errno == ENOTDIR) return std::nullopt;
+        if (errno == ENOTDIR) return nullptr;
         fail(fmt::format("can't read it: {}", std::strerror(errno)));
-        return std::nullopt;
+        return nullptr;
     }
+    // Reading a large file anew takes a tenth of a second, and most looks find nothing new.
+    bool hasStatus = ::fstat(opened.get(), &content->read) == 0;
+    if (hasStatus && last && last->isOf(content->read)) return last;
     std::string text;
     if (!readAll(opened.get(), text, largestFile)) {
         fail(fmt::format("can't read it: {}", std::strerror(errno)));
-        return std::nullopt;
+        return nullptr;
     }
-    Content content;
+    if (hasStatus) content->file = std::move(opened);
     // Empty: an editor is about to write it, or a crash left it so. Nothing to be kept.
     if (text.empty()) return content;
     auto parsed = text.size() > largestFile ? std::nullopt : parseDefaults(text);
-    content.isBroken = !parsed;
-    if (parsed) content.json = std::move(*parsed);
+    content->isBroken = !parsed;
+    if (parsed) content->json = std::move(*parsed);
     return content;
 }
 
@@ -142,9 +169,11 @@ bool DomainFile::setAside() {
     return fail(fmt::format("it can't be understood, nor set aside: {}", std::strerror(errno)));
 }
 
-void DomainFile::adopt(const Content& content) {
+void DomainFile::adopt(const std::shared_ptr<Content>& content) {
+    if (content == last) return;
+    last = content;
     known.clear();
-    for (const auto& [key, entry] : content.json.items()) {
+    for (const auto& [key, entry] : content->json.items()) {
         if (auto value = defaultsValueFrom(entry)) {
             known.emplace(key, std::move(*value));
         } else if (reportedKeys.insert(key).second) {
@@ -153,19 +182,24 @@ void DomainFile::adopt(const Content& content) {
     }
 }
 
-bool DomainFile::replaceFile(const std::string& text) {
+bool DomainFile::replaceFile(Content& content) {
+    // Text that isn't UTF-8 can't stand in JSON; its bad bytes are replaced.
+    auto text = content.json.dump(2, ' ', false, nlohmann::json::error_handler_t::replace) + "\n";
     if (text.size() > largestFile) return fail("it would grow too large");
     // Always the same name: what a crash left behind is written over by the next writer.
     auto temporary = beside(file, ".new");
     Descriptor out(
         ::open(temporary.c_str(), O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC | O_NOFOLLOW, 0600));
-    bool written = out && writeAll(out.get(), text) && ::fsync(out.get()) == 0 && out.close() &&
-                   ::rename(temporary.c_str(), file.c_str()) == 0;
+    bool written = out && writeAll(out.get(), text) && ::fsync(out.get()) == 0 && out.close();
+    Descriptor again(written ? ::open(temporary.c_str(), O_RDONLY | O_CLOEXEC) : -1);
+    bool isKnown = again && ::fstat(again.get(), &content.read) == 0;
+    written = written && ::rename(temporary.c_str(), file.c_str()) == 0;
     if (!written) {
         fail(fmt::format("can't write it: {}", std::strerror(errno)));
         ::unlink(temporary.c_str());
         return false;
     }
+    if (isKnown) content.file = std::move(again);
     Descriptor folder(::open(file.parent_path().c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
     if (folder) ::fsync(folder.get());
     return true;

@@ -2,6 +2,7 @@
 
 #include <filesystem>
 #include <map>
+#include <memory>
 #include <optional>
 #include <set>
 #include <string>
@@ -39,7 +40,8 @@ public:
     /// As last read or written.
     const Values& values() const { return known; }
 
-    /// Reads the file again, with what others wrote. One that can't be parsed is set aside as
+    /// Reads the file again if it has changed, with what others wrote. One that can't be parsed is
+    /// set aside as
     /// `<file>.broken-N` and reads as empty. False when it exists and can't be read: the values
     /// stay as they were.
     bool reload();
@@ -55,13 +57,16 @@ public:
 
 private:
     struct Content;
-    std::optional<Content> read();
+    /// The content that was adopted last where the file hasn't changed since; nullptr when it can't
+    /// be read.
+    std::shared_ptr<Content> read();
     bool setAside();
-    void adopt(const Content& content);
-    bool replaceFile(const std::string& text);
+    void adopt(const std::shared_ptr<Content>& content);
+    bool replaceFile(Content& content);
     bool fail(const std::string& what);
 
     std::filesystem::path file;
+    std::shared_ptr<Content> last;
     Values known;
     std::set<std::string> reportedKeys;
     std::vector<std::string> problems;

@@ -16,8 +16,11 @@ public:
     ~Descriptor() {
         if (number >= 0) ::close(number);
     }
-    Descriptor(const Descriptor&) = delete;
-    Descriptor& operator=(const Descriptor&) = delete;
+    Descriptor(Descriptor&& other) noexcept : number(std::exchange(other.number, -1)) {}
+    Descriptor& operator=(Descriptor&& other) noexcept {
+        std::swap(number, other.number);
+        return *this;
+    }
     explicit operator bool() const { return number >= 0; }
     int get() const { return number; }
     /// False when the file system reports a late failure.
