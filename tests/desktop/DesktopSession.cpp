@@ -49,6 +49,8 @@ void DesktopSession::SetUp() {
                 // Where programs look for another instance of theirs.
                 {"TMPDIR", folder / "tmp"},
                 {"LANG", "C.UTF-8"},
+                // Each line counts, and stands where it belongs.
+                {"NEVO_LOG_ALL", "1"},
                 // Toolkits would wait for accessibility and settings services that aren't there.
                 {"NO_AT_BRIDGE", "1"},
                 {"GSETTINGS_BACKEND", "memory"},

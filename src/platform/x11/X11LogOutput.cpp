@@ -25,10 +25,13 @@ void appendToFile(std::string_view line) {
     LogFile(std::filesystem::path(home) / "nevo_debug.log").append(line);
 }
 
+void writeToStandardError(std::string_view line) { writeAll(STDERR_FILENO, line); }
+
 }  // namespace
 
 X11LogOutput::X11LogOutput()
-    : standardError([](std::string_view line) { writeAll(STDERR_FILENO, line); }, monotonicSeconds),
+    : writesAll(std::getenv("NEVO_LOG_ALL") != nullptr),
+      standardError(writeToStandardError, monotonicSeconds),
       logFile(appendToFile, monotonicSeconds) {}
 
 X11LogOutput::~X11LogOutput() {
@@ -36,7 +39,9 @@ X11LogOutput::~X11LogOutput() {
     logFile.flush();
 }
 
-void X11LogOutput::writeStandardError(std::string_view text) { standardError.add(text); }
+void X11LogOutput::writeStandardError(std::string_view text) {
+    writesAll ? writeToStandardError(text) : standardError.add(text);
+}
 
 void X11LogOutput::writeStandardOutput(std::string_view text) { writeAll(STDOUT_FILENO, text); }
 
@@ -44,6 +49,8 @@ void X11LogOutput::writeSystemLog(std::string_view text) {
     syslog(LOG_NOTICE, "%.*s", static_cast<int>(text.size()), text.data());
 }
 
-void X11LogOutput::appendToLogFile(std::string_view text) { logFile.add(text); }
+void X11LogOutput::appendToLogFile(std::string_view text) {
+    writesAll ? appendToFile(text) : logFile.add(text);
+}
 
 }  // namespace nevo

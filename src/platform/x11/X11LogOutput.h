@@ -5,7 +5,8 @@
 
 namespace nevo {
 
-/// Counts lines that come again within a minute, for standard error and the file each.
+/// Counts lines that come again within a minute, for standard error and the file each; writes every
+/// line where the environment has NEVO_LOG_ALL.
 class X11LogOutput : public LogOutput {
 public:
     X11LogOutput();
@@ -18,6 +19,7 @@ public:
     void appendToLogFile(std::string_view text) override;
 
 private:
+    bool writesAll;
     RepeatedLines standardError;
     RepeatedLines logFile;
 };
