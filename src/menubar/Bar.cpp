@@ -248,7 +248,9 @@ int Bar::systemAreaLeft() const {
 }
 
 MenuBarRow::Room Bar::room() const {
-    return {static_cast<double>(windows.front()->rect().x), static_cast<double>(systemAreaLeft())};
+    const PixelRect& bar = windows.front()->rect();
+    return {static_cast<double>(bar.x), static_cast<double>(systemAreaLeft()),
+            static_cast<double>(bar.x + bar.width)};
 }
 
 void Bar::publishGeometry() {

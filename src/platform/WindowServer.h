@@ -44,6 +44,9 @@ public:
     virtual std::optional<int> windowLevel(WindowNumber window) const = 0;
     /// `CGSGetScreenRectForWindow`, also for windows pushed off the screen; nothing on failure.
     virtual std::optional<Rect> windowFrame(WindowNumber window) const = 0;
+    /// Where the bar's layout has a status item, which differs from its frame while it has been
+    /// moved directly (the position of the item's accessibility element); nothing on failure.
+    virtual std::optional<Rect> slotFrame(WindowNumber window) const = 0;
     /// `CGWindowListCopyWindowInfo(17 or 16, 0)`; nothing on failure.
     virtual std::optional<std::vector<WindowDescription>> windowList(
         WindowListOption option) const = 0;

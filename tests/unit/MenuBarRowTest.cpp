@@ -44,7 +44,7 @@ private:
     }
 };
 
-constexpr MenuBarRow::Room room{0, 1000};
+constexpr MenuBarRow::Room room{0, 1000, 1100};
 
 TEST(MenuBarRow, InsertsByPositionCountedFromTheRight) {
     struct Case {
@@ -141,21 +141,20 @@ TEST(MenuBarRow, WhatIsRightOfTheToggleGivesWayWhereItDoesNotFit) {
     };
     for (const Case& c :
          {Case{0, "h@0 T@20 a@40 b@60 c@80"}, Case{20, "h@0 T@20 a@40 b@60 c@80"},
-          Case{21, "h@20 T@40 (a@0) b@60 c@80"}, Case{60, "h@40 T@60 (a@0) (b@20) c@80"},
-          Case{61, "h@60 T@80 (a@0) (b@20) (c@40)"}, Case{300, "h@60 T@80 (a@0) (b@20) (c@40)"}}) {
-        EXPECT_EQ(places(rowAroundToggle(), {c.barLeft, 100}), c.expected) << c.barLeft;
+          Case{21, "h@20 T@40 (a@120) b@60 c@80"}, Case{60, "h@40 T@60 (a@120) (b@140) c@80"},
+          Case{61, "h@60 T@80 (a@120) (b@140) (c@160)"},
+          Case{300, "h@60 T@80 (a@120) (b@140) (c@160)"}}) {
+        EXPECT_EQ(places(rowAroundToggle(), {c.barLeft, 100, 120}), c.expected) << c.barLeft;
     }
-    // Nothing of it lies on the bar, however far it is from the left end to the row.
     Row bar;
     bar.insert('c', 500);
     bar.insertNative('T', 20, MenuBarRow::Role::keptInSight);
-    EXPECT_EQ(places(bar, {100, 400}), "T@380 (c@-400)");
     bar.insertNative('D', 10000, MenuBarRow::Role::native);
-    EXPECT_EQ(places(bar, {100, 400}), "D@-9620 T@380 (c@-10120)");
+    EXPECT_EQ(places(bar, {100, 400, 500}), "D@-9620 T@380 (c@500)");
     // Even a divider that stands on the wrong side.
     Row wrong = rowAroundToggle();
     wrong.row.setLength(Row::key('b'), 10000);
-    EXPECT_EQ(places(wrong, {0, 100}), "h@40 T@60 (a@-10020) (b@-10000) c@80");
+    EXPECT_EQ(places(wrong, {0, 100, 120}), "h@40 T@60 (a@120) (b@140) c@80");
 }
 
 TEST(MenuBarRow, DropsGoByTheItemsThatStand) {
@@ -170,7 +169,7 @@ TEST(MenuBarRow, DropsGoByTheItemsThatStand) {
                           Case{'c', 60, "hcTab"}, Case{'c', 90, "hTabc"}, Case{'a', 60, "haTbc"},
                           Case{'b', 95, "hTacb"}, Case{'a', -500, "ahTbc"}}) {
         Row bar = rowAroundToggle();
-        bar.row.drop(Row::key(c.item), c.center, {60, 100});
+        bar.row.drop(Row::key(c.item), c.center, {60, 100, 120});
         EXPECT_EQ(bar.order(), c.expected) << c.item << " at " << c.center;
     }
 }

@@ -124,16 +124,17 @@ std::vector<MenuBarRow::Slot> MenuBarRow::slots(const Room& room) const {
     std::vector<Slot> result(row.size());
     std::vector<bool> givesWay = givingWay(room);
     double right = room.right;
-    auto place = [&](bool givingWayOnes) {
-        for (std::size_t i = row.size(); i-- > 0;) {
-            if (givesWay[i] != givingWayOnes) continue;
-            right -= row[i].length;
-            result[i] = {row[i].key, right, row[i].length, givingWayOnes};
-        }
-    };
-    place(false);
-    right = std::min(right, room.left);
-    place(true);
+    double given = room.end;
+    for (std::size_t i = row.size(); i-- > 0;) {
+        const Item& item = row[i];
+        right -= givesWay[i] ? 0 : item.length;
+        if (!givesWay[i]) result[i] = {item.key, right, item.length, false};
+    }
+    for (std::size_t i = 0; i < row.size(); ++i) {
+        if (!givesWay[i]) continue;
+        result[i] = {row[i].key, given, row[i].length, true};
+        given += row[i].length;
+    }
     return result;
 }
 

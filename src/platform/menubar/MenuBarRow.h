@@ -14,9 +14,9 @@ namespace nevo {
 /// area) towards the left, each as wide as its length. There is no left limit: a long item pushes
 /// those left of it off the screen. Only the item that is kept in sight stays in the bar: where it
 /// and what stands right of it are wider than the bar, the leftmost items right of it *give way*,
-/// to slots beyond the left end, until there is room. A *position* is the distance in points from
-/// the system area's left edge to the item's left edge, so a large position means far left; it is
-/// counted as if no item were collapsed.
+/// to slots beyond the bar's right end, until there is room. A *position* is the distance in points
+/// from the system area's left edge to the item's left edge, so a large position means far left; it
+/// is counted as if no item were collapsed.
 class MenuBarRow {
 public:
     /// A handle of the caller's choosing, unique in the row.
@@ -50,10 +50,11 @@ public:
         Role role = Role::ordinary;
     };
 
-    /// The room for items: from the bar's left edge to the system area's.
+    /// The room for items, from the bar's left edge to the system area's, and the bar's right edge.
     struct Room {
         double left = 0;
         double right = 0;
+        double end = 0;
     };
 
     struct Slot {

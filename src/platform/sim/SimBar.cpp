@@ -213,8 +213,9 @@ std::optional<double> SimBar::systemAreaLeft() const {
 
 MenuBarRow::Room SimBar::room() const {
     auto right = systemAreaLeft();
-    return right ? MenuBarRow::Room{screens.displays().front().frame.x, *right}
-                 : MenuBarRow::Room{};
+    if (!right) return {};
+    const Rect& display = screens.displays().front().frame;
+    return {display.minX(), *right, display.maxX()};
 }
 
 Rect SimBar::slotFrame(WindowNumber window) const {
@@ -230,8 +231,9 @@ void SimBar::layOut() {
     for (const MenuBarRow::Slot& slot : keeper.row().slots(room())) {
         auto number = static_cast<WindowNumber>(slot.key);
         SimWindow* held = windows.find(number);
-        const Item& item = items.at(number);
+        Item& item = items.at(number);
         if (held == nullptr) continue;
+        item.slot = {slot.x, 0, slot.width, screens.barHeight()};
         if (number != dragged || !dragUsesPointer) {
             held->frame = {slot.x, 0, slot.width, screens.barHeight()};
             held->frame.x += item.jitter;

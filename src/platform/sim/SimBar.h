@@ -30,6 +30,8 @@ public:
         /// Whether it is one of the program's own.
         bool own = false;
         double length = 0;
+        /// Where the last layout had it, as the bar tells it.
+        Rect slot;
         /// The frame's origin while it floats above the row.
         std::optional<Point> floating;
         /// Points that it jumps at each settling of a bar that can't make up its mind.

@@ -67,6 +67,12 @@ std::optional<Rect> SimWindowServer::windowFrame(WindowNumber window) const {
     return held->frame;
 }
 
+std::optional<Rect> SimWindowServer::slotFrame(WindowNumber window) const {
+    const SimBar::Item* item = bar.find(window);
+    if (faults.strikes(SimOperation::windowFrame, window) || item == nullptr) return std::nullopt;
+    return item->slot;
+}
+
 std::optional<std::vector<WindowDescription>> SimWindowServer::windowList(
     WindowListOption option) const {
     if (faults.strikes(SimOperation::windowList)) return std::nullopt;

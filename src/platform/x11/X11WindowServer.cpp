@@ -69,6 +69,12 @@ std::optional<Rect> X11WindowServer::windowFrame(WindowNumber window) const {
     return std::nullopt;
 }
 
+std::optional<Rect> X11WindowServer::slotFrame(WindowNumber window) const {
+    const auto* item = barClient.itemOfNumber(window);
+    if (item == nullptr) return std::nullopt;
+    return server.coordinates.fromRoot(item->slot);
+}
+
 std::optional<std::vector<WindowDescription>> X11WindowServer::windowList(
     WindowListOption option) const {
     std::vector<WindowDescription> result;
