@@ -168,7 +168,7 @@ Lines openingLines(Stage& stage) {
         for (std::string& line : newProgram(stage)) lines.push_back(std::move(line));
     }
     // Most users have been through the first run.
-    if (stage.random.chance(90)) lines.push_back("set nevo nevo_onboarding_completed bool true");
+    if (stage.random.chance(10)) lines.push_back("unset nevo nevo_onboarding_completed");
     if (stage.random.chance(30)) lines.push_back("set nevo displayMode string shelf");
     lines.push_back("wait 1");
     return lines;

@@ -35,6 +35,8 @@ ScenarioRun::ScenarioRun(const Scenario& of)
 
 ScenarioRun::ScenarioRun(std::string called, LineSource from)
     : title(std::move(called)), nextLine(std::move(from)) {
+    // Most stories are about later days.
+    world.defaults.standard().set(onboardingCompletedKey, true);
     world.menus.whileOpen = [this] { runLines(true); };
     world.alerts.whileOpen = [this] { world.loop.runFor(readingTime); };
 }
