@@ -20,8 +20,6 @@ constexpr double zoneMargin = 15.0;
 /// What the system's own items take up at the right end, where none of them can be read.
 constexpr double systemItemsWidth = 150.0;
 constexpr double rightEdgeWithoutScreen = 1290.0;
-/// Further left an item is still being laid out.
-constexpr double leftLimit = 100.0;
 
 int capacityOf(double width) {
     return std::max(1, static_cast<int>(std::trunc(width / itemPitch)));
@@ -45,7 +43,6 @@ Task<> StatusBarController::moveAlwaysShowItems(std::weak_ptr<StatusBarControlle
         bool ok = co_await mover.moveItem(item.windowID, target);
         self = owner.lock();
         if (!self) co_return;
-        if (ok) self->alwaysShowProtectedWIDs.insert(item.windowID);
         self.reset();
         debugLog(fmt::format("[Rules] moveAlwaysShowItems: wid={} label={} from={} to={} ok={}",
                              item.windowID, item.label, describe(frame->x), describe(target),
@@ -68,7 +65,7 @@ StatusBarController::AlwaysShowPlan StatusBarController::planAlwaysShowPlacement
     }
     for (const ScannedBarItem& item : eligible) {
         preferences.restoreAndLog(item.bundleID, item.persistedID);
-        showByAlpha(item.windowID);
+        showByRule(item.windowID);
     }
     SafeZone zone = alwaysShowSafeZone(all);
     double nevoX = savedItemFrame.minX();
@@ -77,7 +74,7 @@ StatusBarController::AlwaysShowPlan StatusBarController::planAlwaysShowPlacement
     ScannedBarItems toMove;
     for (const ScannedBarItem& item : eligible) {
         auto frame = services.mover.readableFrame(item.windowID);
-        if (!frame || (frame->x > leftLimit && frame->x < farRight)) continue;
+        if (!frame) continue;
         if (frame->x <= nevoX || frame->x >= farRight) toMove.push_back(item);
     }
     if (toMove.empty()) {
@@ -107,6 +104,7 @@ StatusBarController::SafeZone StatusBarController::alwaysShowSafeZone(
         auto frame = services.mover.readableFrame(item.windowID);
         if (frame && frame->x > nevoX) rightEdge = std::min(rightEdge.value_or(frame->x), frame->x);
     }
+    if (!rightEdge) rightEdge = platform.statusBar.systemAreaLeft();
     if (!rightEdge) rightEdge = screen ? screenWidth - systemItemsWidth : rightEdgeWithoutScreen;
     if (*rightEdge - zoneMargin > baseX)
         return {baseX, capacityOf(*rightEdge - zoneMargin - baseX)};

@@ -63,23 +63,9 @@ void StatusBarController::restoreAppRuleOverrides() {
     ++appRuleGeneration;
     if (!appRuleActiveForBundleID) return;
     debugLog("[AppRule] Restoring overrides for " + *appRuleActiveForBundleID);
-    for (const AlphaOverride& changed : appRuleAlphaOverrides) {
-        bool wasOpened = changed.alphaRestoreCount != sectionManager.alphaRestoreCount;
-        // Had the rule not shown it, the section's opening would have.
-        if (changed.wasAlphaHidden && wasOpened) continue;
-        platform.windows.setWindowAlpha(changed.windowID, changed.previousAlpha);
-        // Whatever is transparent is in a set that makes it opaque again one day.
-        sectionManager.passinglyTransparentWindows.erase(changed.windowID);
-        if (changed.wasAlphaHidden) {
-            sectionManager.alphaHiddenWindows.insert(changed.windowID);
-        } else if (changed.previousAlpha < 1) {
-            sectionManager.passinglyTransparentWindows.insert(changed.windowID);
-        }
-    }
+    sectionManager.opacity.removeAll(ItemOpacity::Reason::hiddenInFront);
+    sectionManager.opacity.removeAll(ItemOpacity::Reason::shownInFront);
     if (nevoBar->isPanelVisible()) nevoBar->dismiss();
-    for (WindowNumber window : appRuleProtectedWIDs) alwaysShowProtectedWIDs.erase(window);
-    appRuleAlphaOverrides.clear();
-    appRuleProtectedWIDs.clear();
     appRuleActiveForBundleID.reset();
 }
 
@@ -98,19 +84,18 @@ Task<> StatusBarController::applyAppRule(std::weak_ptr<StatusBarController> owne
     if (!self || self->appRuleGeneration != generation) co_return;
 
     self->showInBar(items, visibleIcons);
+    int overrides = 0;
     for (const ScannedBarItem& item : items) {
         if (item.bundleID.empty()) continue;
         if (itemMatchesRule(item, hiddenIcons)) {
-            self->hideByAppRule(item);
+            overrides += self->hideByAppRule(item) ? 1 : 0;
         } else if (itemMatchesRule(item, visibleIcons)) {
-            self->showByAppRule(item);
+            overrides += self->showByAppRule(item) ? 1 : 0;
         }
     }
-    self->alwaysShowProtectedWIDs.insert(self->appRuleProtectedWIDs.begin(),
-                                         self->appRuleProtectedWIDs.end());
     self->appRuleActiveForBundleID = self->appState.activeAppBundleID();
     debugLog(fmt::format("[AppRule] Applied: hide={} show={} overrides={}", hiddenIcons.size(),
-                         visibleIcons.size(), self->appRuleAlphaOverrides.size()));
+                         visibleIcons.size(), overrides));
 }
 
 /// What the divider hides can't be seen in its place: it goes to the floating bar.
@@ -132,43 +117,30 @@ void StatusBarController::showInBar(const ScannedBarItems& items,
 
 float StatusBarController::lastingAlpha(WindowNumber window) const {
     // In a blanked bar every item reads as transparent; it won't be in a moment.
-    if (sectionManager.blankedWindows.contains(window) &&
-        !sectionManager.alphaHiddenWindows.contains(window))
-        return 1.0F;
+    const ItemOpacity& opacity = sectionManager.opacity;
+    if (opacity.has(ItemOpacity::Reason::blanked, window))
+        return opacity.alphaHiddenWindows().contains(window) ? 0.0F : 1.0F;
     return platform.windows.windowAlpha(window).value_or(1.0F);
 }
 
-bool StatusBarController::isHiddenByAppRule(WindowNumber window) const {
-    return !appRuleProtectedWIDs.contains(window) &&
-           std::any_of(appRuleAlphaOverrides.begin(), appRuleAlphaOverrides.end(),
-                       [window](const auto& changed) { return changed.windowID == window; });
-}
-
-void StatusBarController::hideByAppRule(const ScannedBarItem& item) {
-    float alpha = lastingAlpha(item.windowID);
-    if (alpha <= 0) return;
-    appRuleAlphaOverrides.push_back({item.windowID, alpha});
-    sectionManager.passinglyTransparentWindows.insert(item.windowID);
-    platform.windows.setWindowAlpha(item.windowID, 0.0F);
-    debugLog(
-        fmt::format("[AppRule] Hide {} ({}) wid={}", item.label, item.bundleID, item.windowID));
-}
-
-void StatusBarController::showByAppRule(const ScannedBarItem& item) {
-    if (appRuleProtectedWIDs.contains(item.windowID)) return;
-    float alpha = lastingAlpha(item.windowID);
-    if (alpha >= 1) return;
-    bool wasHidden = sectionManager.alphaHiddenWindows.erase(item.windowID) > 0;
-    bool wasPassing = sectionManager.passinglyTransparentWindows.erase(item.windowID) > 0;
-    // One that was transparent without being kept so has no reason to become so again.
-    if (wasHidden || !wasPassing) {
-        appRuleAlphaOverrides.push_back(
-            {item.windowID, alpha, wasHidden, sectionManager.alphaRestoreCount});
+bool StatusBarController::hideByAppRule(const ScannedBarItem& item) {
+    bool wasInSight = lastingAlpha(item.windowID) > 0;
+    sectionManager.opacity.add(ItemOpacity::Reason::hiddenInFront, item.windowID);
+    if (wasInSight) {
+        debugLog(
+            fmt::format("[AppRule] Hide {} ({}) wid={}", item.label, item.bundleID, item.windowID));
     }
-    platform.windows.setWindowAlpha(item.windowID, 1.0F);
-    appRuleProtectedWIDs.insert(item.windowID);
-    debugLog(fmt::format("[AppRule] Show alpha-hidden {} ({}) wid={}", item.label, item.bundleID,
-                         item.windowID));
+    return wasInSight;
+}
+
+bool StatusBarController::showByAppRule(const ScannedBarItem& item) {
+    bool wasHidden = lastingAlpha(item.windowID) < 1;
+    sectionManager.opacity.add(ItemOpacity::Reason::shownInFront, item.windowID);
+    if (wasHidden) {
+        debugLog(fmt::format("[AppRule] Show alpha-hidden {} ({}) wid={}", item.label,
+                             item.bundleID, item.windowID));
+    }
+    return wasHidden;
 }
 
 }  // namespace nevo

@@ -1,6 +1,7 @@
 #include "controller/StatusBarController.h"
 #include "core/Texts.h"
 #include "core/debugLog.h"
+#include "discovery/ItemLabel.h"
 
 namespace nevo {
 
@@ -46,14 +47,36 @@ std::vector<MenuItem> StatusBarController::contextMenu() {
     updates.action = [weak, updates] {
         if (auto self = weak.lock()) self->checkForUpdatesFromMenu(updates);
     };
-    return {settings,
-            updates,
-            MenuItem{},
-            row("menu_bar.context_menu.about", "", "info.circle",
-                bound(&StatusBarController::openAbout)),
-            MenuItem{},
-            row("menu_bar.context_menu.quit", "q", "xmark.circle",
-                bound(&StatusBarController::quitApp))};
+    std::vector<MenuItem> rows = alwaysHiddenRows();
+    rows.insert(rows.end(), {settings, updates, MenuItem{},
+                             row("menu_bar.context_menu.about", "", "info.circle",
+                                 bound(&StatusBarController::openAbout)),
+                             MenuItem{},
+                             row("menu_bar.context_menu.quit", "q", "xmark.circle",
+                                 bound(&StatusBarController::quitApp))});
+    return rows;
+}
+
+/// Where there is no shelf, the way to items that no click shows: a heading, and a row for each.
+std::vector<MenuItem> StatusBarController::alwaysHiddenRows() const {
+    std::vector<MenuItem> rows;
+    ScannedBarItems items = itemsRuledHidden();
+    if (isShelfMode() || items.empty()) return rows;
+    rows.push_back(row("menu_bar.context_menu.always_hidden", "", "", nullptr));
+    rows.back().isEnabled = false;
+    for (const ScannedBarItem& item : items) {
+        MenuItem entry;
+        entry.key = "menu_bar.context_menu.bring_out " + item.persistedID;
+        entry.title = labelForPeople(item, platform.workspace);
+        entry.action =
+            [weak = std::weak_ptr(std::const_pointer_cast<StatusBarController>(shared_from_this())),
+             id = item.persistedID] {
+                if (auto self = weak.lock()) self->bringOut(id);
+            };
+        rows.push_back(std::move(entry));
+    }
+    rows.emplace_back();
+    return rows;
 }
 
 void StatusBarController::checkForUpdatesFromMenu(const MenuItem& item) {

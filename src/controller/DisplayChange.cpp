@@ -60,6 +60,7 @@ void StatusBarController::screenChanged() {
         enforceAlwaysHide(ownIDs);
         reassertAlpha(ownIDs);
         decoyController->followToggle();
+        spawn(platform.runLoop, takeInRow(weak_from_this()));
         return;
     }
     debugLog("[Nevo] Screen configuration changed, isExpanded=" + describe(appState.isExpanded()));
@@ -69,7 +70,6 @@ void StatusBarController::screenChanged() {
     }
     isDisplayTransitioning = true;
     bool wasExpanded = appState.isExpanded();
-    sectionManager.disownAlphaHiddenWindows();
     if (sectionManager.isHiddenDividerCollapsed()) {
         refreshToggleButton();
         sectionManager.setDividerLength(*sectionManager.hiddenDivider, false);
@@ -86,7 +86,7 @@ void StatusBarController::waitForStableAfterScreenChange(int attempt, bool reapp
     if (attempt > lastAttempt) {
         debugLog("[Nevo] Screen change: gave up waiting for stable position after 20 attempts");
         isDisplayTransitioning = false;
-        if (reapplyHide) startCollapse(false, nullptr);
+        if (reapplyHide) startOwnCollapse();
         return;
     }
     platform.runLoop.postAfter(pollInterval, [weak = weak_from_this(), attempt, reapplyHide] {
@@ -124,7 +124,7 @@ void StatusBarController::finishScreenChange(bool reapplyHide) {
     if (!reapplyHide) return;
     debugLog("[Nevo] Screen change: re-applying hide");
     if (appState.isExpanded()) appState.setIsExpanded(false);
-    startCollapse(false, nullptr);
+    startOwnCollapse();
 }
 
 void StatusBarController::recompensatePositionAfterWake(const std::string& reason) {

@@ -7,9 +7,6 @@ namespace nevo {
 void StatusBarController::displayModeChanged() {
     debugLog("[Nevo] Display mode changed to shelfMode=" + describe(isShelfMode()));
     itemMonitorTimer.reset();
-    for (WindowNumber window : sectionManager.alphaHiddenWindows)
-        platform.windows.setWindowAlpha(window, 1.0F);
-    sectionManager.alphaHiddenWindows.clear();
     if (shelfController) shelfController->resetForDisplayModeChange();
     nevoBar->dismiss();
     cachedHiddenItems.clear();
@@ -24,6 +21,8 @@ void StatusBarController::displayModeChanged() {
     startItemMonitor();
     services.scanner.invalidateScanCache();
     lastStableX = -1.0;
+    // In the new mode the section begins closed, as at the start.
+    hasUserToggled = isFirstCollapseHeld = false;
     startFirstCollapse();
 }
 

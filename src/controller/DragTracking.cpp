@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <utility>
 
 #include "controller/StatusBarController.h"
 #include "core/debugLog.h"
@@ -23,8 +24,6 @@ constexpr double lostMouseUp = 10.0;
 /// The window server has placed the dropped item by then.
 constexpr double dropSettle = 0.15;
 constexpr double toggleMoved = 20.0;
-/// A drag this far to the left hides the item wherever it landed.
-constexpr double hidingDistance = 50.0;
 constexpr double snapshotSettle = 0.4;
 
 bool isCommandDrag(const Event& event) {
@@ -92,10 +91,6 @@ bool StatusBarController::mayStartDrag() const {
         debugLog("[CmdDrag] start gate: already dragging");
         return false;
     }
-    if (!sectionManager.isHiddenDividerCollapsed()) {
-        debugLog("[CmdDrag] start gate: hidden section NOT collapsed, skip");
-        return false;
-    }
     Point mouse = platform.events.mouseLocation();
     auto screens = platform.screens.screens();
     auto under = std::find_if(screens.begin(), screens.end(),
@@ -119,14 +114,18 @@ void StatusBarController::startDrag() {
     isDraggingMenuBarItem = true;
     auto toggle = SectionManager::frame(*sectionManager.toggleItem);
     isDraggingNevoToggle = toggle && toggle->grownBy(toggleMargin).contains(mouse);
+    draggedWindow = itemUnder(mouse);
     preDragToggleFrame.reset();
     preDragPositions.clear();
-    sectionManager.setDividerLength(*sectionManager.hiddenDivider, false);
-    if (StatusItemButton* button = sectionManager.toggleItem->button()) button->setAlpha(1.0);
-    auto self = shared_from_this();
-    platform.runLoop.turnFor(layoutTurn);
-    // A drag that was over before the bar had its new layout has nothing to be measured.
-    if (!isDraggingMenuBarItem) return;
+    if (sectionManager.isHiddenDividerCollapsed()) {
+        hasDragOpenedSection = true;
+        sectionManager.setDividerLength(*sectionManager.hiddenDivider, false);
+        if (StatusItemButton* button = sectionManager.toggleItem->button()) button->setAlpha(1.0);
+        auto self = shared_from_this();
+        platform.runLoop.turnFor(layoutTurn);
+        // A drag that was over before the bar had its new layout has nothing to be measured.
+        if (!isDraggingMenuBarItem) return;
+    }
 
     preDragToggleFrame = SectionManager::frame(*sectionManager.toggleItem);
     for (WindowNumber window : otherMenuBarWindows()) {
@@ -159,10 +158,17 @@ void StatusBarController::settleDrag(bool wasDraggingToggle, std::optional<Rect>
     // A drag that has begun meanwhile does this at its own end.
     if (isDraggingMenuBarItem) return;
     if (wasDraggingToggle) {
+        hasDragOpenedSection = false;
         leaveExpandedAfterDrag();
         return;
     }
     bool changed = reconcileDrag();
+    if (shelfController) shelfController->endLostPresentation();
+    // A section that was open stays so.
+    if (!std::exchange(hasDragOpenedSection, false)) {
+        spawn(platform.runLoop, takeInRow(weak_from_this()));
+        return;
+    }
     auto frame = SectionManager::frame(*sectionManager.toggleItem);
     bool moved = preFrame && frame &&
                  (std::abs(frame->midX() - preFrame->midX()) > toggleMoved ||
@@ -201,6 +207,7 @@ void StatusBarController::leaveExpandedAfterDrag() {
     nevoBar->dismiss();
     cachedHiddenItems.clear();
     appState.setIsExpanded(true);
+    hasUserToggled = true;
     if (auto frame = toggleButtonScreenFrame()) savedItemFrame = *frame;
     recordCanonicalToggleX();
     services.scanner.invalidateScanCache();
@@ -222,19 +229,52 @@ bool StatusBarController::reconcileDrag() {
         auto frame = services.mover.readableFrame(window);
         bool isHidden = frame && frame->width > smallestItem && frame->midX() < dividerX;
         auto id = ids.find(window);
-        if (!isHidden || id == ids.end() || !isStoredAlwaysShow(id->second)) continue;
+        if (!isHidden || id == ids.end() || !isStored(IconRule::alwaysShow, id->second)) continue;
+        rulePlaces.forget(id->second);
         appState.rules.setIconRule(IconRule::automatic, id->second);
-        hideByAlpha(window);
+        if (hasDragOpenedSection) hideDragged(window);
         debugLog(fmt::format("[CmdDrag] reconcile: clear alwaysShow for {} in hidden zone (x={})",
                              id->second, describe(frame->midX())));
         changed = true;
     }
+    changed = endRuleOfDragged(ids) || changed;
     preDragPositions.clear();
     services.scanner.invalidateScanCache();
     return changed;
 }
 
-/// True when the item was dragged to the hidden side of the toggle, or far towards it.
+/// A hand has taken an always-hidden item out and dropped it among the others: it stays there.
+bool StatusBarController::endRuleOfDragged(const std::map<WindowNumber, std::string>& ids) {
+    auto window = std::exchange(draggedWindow, std::nullopt);
+    auto id = window ? ids.find(*window) : ids.end();
+    if (id == ids.end() || !isStored(IconRule::alwaysHide, id->second)) return false;
+    auto slot = platform.windows.slotFrame(*window);
+    auto frame = services.mover.readableFrame(*window);
+    bool isDropped = slot && frame && std::abs(slot->x - frame->x) <= 1.0;
+    if (!isDropped || sectionManager.isBehindAlwaysHiddenDivider(slot->midX())) return false;
+    rulePlaces.forget(id->second);
+    sectionManager.opacity.setRule(*window, false, false);
+    appState.rules.setIconRule(IconRule::automatic, id->second);
+    return true;
+}
+
+/// What a press at `mouse` (origin at the bottom left) takes into the hand: an item that has been
+/// brought out lies above the others.
+std::optional<WindowNumber> StatusBarController::itemUnder(Point mouse) const {
+    auto screens = platform.screens.screens();
+    if (screens.empty()) return std::nullopt;
+    Point place{mouse.x, screens.front().frame.maxY() - mouse.y};
+    std::optional<WindowNumber> hit;
+    for (WindowNumber window : otherMenuBarWindows()) {
+        auto frame = services.mover.readableFrame(window);
+        if (!frame || !frame->contains(place)) continue;
+        bool isOut = sectionManager.opacity.has(ItemOpacity::Reason::broughtOut, window);
+        if (!hit || isOut) hit = window;
+    }
+    return hit;
+}
+
+/// True when the item was dragged to the hidden side of the toggle.
 bool StatusBarController::hideIfDraggedAcross(WindowNumber window, const Rect& frame,
                                               double dividerX,
                                               const std::map<WindowNumber, std::string>& ids) {
@@ -243,25 +283,31 @@ bool StatusBarController::hideIfDraggedAcross(WindowNumber window, const Rect& f
     if (!isMeasurable || start == preDragPositions.end() || start->second < 0) return false;
     double before = start->second;
     double now = frame.midX();
-    double dragged = before - now;
-    bool crossed =
-        now < dividerX ? before >= dividerX : dragged > hidingDistance && before > dividerX;
+    bool crossed = now < dividerX && before >= dividerX;
     if (!crossed) return false;
-    hideByAlpha(window);
+    // An open section goes on showing it.
+    if (hasDragOpenedSection) hideDragged(window);
     debugLog(fmt::format("[CmdDrag] reconcile: hide wid={} {}→{} dragged={}", window,
-                         describe(before), describe(now), describe(dragged)));
+                         describe(before), describe(now), describe(before - now)));
     auto id = ids.find(window);
-    if (id != ids.end() && isStoredAlwaysShow(id->second)) {
+    if (id != ids.end() && isStored(IconRule::alwaysShow, id->second)) {
+        rulePlaces.forget(id->second);
         appState.rules.setIconRule(IconRule::automatic, id->second);
         debugLog("[CmdDrag] reconcile: clear alwaysShow rule for " + id->second);
     }
     return true;
 }
 
-bool StatusBarController::isStoredAlwaysShow(const std::string& persistedID) const {
+/// The hand decides: no rule keeps in sight what it has put behind the divider.
+void StatusBarController::hideDragged(WindowNumber window) {
+    sectionManager.opacity.setRule(window, false, false);
+    sectionManager.opacity.add(ItemOpacity::Reason::stray, window);
+}
+
+bool StatusBarController::isStored(IconRule wanted, const std::string& persistedID) const {
     IconRules rules = appState.rules.loadIconRules();
     auto rule = rules.find(persistedID);
-    return rule != rules.end() && rule->second == IconRule::alwaysShow;
+    return rule != rules.end() && rule->second == wanted;
 }
 
 }  // namespace nevo

@@ -25,7 +25,10 @@ void StatusBarController::startItemMonitor() {
 }
 
 void StatusBarController::monitorPass() {
-    if (isBarInMotion() || isShelfIn(ShelfState::Kind::presentingItem)) return;
+    if (isBarInMotion()) return;
+    if (shelfController) shelfController->endLostPresentation();
+    watchRow();
+    if (isShelfIn(ShelfState::Kind::presentingItem)) return;
     auto ownIDs = sectionManager.ownWindowIDs();
     enforceAlwaysShow(ownIDs);
     if (!isShelfMode()) return;
@@ -65,10 +68,9 @@ void StatusBarController::enforceAlwaysShow(const std::set<WindowNumber>& ownIDs
 /// True when the item has come to stand left of the toggle.
 bool StatusBarController::enforceAlwaysShow(const ScannedBarItem& item, double nevoX) {
     preferences.restoreAndLog(item.bundleID, item.persistedID);
-    bool isTransparent = sectionManager.alphaHiddenWindows.contains(item.windowID) ||
-                         sectionManager.passinglyTransparentWindows.contains(item.windowID);
-    if (isTransparent) showByAlpha(item.windowID);
-    bool isProtected = alwaysShowProtectedWIDs.contains(item.windowID);
+    bool isProtected = sectionManager.opacity.has(ItemOpacity::Reason::shownByRule, item.windowID);
+    if (!isProtected || sectionManager.opacity.isTransparent(item.windowID))
+        showByRule(item.windowID);
     auto frame = services.mover.readableFrame(item.windowID);
     bool inHiddenZone = nevoX > 0 && frame && frame->x < nevoX;
     if (inHiddenZone) {
@@ -76,7 +78,6 @@ bool StatusBarController::enforceAlwaysShow(const ScannedBarItem& item, double n
             "[ItemMonitor] alwaysShow drift wid={} protected={} inHiddenZone=true id={}",
             item.windowID, describe(isProtected), item.persistedID));
     } else if (!isProtected) {
-        alwaysShowProtectedWIDs.insert(item.windowID);
         debugLog(fmt::format("[ItemMonitor] alwaysShow protected already-visible wid={} id={}",
                              item.windowID, item.persistedID));
     }
@@ -94,40 +95,44 @@ void StatusBarController::alphaHideStrays(const std::set<WindowNumber>& ownIDs) 
     auto screen = screenOf(platform.screens, *toggle);
     std::map<WindowNumber, std::string> ids = snapshotIDs();
     IconRules rules = appState.rules.loadIconRules();
+    ItemOpacity& opacity = sectionManager.opacity;
+    std::set<WindowNumber> isProtected = opacity.alwaysShowProtectedWIDs();
     for (WindowNumber window : services.scanner.menuBarWindowIDs()) {
         if (ownIDs.contains(window)) continue;
         auto frame = services.mover.readableFrame(window);
+        // What has come to stand right of the toggle is no stray any more.
+        if (frame && !(frame->x < toggle->x)) opacity.remove(ItemOpacity::Reason::stray, window);
         if (!frame || !(frame->width > smallestStray) || !(frame->width < largestStray)) continue;
         if (screen &&
             !(frame->maxX() > screen->frame.minX() && frame->minX() < screen->frame.maxX()))
             continue;
-        if (!(frame->x < toggle->x) || alwaysShowProtectedWIDs.contains(window)) continue;
+        if (!(frame->x < toggle->x) || isProtected.contains(window)) continue;
         auto id = ids.find(window);
         auto rule = id == ids.end() ? rules.end() : rules.find(id->second);
         if (rule != rules.end() && rule->second == IconRule::alwaysShow) continue;
-        if (!sectionManager.alphaHiddenWindows.contains(window)) {
+        if (!opacity.alphaHiddenWindows().contains(window)) {
             debugLog(fmt::format("[ItemMonitor] alpha-hide wid={} origin.x={} toggleX={}", window,
                                  describe(frame->x), describe(toggle->x)));
         }
-        hideByAlpha(window);
+        opacity.add(ItemOpacity::Reason::stray, window);
     }
 }
 
 void StatusBarController::enforceAlwaysHide(const std::set<WindowNumber>& ownIDs) {
     IconRules rules = appState.rules.loadIconRules();
+    ItemOpacity& opacity = sectionManager.opacity;
     for (const ScannedBarItem& item : snapshotItems({SectionName::visible})) {
-        // What the program in front wants to be seen isn't hidden under its eyes.
-        bool isShownByAppRule = appRuleProtectedWIDs.contains(item.windowID);
-        if (ownIDs.contains(item.windowID) || isShownByAppRule) continue;
-        if (sectionManager.alphaHiddenWindows.contains(item.windowID)) {
-            services.mover.setWindowAlpha(item.windowID, 0.0);
+        if (ownIDs.contains(item.windowID)) continue;
+        if (opacity.isTransparent(item.windowID)) {
+            opacity.reassert(item.windowID);
             continue;
         }
         auto rule = rules.find(item.persistedID);
         bool hides = rule != rules.end() && rule->second == IconRule::alwaysHide;
         // Nobody would take back what is done for the sake of a phantom's rule.
-        if (!hides || isPhantomID(item.persistedID)) continue;
-        hideByAlpha(item.windowID);
+        bool isKnown = opacity.has(ItemOpacity::Reason::hiddenByRule, item.windowID);
+        if (!hides || isKnown || isPhantomID(item.persistedID)) continue;
+        opacity.setRule(item.windowID, true, false);
         debugLog(fmt::format("[ItemMonitor] alwaysHide enforced wid={} id={}", item.windowID,
                              item.persistedID));
     }
@@ -137,9 +142,8 @@ void StatusBarController::reassertAlpha(const std::set<WindowNumber>& ownIDs) {
     if (isDraggingMenuBarItem) return;
     if (!sectionManager.isHiddenDividerCollapsed() && isShelfIn(ShelfState::Kind::presentingItem))
         return;
-    for (WindowNumber window : sectionManager.alphaHiddenWindows) {
-        if (ownIDs.contains(window) || alwaysShowProtectedWIDs.contains(window)) continue;
-        services.mover.setWindowAlpha(window, 0.0);
+    for (WindowNumber window : sectionManager.opacity.alphaHiddenWindows()) {
+        if (!ownIDs.contains(window)) sectionManager.opacity.reassert(window);
     }
 }
 

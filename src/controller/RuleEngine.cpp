@@ -10,17 +10,8 @@
 namespace nevo {
 
 namespace {
-
-/// A rule that is set again within this time is the same change told twice.
-constexpr double duplicateWindow = 2.0;
 constexpr double alwaysShowSettle = 0.3;
-constexpr double dividerOpenSettle = 0.5;
-constexpr double collapseSettle = 0.1;
-constexpr double snapshotSettle = 1.0;
-/// Where an always-hidden item is dragged to: left of everything.
-constexpr double hiddenTargetX = 50.0;
-
-}  // namespace
+}
 
 void StatusBarController::observeRules() {
     auto weak = weak_from_this();
@@ -48,20 +39,35 @@ Task<> StatusBarController::filterRuleChange(std::weak_ptr<StatusBarController> 
                              rawValue(current)));
         co_return;
     }
-    std::string key = id + ":" + raw;
-    auto last = self->lastRuleChangeTime.find(key);
     double now = self->platform.runLoop.now();
-    if (last != self->lastRuleChangeTime.end() && now - last->second < duplicateWindow) {
+    if (self->ruleChanges.isDuplicate(id, *rule, now)) {
         debugLog(fmt::format("[Rules] skip duplicate {} for {}", raw, id));
         co_return;
     }
-    self->lastRuleChangeTime[key] = now;
-    self.reset();
-    co_await handleRuleChange(owner, id, *rule);
+    self->ruleChanges.accept(id, *rule, now);
+    if (!self->ruleChanges.begin(id)) co_return;
+    RuleChange change;
+    do {
+        change = self->ruleChanges.newest(id);
+        self.reset();
+        co_await handleRuleChange(owner, change);
+        self = owner.lock();
+        if (!self) co_return;
+    } while (!self->ruleChanges.isNewest(change));
+    self->ruleChanges.end(id);
+}
+
+/// The controller, while the change is still to be carried out; nullptr otherwise.
+std::shared_ptr<StatusBarController> StatusBarController::carryingOut(
+    const std::weak_ptr<StatusBarController>& owner, const RuleChange& change) {
+    auto self = owner.lock();
+    return self && self->ruleChanges.isNewest(change) ? self : nullptr;
 }
 
 Task<> StatusBarController::handleRuleChange(std::weak_ptr<StatusBarController> owner,
-                                             std::string id, IconRule rule) {
+                                             RuleChange change) {
+    std::string id = change.persistedID;
+    IconRule rule = change.rule;
     if (isPhantomID(id)) {
         debugLog("[Rules] handleRuleChange skip phantom/system id=" + id);
         co_return;
@@ -76,14 +82,16 @@ Task<> StatusBarController::handleRuleChange(std::weak_ptr<StatusBarController> 
         std::set<WindowNumber> own = self->sectionManager.ownWindowIDs();
         self.reset();
         ScannedBarItems items = co_await scanner.scanCached(own, 0.0);
-        self = owner.lock();
+        self = carryingOut(owner, change);
         if (!self) co_return;
         self->updateSnapshot(items, false);
         item = self->findItem(id);
     }
     if (rule != IconRule::alwaysHide) {
+        auto place =
+            rule == IconRule::automatic ? self->rulePlaces.position(id) : std::optional<double>();
         self->preferences.restoreAndLog(
-            item ? item->bundleID : bundleIDFromPersistedID(id).value_or(""), id);
+            item ? item->bundleID : bundleIDFromPersistedID(id).value_or(""), id, place);
     }
     auto window = item ? std::optional(item->windowID) : self->findWindowByProcess(id);
     if (!window) {
@@ -93,13 +101,14 @@ Task<> StatusBarController::handleRuleChange(std::weak_ptr<StatusBarController> 
     }
     debugLog(
         fmt::format("[Rules] handleRuleChange rule={} wid={} id={}", rawValue(rule), *window, id));
+    if (rule != IconRule::automatic) self->rulePlaces.remember(*window, self->snapshotIDs());
     self.reset();
     if (rule == IconRule::alwaysShow) {
-        co_await applyAlwaysShow(owner, *window, id);
+        co_await applyAlwaysShow(owner, change, *window);
     } else if (rule == IconRule::alwaysHide) {
-        co_await applyAlwaysHide(owner, *window, id);
-    } else if (auto held = owner.lock()) {
-        held->applyAutomatic(*window, id);
+        co_await applyAlwaysHide(owner, change, *window);
+    } else {
+        co_await applyAutomatic(owner, change, *window);
     }
 }
 
@@ -153,65 +162,75 @@ std::map<WindowNumber, std::string> StatusBarController::snapshotIDs() const {
     return ids;
 }
 
-void StatusBarController::applyAutomatic(WindowNumber window, const std::string& persistedID) {
-    alwaysShowProtectedWIDs.erase(window);
-    // The rule of the program in front comes first, as long as it is there.
-    bool isOverridden = isHiddenByAppRule(window);
-    bool wasHidden = sectionManager.alphaHiddenWindows.erase(window) > 0;
-    if (!isOverridden)
-        wasHidden = sectionManager.passinglyTransparentWindows.erase(window) > 0 || wasHidden;
-    if (sectionManager.isHiddenDividerCollapsed()) {
-        hideByAlpha(window);
+Task<> StatusBarController::applyAutomatic(std::weak_ptr<StatusBarController> owner,
+                                           RuleChange change, WindowNumber window) {
+    std::string id = change.persistedID;
+    auto self = owner.lock();
+    if (!self) co_return;
+    bool wasHidden = self->sectionManager.opacity.alphaHiddenWindows().contains(window);
+    self->sectionManager.opacity.setRule(window, false, false);
+    self.reset();
+    co_await returnToPlace(owner, id, window);
+    self = carryingOut(owner, change);
+    if (!self) co_return;
+    ItemOpacity& opacity = self->sectionManager.opacity;
+    bool isCollapsed = self->sectionManager.isHiddenDividerCollapsed();
+    if (isCollapsed && self->rulePlaces.isLeftOfToggle(window)) {
+        opacity.add(ItemOpacity::Reason::stray, window);
         debugLog(fmt::format("[Rules] auto (collapsed): keep hidden wid={}", window));
-    } else if (wasHidden && !isOverridden) {
-        services.mover.setWindowAlpha(window, 1.0);
+    } else if (wasHidden) {
+        opacity.remove(ItemOpacity::Reason::stray, window);
         debugLog(fmt::format("[Rules] auto: restored wid={}", window));
     }
-    updateAlwaysHiddenDivider();
-    decoyController->handleRuleChange(persistedID, IconRule::automatic);
+    self.reset();
+    co_await arrangeAlwaysHidden(owner);
+    self = owner.lock();
+    if (self) self->decoyController->handleRuleChange(id, IconRule::automatic);
 }
 
-bool StatusBarController::hideByAlpha(WindowNumber window) {
-    bool ok = services.mover.setWindowAlpha(window, 0.0);
-    sectionManager.alphaHiddenWindows.insert(window);
-    return ok;
+/// Takes an item whose rule has ended back to where it stood before. The place stays remembered
+/// until that has been possible: its program may not be there.
+Task<> StatusBarController::returnToPlace(std::weak_ptr<StatusBarController> owner, std::string id,
+                                          WindowNumber window) {
+    auto self = owner.lock();
+    if (!self) co_return;
+    auto target = self->rulePlaces.target(window, self->snapshotIDs());
+    if (!target) co_return;
+    ItemMover& mover = self->services.mover;
+    Point place = *target;
+    self.reset();
+    bool moved = co_await mover.reorderInPlace(window, place);
+    self = owner.lock();
+    if (self && moved) self->rulePlaces.forget(id);
 }
 
-/// The section may have been opened since, which forgets what is transparent.
-void StatusBarController::hideAgain(WindowNumber window) {
-    services.mover.setWindowAlpha(window, 0.0);
-    if (!sectionManager.alphaHiddenWindows.contains(window))
-        sectionManager.passinglyTransparentWindows.insert(window);
-}
-
-void StatusBarController::showByAlpha(WindowNumber window) {
-    sectionManager.alphaHiddenWindows.erase(window);
-    // The rule of the program in front comes first, as long as it is there.
-    if (isHiddenByAppRule(window)) return;
-    sectionManager.passinglyTransparentWindows.erase(window);
-    services.mover.setWindowAlpha(window, 1.0);
+void StatusBarController::showByRule(WindowNumber window) {
+    sectionManager.opacity.remove(ItemOpacity::Reason::stray, window);
+    sectionManager.opacity.setRule(window, false, true);
 }
 
 Task<> StatusBarController::applyAlwaysShow(std::weak_ptr<StatusBarController> owner,
-                                            WindowNumber window, std::string persistedID) {
+                                            RuleChange change, WindowNumber window) {
     auto self = owner.lock();
     if (!self) co_return;
-    self->showByAlpha(window);
+    self->showByRule(window);
     self->platform.windows.setSetsCursorInBackground(true);
     self.reset();
     co_await sleep(alwaysShowSettle);
-    self = owner.lock();
+    self = carryingOut(owner, change);
     if (!self) co_return;
     if (auto target = self->alwaysShowTarget(window)) {
         ItemMover& mover = self->services.mover;
+        Point place = *target;
         self.reset();
         // Where it ended up is the monitor's business.
-        co_await mover.moveItem(window, *target);
-        self = owner.lock();
+        co_await mover.moveItem(window, place);
+        self = carryingOut(owner, change);
         if (!self) co_return;
     }
-    self->alwaysShowProtectedWIDs.insert(window);
-    self->decoyController->handleRuleChange(persistedID, IconRule::alwaysShow);
+    self->decoyController->handleRuleChange(change.persistedID, IconRule::alwaysShow);
+    self.reset();
+    co_await arrangeAlwaysHidden(owner);
 }
 
 std::optional<Point> StatusBarController::alwaysShowTarget(WindowNumber window) {
@@ -241,115 +260,6 @@ std::optional<Point> StatusBarController::alwaysShowTarget(WindowNumber window) 
     debugLog(fmt::format("[Rules] alwaysShow: wid={} from={} to={}", window, describe(frame->x),
                          describe(target)));
     return target;
-}
-
-bool StatusBarController::stillHides(const std::string& id) const {
-    IconRules rules = appState.rules.loadIconRules();
-    auto stored = rules.find(id);
-    return stored != rules.end() && stored->second == IconRule::alwaysHide;
-}
-
-Task<> StatusBarController::applyAlwaysHide(std::weak_ptr<StatusBarController> owner,
-                                            WindowNumber window, std::string id) {
-    auto self = owner.lock();
-    if (!self) co_return;
-    self->alwaysShowProtectedWIDs.erase(window);
-    bool ok = self->hideByAlpha(window);
-    self->decoyController->handleRuleChange(id, IconRule::alwaysHide);
-    debugLog(fmt::format("[Rules] alwaysHide wid={} alpha=0 ok={}", window, describe(ok)));
-    auto frame = self->services.mover.readableFrame(window);
-    bool standsOnBar = frame && frame->x > 0;
-    if (!standsOnBar) {
-        self->services.mover.setWindowAlpha(window, 0.0);
-        self->updateAlwaysHiddenDivider();
-    }
-    self.reset();
-    if (standsOnBar) co_await moveBehindDivider(owner, id, window, frame->midY());
-
-    co_await sleep(snapshotSettle);
-    self = owner.lock();
-    if (!self) co_return;
-    MenuBarScanner& scanner = self->services.scanner;
-    std::set<WindowNumber> own = self->sectionManager.ownWindowIDs();
-    self.reset();
-    ScannedBarItems items = co_await scanner.scanCached(own, 3.0);
-    self = owner.lock();
-    if (!self) co_return;
-    self->updateSnapshot(items, false);
-    if (self->stillHides(id)) self->hideAgain(window);
-    self->decoyController->handleRuleChange(id, IconRule::alwaysHide);
-}
-
-Task<> StatusBarController::moveBehindDivider(std::weak_ptr<StatusBarController> owner,
-                                              std::string id, WindowNumber window, double y) {
-    auto self = owner.lock();
-    if (!self) co_return;
-    ItemMover& mover = self->services.mover;
-    self->platform.windows.setSetsCursorInBackground(true);
-    // The whole bar goes blank while the divider is open, so that nothing is seen to jump about.
-    std::vector<WindowNumber> others = self->otherMenuBarWindows();
-    for (WindowNumber other : others) {
-        mover.setWindowAlpha(other, 0.0);
-        self->sectionManager.blankedWindows.insert(other);
-    }
-    self->refreshToggleButton();
-    self->sectionManager.setDividerLength(*self->sectionManager.hiddenDivider, false);
-    if (StatusItemButton* button = self->sectionManager.toggleItem->button()) button->setAlpha(1.0);
-    self.reset();
-    co_await sleep(dividerOpenSettle);
-    // The tear-down makes the bar opaque again.
-    if (owner.expired()) co_return;
-    Point target{hiddenTargetX, y};
-    bool moved = co_await mover.moveItem(window, target);
-    if (!moved) {
-        co_await sleep(dividerOpenSettle);
-        if (owner.expired()) co_return;
-        moved = co_await mover.moveItem(window, target);
-    }
-    debugLog(fmt::format("[Rules] alwaysHide moveItem wid={} moved={}", window, describe(moved)));
-    self = owner.lock();
-    if (!self) co_return;
-    self->performCollapse();
-    self.reset();
-    co_await sleep(collapseSettle);
-    self = owner.lock();
-    if (!self) co_return;
-    for (WindowNumber other : others) {
-        self->sectionManager.blankedWindows.erase(other);
-        bool staysHidden = self->sectionManager.alphaHiddenWindows.contains(other) ||
-                           self->isHiddenByAppRule(other);
-        if (!staysHidden) mover.setWindowAlpha(other, 1.0);
-    }
-    if (self->stillHides(id)) self->hideAgain(window);
-    self->updateAlwaysHiddenDivider();
-}
-
-std::vector<WindowNumber> StatusBarController::otherMenuBarWindows() const {
-    auto own = sectionManager.ownWindowIDs();
-    std::vector<WindowNumber> others;
-    for (WindowNumber window : services.scanner.menuBarWindowIDs()) {
-        if (!own.contains(window)) others.push_back(window);
-    }
-    return others;
-}
-
-void StatusBarController::updateAlwaysHiddenDivider() {
-    IconRules rules = appState.rules.loadIconRules();
-    ScannedBarItems all = snapshotItems({SectionName::hidden, SectionName::visible});
-    std::vector<std::string> hideIDs;
-    std::vector<std::string> otherIDs;
-    for (const ScannedBarItem& item : all) {
-        auto match = matchIconRule(item, rules, all);
-        bool hides = match && match->second == IconRule::alwaysHide;
-        (hides ? hideIDs : otherIDs).push_back(item.persistedID);
-    }
-    if (!otherIDs.empty()) preferences.restoreAll(otherIDs, all);
-    if (hideIDs.empty()) {
-        sectionManager.deactivateAlwaysHiddenDivider();
-    } else {
-        sectionManager.recreateAlwaysHiddenDivider(hideIDs, all);
-    }
-    debugLog(fmt::format("[Rules] updateAlwaysHiddenDivider: alwaysHide={}", hideIDs.size()));
 }
 
 }  // namespace nevo

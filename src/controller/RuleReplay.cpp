@@ -21,12 +21,19 @@ Task<> StatusBarController::replayAllRulesOnStartup(std::weak_ptr<StatusBarContr
     while (true) {
         auto self = owner.lock();
         if (!self) co_return;
+        if (self->snapshotItems({SectionName::hidden, SectionName::visible}).empty()) {
+            self.reset();
+            co_await refreshSnapshot(owner, 0.0);
+            self = owner.lock();
+            if (!self) co_return;
+        }
         prepared = self->prepareReplay();
         if (!prepared) co_return;
         if (!prepared->snapshotEmpty) break;
         self.reset();
         co_await sleep(emptySnapshotRetry);
     }
+    if (prepared->preparedHide) co_await arrangeAlwaysHidden(owner);
     if (prepared->preparedShow || prepared->hasAlwaysShow) {
         if (!prepared->preparedShow) {
             co_await sleep(scanSettle);
@@ -90,12 +97,12 @@ std::optional<StatusBarController::ReplayPreparation> StatusBarController::prepa
             debugLog("[Rules] replay skip phantom/system id=" + item.persistedID);
         } else if (match->second == IconRule::alwaysShow) {
             preferences.restoreAndLog(item.bundleID, item.persistedID);
-            showByAlpha(item.windowID);
+            showByRule(item.windowID);
             debugLog(fmt::format("[Rules] replay alwaysShow prep wid={} id={}", item.windowID,
                                  item.persistedID));
             result.preparedShow = true;
         } else {
-            bool ok = hideByAlpha(item.windowID);
+            bool ok = sectionManager.opacity.setRule(item.windowID, true, false);
             double readback = platform.windows.windowAlpha(item.windowID).value_or(-1.0F);
             debugLog(
                 fmt::format("[Rules] replay alwaysHide prep wid={} id={} alphaOk={} readback={}",
@@ -103,7 +110,7 @@ std::optional<StatusBarController::ReplayPreparation> StatusBarController::prepa
             preparedHide = true;
         }
     }
-    if (preparedHide) updateAlwaysHiddenDivider();
+    result.preparedHide = preparedHide;
     return result;
 }
 

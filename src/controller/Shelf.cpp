@@ -47,6 +47,14 @@ ShelfController& StatusBarController::shelf() {
     return *shelfController;
 }
 
+void StatusBarController::bringOut(const std::string& persistedID) {
+    ScannedBarItems all = snapshotItems({SectionName::hidden, SectionName::visible});
+    const ScannedBarItem* item = findByPersistedID(all, persistedID);
+    if (item == nullptr) return;
+    shelf().bringOut(*item);
+    if (!isShelfMode()) bindBarForPushMode();
+}
+
 void StatusBarController::bindBarForPushMode() {
     nevoBar->onItemRightClicked = nullptr;
     nevoBar->onItemClicked = [weak = weak_from_this()](const BarItem& item) {

@@ -13,6 +13,7 @@ void StatusBarController::updateSnapshot(const ScannedBarItems& items, bool skip
     if (!skipReconcile) reconcileReport(items);
     SectionSnapshot& snapshot = sectionManager.lastExpandedSnapshot;
     snapshot = sectionManager.classify(items);
+    applyRulesToSnapshot();
     std::set<std::string> hiddenBundles;
     for (const ScannedBarItem& item : snapshot[SectionName::hidden])
         hiddenBundles.insert(item.bundleID);
@@ -25,9 +26,9 @@ void StatusBarController::reconcileReport(const ScannedBarItems& items) const {
     auto toggle = SectionManager::frame(*sectionManager.toggleItem);
     if (!toggle) return;
     IconRules rules = appState.rules.loadIconRules();
+    std::set<WindowNumber> alphaHidden = sectionManager.opacity.alphaHiddenWindows();
     for (const ScannedBarItem& item : items) {
-        if (item.persistedID.empty() || sectionManager.alphaHiddenWindows.contains(item.windowID))
-            continue;
+        if (item.persistedID.empty() || alphaHidden.contains(item.windowID)) continue;
         auto match = matchIconRule(item, rules, items);
         if (!match || match->first != item.persistedID) continue;
         bool isLeft = item.centerX < toggle->x;

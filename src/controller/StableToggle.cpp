@@ -1,6 +1,7 @@
 #include <fmt/format.h>
 
 #include <cmath>
+#include <utility>
 
 #include "controller/StatusBarController.h"
 #include "core/debugLog.h"
@@ -15,6 +16,7 @@ constexpr double stableDistance = 1.0;
 }  // namespace
 
 void StatusBarController::startFirstCollapse() {
+    if (isFirstCollapseHeld) return;
     if (platform.accessibility.isProcessTrusted()) {
         waitForStableToggle(0);
     } else {
@@ -22,9 +24,16 @@ void StatusBarController::startFirstCollapse() {
     }
 }
 
+void StatusBarController::releaseFirstCollapse() {
+    if (std::exchange(isFirstCollapseHeld, false)) startFirstCollapse();
+}
+
 void StatusBarController::waitForStableToggle(int attempt) {
+    // The user's own toggle is the first.
+    if (hasUserToggled) return;
     if (attempt > lastAttempt) {
         debugLog("[Nevo] Gave up waiting for stable position after 30 attempts");
+        startOwnCollapse();
         return;
     }
     platform.runLoop.postAfter(pollInterval, [weak = weak_from_this(), attempt] {
@@ -33,6 +42,7 @@ void StatusBarController::waitForStableToggle(int attempt) {
 }
 
 void StatusBarController::pollStableToggle(int attempt) {
+    if (hasUserToggled) return;
     if (auto frame = toggleButtonScreenFrame()) {
         bool usable = isPlausibleToggleFrame(*frame);
         debugLog(fmt::format("[Nevo] Attempt {}: toggleItem x={}, lastX={}, usable={}, frame={}",
@@ -41,7 +51,7 @@ void StatusBarController::pollStableToggle(int attempt) {
         if (usable && std::abs(frame->x - lastStableX) < stableDistance) {
             savedItemFrame = *frame;
             recordCanonicalToggleX();
-            startCollapse(false, nullptr);
+            startOwnCollapse();
             return;
         }
         lastStableX = usable ? frame->x : -1.0;

@@ -30,6 +30,8 @@ StatusBarController::StatusBarController(const Platform& desktop, AppState& stat
       services(shared),
       sectionManager(desktop),
       popover(desktop.popovers.create()),
+      alwaysHiddenArea(desktop.windows, sectionManager),
+      rulePlaces(desktop, sectionManager),
       preferences(desktop.defaults),
       checkForUpdates(std::move(updateCheck)) {
     nevoBar = NevoBar::create(platform);
@@ -51,7 +53,7 @@ void StatusBarController::install() {
             return self && self->handleRightClick(event);
         });
     installTriggerMonitors();
-    if (isShelfMode()) installDragDetection();
+    installDragDetection();
     showPopoverContent();
     stateObserver = appState.objectWillChange.observe([weak] {
         // The state is told of before it changes.
@@ -184,7 +186,7 @@ void StatusBarController::tearDown() {
     decoyController->stopRefreshing();
     refreshToggleButton();
     sectionManager.expand(true);
-    sectionManager.restorePassinglyTransparentWindows();
+    sectionManager.opacity.end();
     cmdDragGlobalMonitor.reset();
     cmdDragLocalMonitor.reset();
     rightClickMonitor.reset();

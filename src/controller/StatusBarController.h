@@ -9,10 +9,13 @@
 #include <string>
 #include <vector>
 
+#include "controller/RuleChanges.h"
 #include "core/AppState.h"
 #include "core/BarItem.h"
 #include "discovery/MenuBarScanner.h"
+#include "placement/AlwaysHiddenArea.h"
 #include "placement/ItemMover.h"
+#include "placement/RulePlaces.h"
 #include "placement/SectionManager.h"
 #include "placement/StatusItemPreferenceRepair.h"
 #include "platform/Platform.h"
@@ -62,11 +65,15 @@ public:
     /// the task starts.
     static Task<> collapseAfterScan(std::weak_ptr<StatusBarController> owner, bool repair,
                                     std::function<void()> completion, double toggleX);
+    /// Hides in push mode, also where nothing is to be hidden yet.
+    void collapsePushSection(std::vector<BarItem> hiding);
     void performCollapse();
     void expandHiddenSection();
     void showPopoverContent();
     void refreshToggleButton();
     void expandAndClickItem(const BarItem& item);
+    /// Shows an item that is always hidden beside the toggle for a minute.
+    void bringOut(const std::string& persistedID);
 
     /// Takes a scan into the section snapshot and the published state. Unless told to skip it, logs
     /// which rules the items' places don't fit.
@@ -74,8 +81,7 @@ public:
 
     // Rule engine: each task is given the controller weakly and ends when it is gone.
     /// Applies one changed rule to its item.
-    static Task<> handleRuleChange(std::weak_ptr<StatusBarController> owner,
-                                   std::string persistedID, IconRule rule);
+    static Task<> handleRuleChange(std::weak_ptr<StatusBarController> owner, RuleChange change);
     /// Applies all stored rules once the first snapshot is there; waits for it without end.
     static Task<> replayAllRulesOnStartup(std::weak_ptr<StatusBarController> owner);
     /// Drags items that are to be shown into the room right of the toggle, as many as fit.
@@ -89,7 +95,11 @@ public:
     /// Polls until the toggle has stopped moving, then makes the first collapse.
     void waitForStableToggle(int attempt);
     /// As `waitForStableToggle(0)`, but only logs while the accessibility permission is missing.
+    /// Does nothing once the user has toggled, or while it is held.
     void startFirstCollapse();
+    /// Lets the section stay open until it is released, or the user toggles.
+    void holdFirstCollapse() { isFirstCollapseHeld = true; }
+    void releaseFirstCollapse();
     void displayModeChanged();
 
     // Rules of applications.
@@ -135,6 +145,9 @@ private:
     void permissionsAnswered();
     void iconOrSpacingChanged();
     void startCollapse(bool repair, std::function<void()> completion);
+    /// As the program's own doing: the section closes whatever stands in it.
+    void startOwnCollapse();
+    static Task<> collapseUnasked(std::weak_ptr<StatusBarController> owner, double toggleX);
     void autoHideFired();
     void clearIsToggling() { isToggling = false; }
     void verifyAfterCollapse();
@@ -148,6 +161,7 @@ private:
         bool snapshotEmpty = false;
         bool hasAlwaysShow = false;
         bool preparedShow = false;
+        bool preparedHide = false;
     };
     struct SafeZone {
         double baseX = 0;
@@ -160,15 +174,28 @@ private:
     void observeRules();
     static Task<> replayAfterStart(std::weak_ptr<StatusBarController> owner);
     static Task<> filterRuleChange(std::weak_ptr<StatusBarController> owner, UserInfo info);
-    static Task<> applyAlwaysShow(std::weak_ptr<StatusBarController> owner, WindowNumber window,
-                                  std::string persistedID);
-    static Task<> applyAlwaysHide(std::weak_ptr<StatusBarController> owner, WindowNumber window,
-                                  std::string id);
-    static Task<> moveBehindDivider(std::weak_ptr<StatusBarController> owner, std::string id,
+    static std::shared_ptr<StatusBarController> carryingOut(
+        const std::weak_ptr<StatusBarController>& owner, const RuleChange& change);
+    static Task<> applyAutomatic(std::weak_ptr<StatusBarController> owner, RuleChange change,
+                                 WindowNumber window);
+    static Task<> returnToPlace(std::weak_ptr<StatusBarController> owner, std::string id,
+                                WindowNumber window);
+    static Task<> applyAlwaysShow(std::weak_ptr<StatusBarController> owner, RuleChange change,
+                                  WindowNumber window);
+    static Task<> applyAlwaysHide(std::weak_ptr<StatusBarController> owner, RuleChange change,
+                                  WindowNumber window);
+    static Task<> moveBehindDivider(std::weak_ptr<StatusBarController> owner, RuleChange change,
                                     WindowNumber window, double y);
+    static Task<> arrangeAlwaysHidden(std::weak_ptr<StatusBarController> owner);
+    bool mustArrangeAlwaysHidden() const;
+    std::vector<WindowNumber> openBlanked();
+    ScannedBarItems itemsRuledHidden() const;
+    /// Their windows.
+    std::set<WindowNumber> pinnedWindows() const;
+    /// Also for a program that isn't there.
+    bool hasAlwaysHideRule() const;
     static Task<> refreshSnapshot(std::weak_ptr<StatusBarController> owner, double maxAge);
     static Task<> repairDrift(std::weak_ptr<StatusBarController> owner);
-    void applyAutomatic(WindowNumber window, const std::string& persistedID);
     std::optional<Point> alwaysShowTarget(WindowNumber window);
     std::optional<ScannedBarItem> findItem(const std::string& persistedID) const;
     std::optional<WindowNumber> findWindowByProcess(const std::string& persistedID) const;
@@ -178,12 +205,13 @@ private:
     std::optional<ReplayPreparation> prepareReplay();
     AlwaysShowPlan planAlwaysShowPlacement();
     SafeZone alwaysShowSafeZone(const ScannedBarItems& all) const;
-    bool hideByAlpha(WindowNumber window);
-    void showByAlpha(WindowNumber window);
-    /// Makes the window transparent, and sees to it that it doesn't stay so for ever.
-    void hideAgain(WindowNumber window);
-    /// Whether the id's rule is still to hide always.
-    bool stillHides(const std::string& id) const;
+    void showByRule(WindowNumber window);
+
+    // Changes of the row.
+    static Task<> takeInRow(std::weak_ptr<StatusBarController> owner);
+    ScannedBarItems itemsToReturn() const;
+    void applyRulesToSnapshot();
+    void watchRow();
 
     // Item monitor.
     void startItemMonitor();
@@ -213,7 +241,10 @@ private:
     bool reconcileDrag();
     bool hideIfDraggedAcross(WindowNumber window, const Rect& frame, double dividerX,
                              const std::map<WindowNumber, std::string>& ids);
-    bool isStoredAlwaysShow(const std::string& persistedID) const;
+    void hideDragged(WindowNumber window);
+    bool isStored(IconRule rule, const std::string& persistedID) const;
+    bool endRuleOfDragged(const std::map<WindowNumber, std::string>& ids);
+    std::optional<WindowNumber> itemUnder(Point mouse) const;
 
     // Rules of applications.
     void observeFrontApplication();
@@ -222,9 +253,9 @@ private:
     void showInBar(const ScannedBarItems& items, const std::set<std::string>& visibleIcons);
     /// A window's alpha apart from what it is for a moment only; 1 when it can't be read.
     float lastingAlpha(WindowNumber window) const;
-    bool isHiddenByAppRule(WindowNumber window) const;
-    void hideByAppRule(const ScannedBarItem& item);
-    void showByAppRule(const ScannedBarItem& item);
+    /// True when that changed what can be seen.
+    bool hideByAppRule(const ScannedBarItem& item);
+    bool showByAppRule(const ScannedBarItem& item);
 
     // The floating bar.
     /// Built on first use, from which on the bar's callbacks are its own.
@@ -269,6 +300,7 @@ private:
     bool handleRightClick(const Event& event);
     void showContextMenu();
     std::vector<MenuItem> contextMenu();
+    std::vector<MenuItem> alwaysHiddenRows() const;
     void checkForUpdatesFromMenu(const MenuItem& item);
     void openSettings();
     void openAbout();
@@ -281,6 +313,8 @@ private:
     /// Goes before the button that it may hang from.
     std::unique_ptr<Popover> popover;
     Registration stateObserver;
+    AlwaysHiddenArea alwaysHiddenArea;
+    RulePlaces rulePlaces;
     StatusItemPreferenceRepair preferences;
     UpdateCheck checkForUpdates;
 
@@ -288,6 +322,10 @@ private:
     Rect savedItemFrame;
     /// What the last collapse hid.
     std::vector<BarItem> cachedHiddenItems;
+    /// Until then the section counts as closed, whatever comes into the bar.
+    bool hasUserToggled = false;
+    /// The first collapse waits for the user.
+    bool isFirstCollapseHeld = false;
     /// True for a moment after a push-mode toggle.
     bool isToggling = false;
     bool isContextMenuShowing = false;
@@ -300,6 +338,10 @@ private:
     bool isDraggingMenuBarItem = false;
     /// It began on the toggle.
     bool isDraggingNevoToggle = false;
+    /// The section was closed before it, or before the one whose end still waits.
+    bool hasDragOpenedSection = false;
+    /// What the hand holds.
+    std::optional<WindowNumber> draggedWindow;
     /// The toggle's frame after the divider opened for the drag; nothing outside of one.
     std::optional<Rect> preDragToggleFrame;
     /// The centre x of each item's window when the drag began.
@@ -307,25 +349,20 @@ private:
     bool isDisplayTransitioning = false;
     /// A repair of drifted items is under way; only one runs at a time.
     bool isEnforcingAlwaysShow = false;
-    /// Windows that alpha hiding must leave alone.
-    std::set<WindowNumber> alwaysShowProtectedWIDs;
-    /// When a rule was last accepted, by id and rule.
-    std::map<std::string, double> lastRuleChangeTime;
+    RuleChanges ruleChanges;
+    /// The always-hidden items are being put in order, and something has changed since.
+    bool isArranging = false;
+    bool mustArrangeAgain = false;
+    /// Not before then, after a failure.
+    double arrangeAgainAt = 0;
+    /// The row is being looked at anew, and has changed since.
+    bool isTakingIn = false;
+    bool hasRowChanged = false;
+    /// Other programs' windows at the monitor's last look.
+    std::set<WindowNumber> watchedRow;
 
-    struct AlphaOverride {
-        WindowNumber windowID = 0;
-        float previousAlpha = 1;
-        /// It was among the windows that are kept transparent.
-        bool wasAlphaHidden = false;
-        /// As the section manager had it then.
-        int alphaRestoreCount = 0;
-    };
     /// The application whose rule is in force.
     std::optional<std::string> appRuleActiveForBundleID;
-    /// Every alpha that this rule changed, with the one before.
-    std::vector<AlphaOverride> appRuleAlphaOverrides;
-    /// Windows shown by this rule, which are in `alwaysShowProtectedWIDs` too.
-    std::set<WindowNumber> appRuleProtectedWIDs;
     /// Goes up with each restore.
     int appRuleGeneration = 0;
 

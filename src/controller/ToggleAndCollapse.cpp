@@ -32,7 +32,10 @@ void StatusBarController::toggle() {
     }
     if (isShelfMode() && !services.screenCapture.hasPermission()) {
         showShelfScreenRecordingPrompt();
-    } else if (isShelfMode()) {
+        return;
+    }
+    hasUserToggled = true;
+    if (isShelfMode()) {
         toggleShelfMode();
     } else {
         togglePushMode();
@@ -117,15 +120,46 @@ Task<> StatusBarController::collapseAfterScan(std::weak_ptr<StatusBarController>
         if (completion) completion();
         co_return;
     }
-    self->cachedHiddenItems = barItems(items);
-    if (self->cachedHiddenItems.empty()) {
+    if (items.empty()) {
+        self->cachedHiddenItems.clear();
         debugLog(
             "[Nevo] No items to hide (≡ is leftmost). Cmd+drag ≡ to the right to set divider "
             "position.");
         co_return;
     }
-    self->appState.setIsExpanded(false);
-    self->performCollapse();
+    self->collapsePushSection(barItems(items));
+}
+
+/// A program whose item comes later finds the section closed.
+void StatusBarController::startOwnCollapse() {
+    if (auto frame = toggleButtonScreenFrame()) savedItemFrame = *frame;
+    if (isShelfMode()) {
+        spawn(platform.runLoop,
+              collapseAfterScan(weak_from_this(), false, nullptr, savedItemFrame.minX()));
+    } else {
+        spawn(platform.runLoop, collapseUnasked(weak_from_this(), savedItemFrame.minX()));
+    }
+}
+
+Task<> StatusBarController::collapseUnasked(std::weak_ptr<StatusBarController> owner,
+                                            double toggleX) {
+    auto self = owner.lock();
+    if (!self) co_return;
+    MenuBarScanner& scanner = self->services.scanner;
+    std::set<WindowNumber> own = self->sectionManager.ownWindowIDs();
+    bool hadToggled = self->hasUserToggled;
+    self.reset();
+    ScannedBarItems items = co_await scanner.scan(own, false, toggleX);
+    self = owner.lock();
+    // A click meanwhile counts.
+    if (!self || self->hasUserToggled != hadToggled) co_return;
+    self->collapsePushSection(barItems(items));
+}
+
+void StatusBarController::collapsePushSection(std::vector<BarItem> hiding) {
+    cachedHiddenItems = std::move(hiding);
+    appState.setIsExpanded(false);
+    performCollapse();
 }
 
 void StatusBarController::performCollapse() {

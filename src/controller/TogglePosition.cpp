@@ -11,8 +11,6 @@ namespace nevo {
 
 namespace {
 
-/// Nearer to the left edge of its screen a toggle is being laid out, not in its place.
-constexpr double minDistanceFromLeft = 120.0;
 constexpr double topTolerance = 4.0;
 constexpr double bottomTolerance = 10.0;
 /// A move of the canonical x by this much or less isn't a shift of the layout.
@@ -36,8 +34,7 @@ bool StatusBarController::isPlausibleToggleFrame(const Rect& frame) const {
     auto screen = screenOf(platform.screens, frame);
     if (!screen) return false;
     double top = screen->frame.maxY();
-    return frame.x - screen->frame.minX() >= minDistanceFromLeft &&
-           frame.maxY() <= top + topTolerance &&
+    return frame.maxY() <= top + topTolerance &&
            top - platform.statusBar.thickness() - bottomTolerance <= frame.y;
 }
 

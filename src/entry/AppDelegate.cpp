@@ -76,6 +76,11 @@ void AppDelegate::startFirstServices() {
                                           auto self = weak.lock();
                                           if (!self || !self->statusBarController) return nullptr;
                                           return &self->statusBarController->sections();
+                                      },
+                                      [weak](const std::string& id) {
+                                          auto self = weak.lock();
+                                          if (self && self->statusBarController)
+                                              self->statusBarController->bringOut(id);
                                       }};
     settings = SettingsWindowController::create(std::move(settingsServices));
     auto openSettings = [window = std::weak_ptr(settings)] {
@@ -86,6 +91,15 @@ void AppDelegate::startFirstServices() {
         StatusBarController::create(platform, appState, services, [weak](const MenuItem* sender) {
             if (auto self = weak.lock()) self->checkForUpdates(sender);
         });
+    // At the very first start nothing is hidden before the user has read what that means.
+    if (!storedBool(platform.defaults.standard(), onboardingCompletedKey)) {
+        statusBarController->holdFirstCollapse();
+        onboarding->onWelcomeLeft = [weak] {
+            auto self = weak.lock();
+            if (self && self->statusBarController)
+                self->statusBarController->releaseFirstCollapse();
+        };
+    }
     if (platform.accessibility.isProcessTrusted()) startFullServices();
     coverSecondaryBars();
     if (hotKeyService) registerHotKey();

@@ -2,11 +2,13 @@
 
 #include <fmt/format.h>
 
+#include <algorithm>
 #include <array>
 #include <cmath>
 
 #include "core/debugLog.h"
 #include "core/describe.h"
+#include "placement/RowSlots.h"
 
 namespace nevo {
 
@@ -18,7 +20,6 @@ constexpr double dragStepDelay = 0.015;
 constexpr double completionDelay = 0.100;
 constexpr double warpSettle = 0.005;
 constexpr double cursorRestoreSettle = 0.010;
-constexpr double successDistance = 100.0;
 /// How long after a move its late events may still arrive.
 constexpr double moveCountLinger = 0.3;
 
@@ -37,15 +38,13 @@ void ItemMover::endProgrammaticMove() {
     platform.runLoop.postAfter(moveCountLinger, [this] { moveCount = std::max(0, moveCount - 1); });
 }
 
-bool ItemMover::setWindowAlpha(WindowNumber windowID, double alpha) {
-    return platform.windows.setWindowAlpha(windowID, static_cast<float>(alpha));
-}
-
 Task<bool> ItemMover::moveItem(WindowNumber windowID, Point target) {
     auto frame = readableFrame(windowID);
     if (!frame) co_return false;
     auto source = platform.events.createEventSource();
     if (!source) co_return false;
+    Place place = placeAt(windowID, target.x);
+    if (hasArrived(place)) co_return true;
 
     beginProgrammaticMove();
     Point cursor = cursorAtTopLeftOrigin();
@@ -57,7 +56,7 @@ Task<bool> ItemMover::moveItem(WindowNumber windowID, Point target) {
     bool moved = false;
     bool mayFallBack = true;
     for (int number = 1; number <= maxAttempts; ++number) {
-        Attempt outcome = dragOnce(*source, windowID, number, start, mid, target);
+        Attempt outcome = dragOnce(*source, place, number, start, mid, target);
         moved = outcome == Attempt::moved;
         bool cancelled = co_await isCancelled();
         if (moved) break;
@@ -66,14 +65,34 @@ Task<bool> ItemMover::moveItem(WindowNumber windowID, Point target) {
             break;
         }
     }
-    if (!moved && mayFallBack) moved = moveByFallback(windowID, target);
+    if (!moved && mayFallBack) moved = moveByFallback(place, target);
     restoreCursor(cursor);
     endProgrammaticMove();
     co_return moved;
 }
 
-ItemMover::Attempt ItemMover::dragOnce(EventSource& source, WindowNumber windowID, int number,
+ItemMover::Place ItemMover::placeAt(WindowNumber windowID, double targetX) const {
+    Place place{windowID, {}};
+    for (const RowSlot& slot : rowSlots(platform.windows)) {
+        if (slot.window != windowID) place.isLeft[slot.window] = slot.frame.midX() < targetX;
+    }
+    return place;
+}
+
+/// Items that have come or gone meanwhile don't count.
+bool ItemMover::hasArrived(const Place& place) const {
+    auto own = platform.windows.slotFrame(place.windowID);
+    if (!own) return false;
+    std::vector<RowSlot> slots = rowSlots(platform.windows);
+    return std::all_of(slots.begin(), slots.end(), [&](const RowSlot& slot) {
+        auto wanted = place.isLeft.find(slot.window);
+        return wanted == place.isLeft.end() || wanted->second == (slot.frame.midX() < own->midX());
+    });
+}
+
+ItemMover::Attempt ItemMover::dragOnce(EventSource& source, const Place& place, int number,
                                        Point start, Point mid, Point target) {
+    WindowNumber windowID = place.windowID;
     RunLoop& loop = platform.runLoop;
     Events& events = platform.events;
     auto before = readableFrame(windowID);
@@ -102,26 +121,35 @@ ItemMover::Attempt ItemMover::dragOnce(EventSource& source, WindowNumber windowI
     };
     debugLog(fmt::format("[SBC] moveItem attempt={} wid={} before={} after={}", number, windowID,
                          origin(before), origin(after)));
-    bool moved = before && after && std::abs(after->x - before->x) > successDistance;
-    return moved ? Attempt::moved : Attempt::notMoved;
+    return after && hasArrived(place) ? Attempt::moved : Attempt::notMoved;
 }
 
-bool ItemMover::moveByFallback(WindowNumber windowID, Point target) {
+/// A bar may only let the item float at the target, where it would cover others and be lost with
+/// the next layout.
+bool ItemMover::moveByFallback(const Place& place, Point target) {
+    WindowNumber windowID = place.windowID;
     auto frame = readableFrame(windowID);
     if (!frame) return false;
     Point to{target.x, frame->y};
     bool ok = platform.windows.moveWindow(windowID, to);
     debugLog(fmt::format("[SBC] moveItem SLSMoveWindow fallback wid={} to={} ok={}", windowID,
                          describe(to), describe(ok)));
-    return ok;
+    if (ok && hasArrived(place)) return true;
+    if (auto slot = platform.windows.slotFrame(windowID))
+        platform.windows.moveWindow(windowID, {slot->x, slot->y});
+    return false;
+}
+
+Task<bool> ItemMover::reorderInPlace(WindowNumber windowID, Point target) {
+    Place place = placeAt(windowID, target.x);
+    if (hasArrived(place)) co_return true;
+    bool moved = co_await offscreenSyntheticDrag(windowID, target);
+    co_return moved;
 }
 
 Task<bool> ItemMover::moveForShelf(BarItem item, Point target) {
     auto frame = readableFrame(item.windowID);
-    if (!frame) co_return false;
-    if (moveWindowDirectly(item.windowID, "direct", *frame, target.x)) co_return true;
-    bool dragged = co_await offscreenSyntheticDrag(item, *frame, target);
-    co_return dragged;
+    co_return frame&& moveWindowDirectly(item.windowID, "direct", *frame, target.x);
 }
 
 bool ItemMover::moveWindowDirectly(WindowNumber windowID, const std::string& label, Rect frame,
@@ -136,38 +164,38 @@ bool ItemMover::moveWindowDirectly(WindowNumber windowID, const std::string& lab
     return after && std::abs(after->midX() - targetCenterX) < arrivalDistance;
 }
 
-Task<bool> ItemMover::offscreenSyntheticDrag(BarItem item, Rect frame, Point target) {
+Task<bool> ItemMover::offscreenSyntheticDrag(WindowNumber windowID, Point target) {
     auto source = platform.events.createEventSource();
     if (!source) co_return false;
     beginProgrammaticMove();
 
+    Place place = placeAt(windowID, target.x);
     Point mid{(target.x + parkingPoint.x) * 0.5, target.y};
     std::array<std::optional<MouseEvent>, 4> events{
-        moveEvent(*source, EventType::leftMouseDown, parkingPoint, item.windowID),
-        moveEvent(*source, EventType::leftMouseDragged, mid, item.windowID),
-        moveEvent(*source, EventType::leftMouseDragged, target, item.windowID),
-        moveEvent(*source, EventType::leftMouseUp, target, item.windowID),
+        moveEvent(*source, EventType::leftMouseDown, parkingPoint, windowID),
+        moveEvent(*source, EventType::leftMouseDragged, mid, windowID),
+        moveEvent(*source, EventType::leftMouseDragged, target, windowID),
+        moveEvent(*source, EventType::leftMouseUp, target, windowID),
     };
+    auto owner = platform.windows.windowDescription(windowID);
     for (auto& event : events) {
         if (!event) {
             endProgrammaticMove();
             co_return false;
         }
-        event->fields[EventField::targetProcess] = item.ownerPID;
+        if (owner && owner->ownerPid) event->fields[EventField::targetProcess] = *owner->ownerPid;
     }
     debugLog(
         fmt::format("[Shelf] direct move failed; safe synthetic drag wid={} "
                     "fromOffscreen=(20000,20000) dest=({},{})",
-                    item.windowID, describeWhole(target.x), describeWhole(target.y)));
+                    windowID, describeWhole(target.x), describeWhole(target.y)));
     for (auto& event : events) {
         platform.events.post(*event);
         // Blocking, so that a cancelled task can't leave the button pressed or hurry the drag.
         platform.runLoop.blockFor(offscreenStepDelay);
     }
     co_await sleep(completionDelay);
-
-    auto after = readableFrame(item.windowID);
-    bool arrived = after && std::abs(after->x - (target.x - frame.width * 0.5)) < arrivalDistance;
+    bool arrived = hasArrived(place);
     endProgrammaticMove();
     co_return arrived;
 }
@@ -188,18 +216,11 @@ std::optional<Rect> ItemMover::readableFrame(WindowNumber windowID) const {
     return frame && !frame->isEmpty() ? frame : std::nullopt;
 }
 
+/// Both origins are corners of the main display, which is the first, wherever the pointer is.
 Point ItemMover::cursorAtTopLeftOrigin() const {
     Point place = platform.events.mouseLocation();
     auto screens = platform.screens.screens();
-    if (screens.empty()) return place;
-    const Screen* under = &screens.front();
-    for (const Screen& screen : screens) {
-        if (screen.frame.contains(place)) {
-            under = &screen;
-            break;
-        }
-    }
-    return {place.x, under->frame.maxY() - place.y};
+    return screens.empty() ? place : Point{place.x, screens.front().frame.maxY() - place.y};
 }
 
 void ItemMover::restoreCursor(Point place) {

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <map>
 #include <string>
 
 #include "core/BarItem.h"
@@ -16,13 +17,17 @@ public:
     explicit ItemMover(const Platform& platform);
 
     /// Drags the item to `target` (global, top-left origin), several times if need be, then moves
-    /// it directly. True when a drag moved the window's x by more than 100 points, or the direct
-    /// move reported success. Blocks the main thread for its waits, so that no other event comes
-    /// between press and release.
+    /// it directly. True when its slot stands among the others as `target` did before, also when it
+    /// did so from the start; nothing is dragged then. An item that only floats there is put back.
+    /// Blocks the main thread for its waits, so that no other event comes between press and
+    /// release.
     Task<bool> moveItem(WindowNumber windowID, Point target);
 
-    /// The shelf's move, into the visible part and back: directly, else by a drag from off the
-    /// screen.
+    /// The same without the pointer, for places that it can't reach: nothing is seen to move.
+    Task<bool> reorderInPlace(WindowNumber windowID, Point target);
+
+    /// The shelf's move, into the visible part and back: directly or not at all, since a drag would
+    /// change the order of the row.
     Task<bool> moveForShelf(BarItem item, Point target);
 
     /// Moves the window so that its centre comes to `targetCenterX`. Blocks for 100 ms. True when
@@ -30,8 +35,9 @@ public:
     bool moveWindowDirectly(WindowNumber windowID, const std::string& label, Rect frame,
                             double targetCenterX);
 
-    /// A drag that starts far off the screen, so that it can't catch anything else on its way.
-    Task<bool> offscreenSyntheticDrag(BarItem item, Rect frame, Point target);
+    /// A drag that starts far off the screen, so that it can't catch anything else on its way. True
+    /// as for `moveItem`.
+    Task<bool> offscreenSyntheticDrag(WindowNumber windowID, Point target);
 
     /// Above 0 while a synthetic move is under way and for 0.3 s after it: others then stand back.
     int programmaticMoveCount() const { return moveCount; }
@@ -40,14 +46,20 @@ public:
 
     /// The window's frame; nothing when it can't be read or is empty.
     std::optional<Rect> readableFrame(WindowNumber windowID) const;
-    /// Makes a window transparent or opaque, whoever owns it.
-    bool setWindowAlpha(WindowNumber windowID, double alpha);
 
 private:
     enum class Attempt { moved, notMoved, eventFailed };
-    Attempt dragOnce(EventSource& source, WindowNumber windowID, int number, Point start, Point mid,
+    /// Where an item is to stand: which of the others are to be left of it.
+    struct Place {
+        WindowNumber windowID = 0;
+        /// Of the others, by window.
+        std::map<WindowNumber, bool> isLeft;
+    };
+    Place placeAt(WindowNumber windowID, double targetX) const;
+    bool hasArrived(const Place& place) const;
+    Attempt dragOnce(EventSource& source, const Place& place, int number, Point start, Point mid,
                      Point target);
-    bool moveByFallback(WindowNumber windowID, Point target);
+    bool moveByFallback(const Place& place, Point target);
     std::optional<MouseEvent> moveEvent(EventSource& source, EventType type, Point at,
                                         WindowNumber windowID);
     Point cursorAtTopLeftOrigin() const;

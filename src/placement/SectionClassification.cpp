@@ -1,5 +1,7 @@
 #include <fmt/format.h>
 
+#include <algorithm>
+
 #include "core/debugLog.h"
 #include "core/describe.h"
 #include "core/screenOf.h"
@@ -25,13 +27,23 @@ SectionSnapshot SectionManager::classify(const ScannedBarItems& items) const {
         return result;
     }
     for (const ScannedBarItem& item : scopedToScreen(items, split->scopingFrame)) {
-        bool isHidden = item.centerX < split->x - boundaryTolerance;
+        bool isHidden = item.centerX < split->x - boundaryTolerance ||
+                        opacity.has(ItemOpacity::Reason::broughtOut, item.windowID);
         result[isHidden ? SectionName::hidden : SectionName::visible].push_back(item);
     }
     debugLog(fmt::format("[Classify] result: {} hidden, {} visible, splitX={}",
                          result[SectionName::hidden].size(), result[SectionName::visible].size(),
                          describe(split->x)));
     return result;
+}
+
+bool SectionManager::isBehindAlwaysHiddenDivider(double centerX) const {
+    // It is gone for a moment while it is replaced.
+    if (!alwaysHiddenDivider || !alwaysHiddenDivider->isVisible() ||
+        !isCollapsed(*alwaysHiddenDivider))
+        return false;
+    auto divider = frame(*alwaysHiddenDivider);
+    return divider && !divider->isEmpty() && centerX < divider->midX();
 }
 
 std::optional<SectionManager::Split> SectionManager::chooseSplit() const {
@@ -64,9 +76,17 @@ ScannedBarItems SectionManager::scopedToScreen(const ScannedBarItems& items,
     auto screen = frame ? screenOf(platform.screens, *frame) : std::nullopt;
     if (!screen) return items;
     ScannedBarItems kept;
+    auto isOn = [](const Screen& each, double x) {
+        return x >= each.frame.minX() && x <= each.frame.maxX();
+    };
+    auto all = platform.screens.screens();
     for (const ScannedBarItem& item : items) {
-        if (item.centerX >= screen->frame.minX() && item.centerX <= screen->frame.maxX())
-            kept.push_back(item);
+        double x = item.centerX;
+        // Off every screen an item is in this bar, which has no room for it.
+        bool isOff =
+            x < screen->frame.minX() &&
+            std::none_of(all.begin(), all.end(), [&](const Screen& each) { return isOn(each, x); });
+        if (isOn(*screen, x) || isOff || isBehindAlwaysHiddenDivider(x)) kept.push_back(item);
     }
     if (kept.size() < items.size()) {
         debugLog(fmt::format("[Classify] scoped to screen={}, items={}/{}", describe(screen->frame),

@@ -40,6 +40,7 @@ SectionManager::SectionManager(const Platform& desktop)
     : toggleItem(desktop.statusBar.statusItem(variableStatusItemLength)),
       hiddenDivider(desktop.statusBar.statusItem(variableStatusItemLength)),
       alwaysHiddenDivider(desktop.statusBar.statusItem(variableStatusItemLength)),
+      opacity(desktop.windows),
       platform(desktop),
       preferences(desktop.defaults) {
     // An item's first place comes from its saved position at the moment when it gets its name.
@@ -76,28 +77,11 @@ void SectionManager::setDividerLength(StatusItem& divider, bool collapsed) {
 void SectionManager::expand(bool restoreAlpha) {
     setDividerLength(*hiddenDivider, false);
     if (StatusItemButton* button = toggleItem->button()) button->setAlpha(1.0);
-    if (!restoreAlpha) return;
-    for (WindowNumber window : alphaHiddenWindows) platform.windows.setWindowAlpha(window, 1.0F);
-    alphaHiddenWindows.clear();
-    ++alphaRestoreCount;
+    if (restoreAlpha) opacity.removeAll(ItemOpacity::Reason::stray);
 }
 
-void SectionManager::disownAlphaHiddenWindows() {
-    passinglyTransparentWindows.merge(alphaHiddenWindows);
-    alphaHiddenWindows.clear();
-}
-
-void SectionManager::restorePassinglyTransparentWindows() {
-    passinglyTransparentWindows.merge(blankedWindows);
-    blankedWindows.clear();
-    for (WindowNumber window : passinglyTransparentWindows) {
-        platform.windows.setWindowAlpha(window, 1.0F);
-    }
-    passinglyTransparentWindows.clear();
-}
-
-void SectionManager::recreateAlwaysHiddenDivider(const std::vector<std::string>& ruleIDs,
-                                                 const ScannedBarItems& items) {
+void SectionManager::markHidden(const std::vector<std::string>& ruleIDs,
+                                const ScannedBarItems& items) {
     for (const std::string& id : ruleIDs) {
         const ScannedBarItem* item = findByPersistedID(items, id);
         if (!item) continue;
@@ -107,15 +91,19 @@ void SectionManager::recreateAlwaysHiddenDivider(const std::vector<std::string>&
                                  describeWhole(mutation->previousValue)));
         }
     }
+}
+
+void SectionManager::recreateAlwaysHiddenDivider(const std::vector<std::string>& ruleIDs,
+                                                 const ScannedBarItems& items, double position) {
+    markHidden(ruleIDs, items);
     alwaysHiddenDivider.reset();
-    preferences.writeAlwaysHiddenDividerPosition(alwaysHideDividerPosition);
+    preferences.writeAlwaysHiddenDividerPosition(position);
     alwaysHiddenDivider = platform.statusBar.statusItem(0.0);
     alwaysHiddenDivider->setAutosaveName(alwaysHiddenDividerName);
     silence(*alwaysHiddenDivider);
     alwaysHiddenDivider->setVisible(true);
     alwaysHiddenDivider->setLength(collapsedLength);
-    debugLog("[SectionMgr] alwaysHiddenDivider recreated at position=" +
-             describeWhole(alwaysHideDividerPosition));
+    debugLog("[SectionMgr] alwaysHiddenDivider recreated at position=" + describeWhole(position));
 }
 
 void SectionManager::deactivateAlwaysHiddenDivider() {

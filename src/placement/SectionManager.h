@@ -10,6 +10,7 @@
 
 #include "core/ScannedBarItem.h"
 #include "core/SectionName.h"
+#include "placement/ItemOpacity.h"
 #include "placement/StatusItemPreferenceRepair.h"
 #include "platform/Platform.h"
 
@@ -32,27 +33,29 @@ public:
     void configureToggle(std::optional<Image> image, std::function<void()> action);
     /// The whole of "collapse" and "expand": length 10000 or 0. Also blanks the divider's button.
     void setDividerLength(StatusItem& divider, bool collapsed);
-    /// Opens the hidden section; with `restoreAlpha` also makes every window of
-    /// `alphaHiddenWindows` opaque again.
+    /// Opens the hidden section; with `restoreAlpha` no window stays transparent for standing
+    /// behind the divider. What a rule hides stays hidden.
     void expand(bool restoreAlpha);
 
-    /// Keeps no window transparent any longer, and leaves them as they are.
-    void disownAlphaHiddenWindows();
-    /// For the program's end: no window stays transparent.
-    void restorePassinglyTransparentWindows();
-
-    /// Replaces the always-hidden divider, since the bar places an item only when it is made. Items
-    /// of `ruleIDs` will come back behind it.
+    /// Makes items of `ruleIDs` come back behind the always-hidden divider.
+    void markHidden(const std::vector<std::string>& ruleIDs, const ScannedBarItems& items);
+    /// Replaces the always-hidden divider, since the bar places an item only when it is made.
+    /// `position` as the bar saves it. Items of `ruleIDs` will come back behind it.
     void recreateAlwaysHiddenDivider(const std::vector<std::string>& ruleIDs,
-                                     const ScannedBarItems& items);
+                                     const ScannedBarItems& items, double position);
     void deactivateAlwaysHiddenDivider();
     /// After sleep the bar may have lost the blanking of the dividers.
     void reapplyDividerVisibilityAfterWake();
 
     /// Divides items into hidden and visible by position alone; those on another screen than the
-    /// dividing item are in no section. Without anything to go by, all are visible: no item counts
-    /// as hidden on no evidence.
+    /// dividing item are in no section, unless the row has pushed them off it or an item is brought
+    /// out for a while: those are hidden. Without anything to go by, all are visible: no item
+    /// counts as hidden on no evidence.
     SectionSnapshot classify(const ScannedBarItems& items) const;
+
+    /// Whether an item with its centre there stands behind the always-hidden divider; false while
+    /// that isn't up.
+    bool isBehindAlwaysHiddenDivider(double centerX) const;
 
     /// The window numbers of this program's items, as far as they have windows.
     std::set<WindowNumber> ownWindowIDs() const;
@@ -66,15 +69,8 @@ public:
     std::unique_ptr<StatusItem> alwaysHiddenDivider;
     /// The classification made while the bar was last looked at.
     SectionSnapshot lastExpandedSnapshot;
-    /// Windows of other applications that this program has made transparent.
-    std::set<WindowNumber> alphaHiddenWindows;
-    /// How often `expand` has made all of them opaque.
-    int alphaRestoreCount = 0;
-    /// Windows that are transparent without being kept so: from before a change of displays, or by
-    /// the rule of an application in front. At the end they are opaque again too.
-    std::set<WindowNumber> passinglyTransparentWindows;
-    /// Windows that are transparent for a moment, while an item is moved in a blanked bar.
-    std::set<WindowNumber> blankedWindows;
+    /// What is transparent, and why.
+    ItemOpacity opacity;
 
 private:
     struct Split {
@@ -91,7 +87,6 @@ private:
     static constexpr double collapsedLength = 10000.0;
     static constexpr double collapsedThreshold = 9999.0;
     static constexpr double boundaryTolerance = 2.0;
-    static constexpr double alwaysHideDividerPosition = 300.0;
 };
 
 }  // namespace nevo

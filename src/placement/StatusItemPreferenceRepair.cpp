@@ -75,7 +75,7 @@ std::optional<StatusItemPreferenceRepair::Mutation> StatusItemPreferenceRepair::
 }
 
 std::vector<StatusItemPreferenceRepair::Mutation> StatusItemPreferenceRepair::repair(
-    const std::string& bundleID, const std::string& persistedID) {
+    const std::string& bundleID, const std::string& persistedID, std::optional<double> place) {
     std::vector<Mutation> mutations;
     std::string bundle = bundleOf(bundleID, persistedID);
     if (bundle.empty()) return mutations;
@@ -84,8 +84,10 @@ std::vector<StatusItemPreferenceRepair::Mutation> StatusItemPreferenceRepair::re
     for (const std::string& key : candidateKeys(*domain, persistedID)) {
         double previous = storedNumber(*domain, key).value_or(0.0);
         if (!(previous >= hiddenPosition)) continue;
-        domain->set(key, visiblePosition);
-        mutations.push_back({key, previous, visiblePosition});
+        bool isOwn = key == keyOf(persistedID);
+        double position = isOwn ? place.value_or(visiblePosition) : visiblePosition;
+        domain->set(key, position);
+        mutations.push_back({key, previous, position});
     }
     if (!mutations.empty()) domain->synchronize();
     return mutations;
@@ -104,8 +106,9 @@ StatusItemPreferenceRepair::repairAlwaysShowRules(
 }
 
 void StatusItemPreferenceRepair::restoreAndLog(const std::string& bundleID,
-                                               const std::string& persistedID) {
-    for (const Mutation& mutation : repair(bundleID, persistedID)) {
+                                               const std::string& persistedID,
+                                               std::optional<double> place) {
+    for (const Mutation& mutation : repair(bundleID, persistedID, place)) {
         debugLog(fmt::format(
             "[SectionMgr] restored {} {}={} (was {})", bundleOf(bundleID, persistedID),
             mutation.key, describeWhole(mutation.newValue), describeWhole(mutation.previousValue)));

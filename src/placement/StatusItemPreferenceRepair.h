@@ -50,13 +50,16 @@ public:
 
     /// Makes the item return behind the divider. Nothing when it will anyway.
     std::optional<Mutation> markHidden(const std::string& bundleID, const std::string& persistedID);
-    /// Makes the item, and all unnamed ones of its application, return on the visible side.
-    std::vector<Mutation> repair(const std::string& bundleID, const std::string& persistedID);
+    /// Makes the item, and all unnamed ones of its application, return on the visible side; the
+    /// item itself to `place`, where one is given.
+    std::vector<Mutation> repair(const std::string& bundleID, const std::string& persistedID,
+                                 std::optional<double> place = std::nullopt);
     /// Repairs every item with the rule `alwaysShow`, by ascending id.
     std::vector<RuleRepair> repairAlwaysShowRules(
         const std::map<std::string, AppState::IconRule>& rules);
     /// `repair`, with a log line for each change.
-    void restoreAndLog(const std::string& bundleID, const std::string& persistedID);
+    void restoreAndLog(const std::string& bundleID, const std::string& persistedID,
+                       std::optional<double> place = std::nullopt);
     /// `restoreAndLog` for the first item with each id.
     void restoreAll(const std::vector<std::string>& ids, const ScannedBarItems& items);
 

@@ -112,8 +112,7 @@ std::optional<Broken> Invariants::checkTransparency() const {
     const SectionManager& sections = nevo->delegate().controller()->sections();
     for (WindowNumber window : desktop.bar.order()) {
         const SimBar::Item* item = desktop.bar.find(window);
-        bool known = sections.alphaHiddenWindows.contains(window) ||
-                     sections.passinglyTransparentWindows.contains(window);
+        bool known = sections.opacity.isTransparent(window);
         if (desktop.windows.find(window)->alpha >= 1 || known) continue;
         return Broken{"transparency",
                       fmt::format("{} is transparent and Nevo doesn't know it", item->label)};

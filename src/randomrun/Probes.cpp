@@ -141,7 +141,6 @@ const std::vector<std::string>& Probes::texts() {
         "[CmdDrag] tap: dragged with cmd",
         "[CmdDrag] global: dragged with cmd",
         "[CmdDrag] start gate: already dragging",
-        "[CmdDrag] start gate: hidden section NOT collapsed",
         "[CmdDrag] start gate: mouse.y=",
         "[CmdDrag] started: ... draggingToggle=true",
         "[CmdDrag] started: ... draggingToggle=false",

@@ -148,7 +148,7 @@ Lines choose(Stage& stage) {
         if (!row.isSeparator() && row.isEnabled) keys.push_back(row.key);
     }
     if (keys.empty()) return {"dismiss-menu"};
-    return {"choose " + stage.random.oneOf(keys)};
+    return {"choose " + quoted(stage.random.oneOf(keys))};
 }
 
 Lines dismiss(Stage&) { return {"dismiss-menu"}; }

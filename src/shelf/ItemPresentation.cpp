@@ -1,6 +1,7 @@
 #include <fmt/format.h>
 
 #include <algorithm>
+#include <cmath>
 
 #include "core/debugLog.h"
 #include "core/describe.h"
@@ -17,6 +18,8 @@ constexpr double presentationTime = 60.0;
 constexpr double takeBackPoll = 0.02;
 /// Between the toggle and the presented item.
 constexpr double clearance = 12.0;
+/// Points; frames come in whole pixels.
+constexpr double floatTolerance = 1.0;
 }  // namespace
 
 void ShelfController::presentItem(const ScannedBarItem& item) {
@@ -25,6 +28,17 @@ void ShelfController::presentItem(const ScannedBarItem& item) {
                              item.windowID));
         return;
     }
+    startPresentation(item);
+}
+
+void ShelfController::bringOut(const ScannedBarItem& item) {
+    auto frame = usableToggleFrame();
+    if (!frame) return;
+    take(*frame);
+    startPresentation(item);
+}
+
+void ShelfController::startPresentation(const ScannedBarItem& item) {
     if (presentationTask) presentationTask->cancel();
     presentationTask =
         spawn(platform.runLoop, runPresentation(weak_from_this(), ++presentationRun, item));
@@ -61,6 +75,10 @@ Task<> ShelfController::runPresentation(std::weak_ptr<ShelfController> owner, in
     BarItem moved(resolved);
     Point target = *destination;
     bool ok = co_await itemMover.moveForShelf(moved, target);
+    self = owner.lock();
+    if (!self) co_return;
+    if (self->activePresentation) self->activePresentation->hasMoved = true;
+    self.reset();
     if (!ok) {
         debugLog(fmt::format("[Shelf] presentItem failed to move wid={}", resolved.windowID));
     } else {
@@ -75,7 +93,7 @@ Task<> ShelfController::runPresentation(std::weak_ptr<ShelfController> owner, in
     co_await finishPresentation(owner, run);
 }
 
-/// Notes where the item is hidden and gives the place beside the toggle where its centre is to
+/// Notes that the item is out and gives the place beside the toggle where its centre is to
 /// come. Nothing when its window has gone: the bar is open again then.
 std::optional<Point> ShelfController::beginPresentation(const ScannedBarItem& item,
                                                         int openingsBefore) {
@@ -83,10 +101,11 @@ std::optional<Point> ShelfController::beginPresentation(const ScannedBarItem& it
     if (!bounds) {
         debugLog(
             fmt::format("[Shelf] presentItem failed: missing hidden bounds wid={}", item.windowID));
-        showShelfPanel(displayItems());
+        if (isShelfMode(platform.screens, appState)) showShelfPanel(displayItems());
         return std::nullopt;
     }
-    activePresentation = ActivePresentation{item, bounds->center()};
+    activePresentation = ActivePresentation{item};
+    sectionManager.opacity.add(ItemOpacity::Reason::broughtOut, item.windowID);
     // Whoever has opened the bar again during its fade has it beside the item.
     bool isOpenAgain = isIn(ShelfState::Kind::panelVisible) && openings != openingsBefore;
     if (!isOpenAgain) shelfState = {ShelfState::Kind::presentingItem, item.windowID};
@@ -124,17 +143,7 @@ Task<> ShelfController::finishPresentation(std::weak_ptr<ShelfController> owner,
     debugLog(fmt::format("[Shelf] finishPresentation called cancelled={} hasActive={} state={}",
                          describe(cancelled), describe(self->activePresentation.has_value()),
                          describe(self->shelfState)));
-    if (self->activePresentation) {
-        ItemMover& itemMover = self->mover;
-        BarItem item(self->activePresentation->item);
-        Point hiddenCenter = self->activePresentation->hiddenCenter;
-        self.reset();
-        bool ok = co_await itemMover.moveForShelf(item, hiddenCenter);
-        self = owner.lock();
-        if (!self) co_return;
-        debugLog(fmt::format("[Shelf] move back wid={} ok={}", item.windowID, describe(ok)));
-        self->activePresentation.reset();
-    }
+    self->takeBack();
     self->concludePresentation(run);
 }
 
@@ -154,22 +163,46 @@ void ShelfController::concludePresentation(int run) {
     if (isIn(ShelfState::Kind::collapsed) && onClosed) onClosed();
 }
 
-Task<> ShelfController::moveBack(std::weak_ptr<ShelfController> owner) {
-    auto self = owner.lock();
-    if (!self || !self->activePresentation) co_return;
-    ItemMover& itemMover = self->mover;
-    BarItem item(self->activePresentation->item);
-    Point hiddenCenter = self->activePresentation->hiddenCenter;
-    self.reset();
-    co_await itemMover.moveForShelf(item, hiddenCenter);
-    self = owner.lock();
-    if (self) self->activePresentation.reset();
+bool ShelfController::isOnAnyScreen(const Rect& frame) const {
+    auto screens = platform.screens.screens();
+    return std::any_of(screens.begin(), screens.end(), [&](const Screen& screen) {
+        return frame.maxX() > screen.frame.minX() && frame.minX() < screen.frame.maxX();
+    });
+}
+
+bool ShelfController::isFloating(WindowNumber window) const {
+    auto frame = mover.readableFrame(window);
+    auto slot = platform.windows.slotFrame(window);
+    return frame && slot && std::abs(frame->x - slot->x) > floatTolerance;
+}
+
+void ShelfController::takeBack() {
+    if (!activePresentation) return;
+    BarItem item(activePresentation->item);
+    activePresentation.reset();
+    auto slot = platform.windows.slotFrame(item.windowID);
+    auto frame = mover.readableFrame(item.windowID);
+    // A slow bar may yet carry out the move that brought it out: off the screen it is taken back
+    // whether it floats or not, which does nothing to one in its slot. On the screen the slot may
+    // be about to change, and an item that was put there would float.
+    bool isSlotOnScreen = slot && isOnAnyScreen(*slot);
+    if (slot && frame && (!isSlotOnScreen || isFloating(item.windowID))) {
+        bool ok = mover.moveWindowDirectly(item.windowID, "direct", *frame, slot->midX());
+        debugLog(fmt::format("[Shelf] move back wid={} ok={}", item.windowID, describe(ok)));
+    }
+    sectionManager.opacity.remove(ItemOpacity::Reason::broughtOut, item.windowID);
+}
+
+void ShelfController::endLostPresentation() {
+    bool isLost = activePresentation && activePresentation->hasMoved &&
+                  !isFloating(activePresentation->item.windowID);
+    if (isLost && presentationTask) presentationTask->cancel();
 }
 
 void ShelfController::endPresentation() {
     if (presentationTask) presentationTask->cancel();
     presentationTask.reset();
-    if (activePresentation) spawn(platform.runLoop, moveBack(weak_from_this()));
+    takeBack();
 }
 
 void ShelfController::resetForDisplayModeChange() {

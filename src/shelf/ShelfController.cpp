@@ -145,9 +145,9 @@ ScannedBarItems ShelfController::snapshotSection(SectionName section) const {
 ScannedBarItems ShelfController::displayItems() const {
     ScannedBarItems items = snapshotSection(SectionName::hidden);
     ScannedBarItems alphaHiddenFromVisible = snapshotSection(SectionName::visible);
-    std::erase_if(alphaHiddenFromVisible, [this](const ScannedBarItem& item) {
-        return !sectionManager.alphaHiddenWindows.contains(item.windowID);
-    });
+    std::set<WindowNumber> alphaHidden = sectionManager.opacity.alphaHiddenWindows();
+    std::erase_if(alphaHiddenFromVisible,
+                  [&](const ScannedBarItem& item) { return !alphaHidden.contains(item.windowID); });
     bool isEmpty = items.empty() && alphaHiddenFromVisible.empty();
     if (sectionManager.isHiddenDividerCollapsed() && isEmpty && !cachedItems.empty()) {
         debugLog(fmt::format("[Shelf] displayItems: using shelf cache fallback count={}",

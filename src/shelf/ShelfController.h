@@ -68,6 +68,11 @@ public:
     /// Brings the real item out beside the toggle, for the user to click; back after a minute, or
     /// when something else interrupts.
     void presentItem(const ScannedBarItem& item);
+    /// The same where there is no open bar with a slot to click.
+    void bringOut(const ScannedBarItem& item);
+    /// Ends a presentation whose item no longer floats: a hand has dragged it into the row, or the
+    /// bar has taken it back.
+    void endLostPresentation();
     /// Ends what is presented and closes the bar, without waiting for the item to be back.
     void resetForDisplayModeChange();
     /// The first steps of the same, for the end of the program.
@@ -76,8 +81,8 @@ public:
 private:
     struct ActivePresentation {
         ScannedBarItem item;
-        /// Of its window before it was moved; origin at the top left.
-        Point hiddenCenter;
+        /// Until it has been moved it stands in its slot, as one does that is back.
+        bool hasMoved = false;
     };
 
     ShelfController(const Platform& platform, AppState& appState, std::shared_ptr<NevoBar> bar,
@@ -102,7 +107,11 @@ private:
     static Task<> runPresentation(std::weak_ptr<ShelfController> owner, int run,
                                   ScannedBarItem item);
     static Task<> finishPresentation(std::weak_ptr<ShelfController> owner, int run);
-    static Task<> moveBack(std::weak_ptr<ShelfController> owner);
+    void startPresentation(const ScannedBarItem& item);
+    bool isOnAnyScreen(const Rect& frame) const;
+    bool isFloating(WindowNumber window) const;
+    /// Puts the item back into its slot and lets go of it.
+    void takeBack();
     std::optional<Point> beginPresentation(const ScannedBarItem& item, int openingsBefore);
     void concludePresentation(int run);
     ScannedBarItem resolveItem(const ScannedBarItem& item) const;

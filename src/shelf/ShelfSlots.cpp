@@ -93,15 +93,14 @@ void ShelfController::onSelect(std::size_t index, const BarItem& item) {
             debugLog("[Shelf] auto: clearing rule for " + item.persistedID);
             break;
         case IconRule::alwaysHide: {
-            bool ok = platform.windows.setWindowAlpha(item.windowID, 0.0F);
-            sectionManager.alphaHiddenWindows.insert(item.windowID);
+            bool ok = sectionManager.opacity.setRule(item.windowID, true, false);
             debugLog(fmt::format("[Shelf] alwaysHide: alpha=0 wid={} ok={}", item.windowID,
                                  describe(ok)));
             break;
         }
         case IconRule::alwaysShow:
-            sectionManager.alphaHiddenWindows.erase(item.windowID);
-            platform.windows.setWindowAlpha(item.windowID, 1.0F);
+            sectionManager.opacity.remove(ItemOpacity::Reason::stray, item.windowID);
+            sectionManager.opacity.setRule(item.windowID, false, true);
             break;
     }
 }

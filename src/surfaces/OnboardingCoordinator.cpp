@@ -40,6 +40,7 @@ void OnboardingCoordinator::show(OnboardingStep step) {
     OnboardingRootView::Callbacks callbacks;
     callbacks.onReady = held(&OnboardingCoordinator::notifyReady);
     callbacks.markComplete = held(&OnboardingCoordinator::markComplete);
+    callbacks.onWelcomeLeft = held(&OnboardingCoordinator::notifyWelcomeLeft);
     callbacks.onFinish = held(&OnboardingCoordinator::finish);
     callbacks.changed = [weak](Transition transition) {
         if (auto self = weak.lock()) self->refreshSoon(transition);
@@ -90,6 +91,10 @@ void OnboardingCoordinator::notifyReady() {
     if (auto ready = onReady) ready();
 }
 
+void OnboardingCoordinator::notifyWelcomeLeft() {
+    if (auto left = std::exchange(onWelcomeLeft, nullptr)) left();
+}
+
 void OnboardingCoordinator::markComplete() {
     platform.defaults.standard().set(onboardingCompletedKey, true);
     platform.defaults.standard().synchronize();
@@ -129,6 +134,7 @@ void OnboardingCoordinator::refreshSoon(Transition transition) {
 void OnboardingCoordinator::finish() {
     // The call may come from the view.
     auto ending = root;
+    notifyWelcomeLeft();
     notifyReady();
     markComplete();
     close();

@@ -20,6 +20,8 @@ public:
 
     std::function<void()> onReady;
     std::function<void()> onComplete;
+    /// The first page has been left, by its button or with the window; called once.
+    std::function<void()> onWelcomeLeft;
     /// `onReady` has run, which it does once a flow.
     bool didNotifyReady = false;
 
@@ -43,6 +45,7 @@ public:
 private:
     OnboardingCoordinator(const Platform& platform, AccessibilityService& accessibility);
     void markComplete();
+    void notifyWelcomeLeft();
     void performSystemPermissionRequest(const std::function<void()>& action);
     void restoreWindowLevel();
     void refreshSoon(Transition transition);

@@ -58,6 +58,7 @@ std::shared_ptr<OnboardingRootView> OnboardingRootView::create(
 }
 
 void OnboardingRootView::go(OnboardingStep to) {
+    if (current == OnboardingStep::welcome && callbacks.onWelcomeLeft) callbacks.onWelcomeLeft();
     enter(to);
     callbacks.changed(motion.betweenPages());
 }

@@ -18,6 +18,8 @@ public:
     struct Callbacks {
         std::function<void()> onReady;
         std::function<void()> markComplete;
+        /// The first page has been left.
+        std::function<void()> onWelcomeLeft;
         /// Runs the action while the flow's window leaves room for the system's own.
         std::function<void(std::function<void()>)> performSystemPermissionRequest;
         /// The view may be destroyed in it.

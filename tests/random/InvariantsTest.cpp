@@ -93,8 +93,7 @@ TEST_F(InvariantsTest, InAnOpenSectionAnItemIsHiddenForAReasonOnly) {
     open();
     EXPECT_EQ(atRest(), "");
     SectionManager& sections = run.nevo()->delegate().controller()->sections();
-    desktop.windowServer.setWindowAlpha(letters(), 0);
-    sections.alphaHiddenWindows.insert(letters());
+    sections.opacity.add(ItemOpacity::Reason::stray, letters());
     EXPECT_EQ(atRest(), "unexplained");
     state().rules.setIconRule(IconRule::alwaysHide, "letters >>> com.example.mail");
     EXPECT_EQ(atRest(), "");

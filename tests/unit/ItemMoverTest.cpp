@@ -46,34 +46,37 @@ protected:
     int countAtEnd = 0;
 };
 
-TEST_F(ItemMoverTest, ADragThatMovesTheItemFarEnoughIsEnough) {
-    WindowNumber window = row(101);
+TEST_F(ItemMoverTest, ADragHasArrivedWhenTheOrderIsRightHoweverShortItWas) {
+    WindowNumber window = row(40);
     Point cursor = platform.events.mouseLocation();
     EXPECT_TRUE(move(window));
     EXPECT_EQ(logCount("[SBC] moveItem attempt="), 1);
     EXPECT_NEAR(took, 0.165, 1e-6) << "5 + 20 + 15 + 15 + 100 ms, and 10 ms for the cursor";
     EXPECT_EQ(countAtEnd, 1) << "late events of the drag may still come";
     expectPutBack(cursor);
+    EXPECT_TRUE(move(window)) << "it stands there";
+    EXPECT_EQ(took, 0.0);
 }
 
-TEST_F(ItemMoverTest, ExactlyAHundredPointsIsNoSuccess) {
-    WindowNumber window = row(100);
-    move(window);
-    EXPECT_GT(logCount("[SBC] moveItem attempt="), 1);
-}
-
-TEST_F(ItemMoverTest, FourFailedDragsFallBackToTheDirectMove) {
+TEST_F(ItemMoverTest, AfterFourFailedDragsWhatOnlyFloatsThereIsPutBack) {
     WindowNumber window = row(200);
     Point cursor = platform.events.mouseLocation();
     desktop.faults.add(SimOperation::drag, std::nullopt, std::nullopt);
-    EXPECT_TRUE(move(window));
+    EXPECT_FALSE(move(window));
     EXPECT_EQ(logCount("[SBC] moveItem attempt="), 4);
     EXPECT_EQ(logCount("[SBC] moveItem SLSMoveWindow fallback wid="), 1);
     EXPECT_NEAR(took, 4 * 0.155 + 0.010, 1e-6);
     expectPutBack(cursor);
+    EXPECT_FALSE(desktop.bar.find(window)->floating);
+    EXPECT_EQ(platform.windows.windowFrame(window), frame);
+}
 
-    desktop.faults.add(SimOperation::moveWindow, std::nullopt, 1);
-    EXPECT_FALSE(move(window));
+TEST_F(ItemMoverTest, ThePointerIsBackWhereItWasOnADisplayBelowTheMainOne) {
+    desktop.putDisplay({7, {200, -600, 800, 600}, 0, 1});
+    WindowNumber window = row(200);
+    platform.events.warpCursor({400, 1200});
+    Point cursor = platform.events.mouseLocation();
+    EXPECT_TRUE(move(window));
     expectPutBack(cursor);
 }
 
@@ -129,15 +132,24 @@ TEST_F(ItemMoverTest, TheDirectMoveTakesACentreAndGivesAnOrigin) {
     EXPECT_EQ(logCount("[Shelf] moveItem SLSMoveWindow direct wid="), 1);
 }
 
-TEST_F(ItemMoverTest, TheShelfsMoveFallsBackToADragFromOffTheScreen) {
+TEST_F(ItemMoverTest, TheShelfsMoveNeverChangesTheOrder) {
     WindowNumber window = row(400);
     ScannedBarItem scanned;
     scanned.windowID = window;
+    auto order = desktop.bar.order();
     desktop.faults.add(SimOperation::moveWindow, std::nullopt, 1);
-    Point drop{frame.midX() + 400, frame.midY()};
-    EXPECT_TRUE(finish(mover.moveForShelf(BarItem(scanned), drop)));
+    EXPECT_FALSE(finish(mover.moveForShelf(BarItem(scanned), target)));
+    EXPECT_EQ(desktop.bar.order(), order);
+}
+
+TEST_F(ItemMoverTest, AReorderInPlaceLeavesThePointerAlone) {
+    WindowNumber window = row(24);
+    Point cursor = platform.events.mouseLocation();
+    EXPECT_TRUE(finish(mover.reorderInPlace(window, target)));
+    EXPECT_EQ(desktop.bar.order().back(), window);
+    expectPutBack(cursor);
+    EXPECT_TRUE(finish(mover.reorderInPlace(window, target))) << "it stands there";
     EXPECT_EQ(logCount("fromOffscreen=(20000,20000) dest=("), 1);
-    EXPECT_EQ(mover.programmaticMoveCount(), 0);
 }
 
 }  // namespace

@@ -87,25 +87,25 @@ TEST_F(SectionManagerTest, WithoutAnyFrameNothingIsHidden) {
 
 TEST_F(SectionManagerTest, ExpandingRestoresTransparentWindowsOnlyWhenAsked) {
     WindowNumber window = launch("Veiled", "org.veiled", 30);
-    platform.windows.setWindowAlpha(window, 0);
-    sections.alphaHiddenWindows = {window};
+    WindowNumber ruled = launch("Ruled", "org.ruled", 30);
+    sections.opacity.add(ItemOpacity::Reason::stray, window);
+    sections.opacity.setRule(ruled, true, false);
     sections.expand(false);
-    EXPECT_EQ(sections.alphaHiddenWindows.size(), 1U);
     EXPECT_EQ(platform.windows.windowAlpha(window), 0.0F);
     sections.expand(true);
-    EXPECT_TRUE(sections.alphaHiddenWindows.empty());
     EXPECT_EQ(platform.windows.windowAlpha(window), 1.0F);
+    EXPECT_EQ(platform.windows.windowAlpha(ruled), 0.0F) << "a rule outlasts the opening";
 }
 
 TEST_F(SectionManagerTest, AlwaysHiddenDividerIsMadeAnewWithTheItemsThatBelongBehindIt) {
     ScannedBarItem item = itemAt(100);
     item.bundleID = "org.example";
-    sections.recreateAlwaysHiddenDivider({item.persistedID, "Gone >>> org.gone"}, {item});
+    sections.recreateAlwaysHiddenDivider({item.persistedID, "Gone >>> org.gone"}, {item}, 421);
     EXPECT_EQ(desktop.defaults.readNumber("org.example", "NSStatusItem Preferred Position Item"),
               5000.0);
     EXPECT_TRUE(
         logHas("[SectionMgr] wrote org.example NSStatusItem Preferred Position Item=5000 (was 0)"));
-    EXPECT_TRUE(logHas("[SectionMgr] alwaysHiddenDivider recreated at position=300"));
+    EXPECT_TRUE(logHas("[SectionMgr] alwaysHiddenDivider recreated at position=421"));
     EXPECT_TRUE(sections.alwaysHiddenDivider->isVisible());
     EXPECT_EQ(sections.alwaysHiddenDivider->length(), 10000.0);
     sections.reapplyDividerVisibilityAfterWake();

@@ -1,0 +1,69 @@
+#include "placement/AlwaysHiddenArea.h"
+
+namespace nevo {
+
+namespace {
+
+/// The divider goes between two items however their widths are rounded.
+constexpr double positionMargin = 1.0;
+
+std::optional<WindowNumber> windowOf(StatusItem& item) {
+    StatusItemButton* button = item.button();
+    return button ? button->windowNumber() : std::nullopt;
+}
+
+}  // namespace
+
+std::optional<WindowNumber> AlwaysHiddenArea::alwaysHiddenDivider() const {
+    return sections.alwaysHiddenDivider->isVisible() ? windowOf(*sections.alwaysHiddenDivider)
+                                                     : std::nullopt;
+}
+
+/// The hidden section's divider or the other: neither has a width in saved positions.
+bool AlwaysHiddenArea::isDivider(const RowSlot& slot) const {
+    return slot.window == windowOf(*sections.hiddenDivider) || slot.window == alwaysHiddenDivider();
+}
+
+std::optional<Point> AlwaysHiddenArea::leftEnd(const std::set<WindowNumber>& pinned) const {
+    auto divider = alwaysHiddenDivider();
+    for (const RowSlot& slot : rowSlots(windows)) {
+        if (pinned.contains(slot.window) || slot.window == divider) continue;
+        return Point{slot.frame.minX(), slot.frame.midY()};
+    }
+    return std::nullopt;
+}
+
+std::optional<WindowNumber> AlwaysHiddenArea::misplaced(
+    const std::set<WindowNumber>& pinned) const {
+    bool isPastOthers = false;
+    for (const RowSlot& slot : rowSlots(windows)) {
+        bool isPinned = pinned.contains(slot.window);
+        if (isPinned && isPastOthers) return slot.window;
+        if (!isPinned && !isDivider(slot)) isPastOthers = true;
+    }
+    return std::nullopt;
+}
+
+double AlwaysHiddenArea::dividerPosition(const std::set<WindowNumber>& pinned) const {
+    double width = positionMargin;
+    for (const RowSlot& slot : rowSlots(windows)) {
+        if (!pinned.contains(slot.window) && !isDivider(slot)) width += slot.frame.width;
+    }
+    return width;
+}
+
+bool AlwaysHiddenArea::isDividerInPlace(const std::set<WindowNumber>& pinned) const {
+    auto divider = alwaysHiddenDivider();
+    if (!divider || !SectionManager::isCollapsed(*sections.alwaysHiddenDivider)) return false;
+    bool isLeft = true;
+    for (const RowSlot& slot : rowSlots(windows)) {
+        if (slot.window == divider) {
+            isLeft = false;
+        } else if (!isDivider(slot) && pinned.contains(slot.window) != isLeft) {
+            return false;
+        }
+    }
+    return !isLeft;
+}
+
+}  // namespace nevo
