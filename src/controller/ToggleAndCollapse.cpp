@@ -185,6 +185,7 @@ void StatusBarController::expandHiddenSection() {
 void StatusBarController::expandAndClickItem(const BarItem& item) {
     debugLog(fmt::format("[Nevo] expandAndClickItem wid={} — expanding for user interaction",
                          item.windowID));
+    hasUserToggled = true;
     autoHideTimer.reset();
     expandHiddenSection();
     resetAutoHideTimer();
