@@ -2,8 +2,6 @@
 
 #include <algorithm>
 
-#include "placement/RowSlots.h"
-
 namespace nevo {
 
 namespace {
@@ -44,20 +42,58 @@ void RulePlaces::remember(WindowNumber window, const Ids& ids) {
     Row row = readRow(windows, sections);
     std::size_t at = row.indexOf(window);
     bool isKnown = id != ids.end() && at < row.slots.size() && row.toggle < row.slots.size();
-    if (!isKnown || sections.isBehindAlwaysHiddenDivider(row.slots[at].frame.midX())) return;
+    if (!isKnown || places.find(id->second) ||
+        sections.isBehindAlwaysHiddenDivider(row.slots[at].frame.midX()))
+        return;
     RememberedPlace place;
     place.isHidden = at < row.toggle;
     auto own = sections.ownWindowIDs();
-    for (std::size_t i = 0; i < row.slots.size(); ++i) {
-        const RowSlot& slot = row.slots[i];
-        bool isDivider = own.contains(slot.window) && i != row.toggle;
-        if (i >= at && !isDivider) place.position += slot.frame.width;
-        bool isNeighbour = i != at && ids.contains(slot.window) &&
-                           (i < row.toggle) == place.isHidden &&
-                           !sections.isBehindAlwaysHiddenDivider(slot.frame.midX());
-        if (isNeighbour) (i < at ? place.left : place.right).push_back(ids.at(slot.window));
+    for (std::size_t i = at; i < row.slots.size(); ++i) {
+        bool isDivider = own.contains(row.slots[i].window) && i != row.toggle;
+        if (!isDivider) place.position += row.slots[i].frame.width;
     }
+    std::vector<std::string> side = formerSide(row.slots, row.toggle, ids, place.isHidden);
+    auto self = std::find(side.begin(), side.end(), id->second);
+    place.left.assign(side.begin(), self);
+    if (self != side.end()) place.right.assign(self + 1, side.end());
     places.remember(id->second, place);
+}
+
+/// Whether the item stands where its user has it. One that is always hidden doesn't, nor does one
+/// whose rule has ended until it is back.
+bool RulePlaces::isInPlace(const RowSlot& slot, const std::string& id) const {
+    if (sections.isBehindAlwaysHiddenDivider(slot.frame.midX())) return false;
+    bool isShown = sections.opacity.has(ItemOpacity::Reason::shownByRule, slot.window);
+    return isShown || !places.find(id);
+}
+
+/// The ids on one side of the toggle, left to right, with those that a rule holds elsewhere where
+/// they stood: each directly right of its nearest left neighbour, which is exact since a place has
+/// all its neighbours.
+std::vector<std::string> RulePlaces::formerSide(const std::vector<RowSlot>& slots,
+                                                std::size_t toggle, const Ids& ids,
+                                                bool isHidden) const {
+    std::vector<std::string> side;
+    for (std::size_t i = 0; i < slots.size(); ++i) {
+        auto id = ids.find(slots[i].window);
+        bool isHere =
+            id != ids.end() && (i < toggle) == isHidden && isInPlace(slots[i], id->second);
+        if (isHere) side.push_back(id->second);
+    }
+    for (const auto& [window, id] : ids) {
+        auto place = places.find(id);
+        bool isKnown = std::find(side.begin(), side.end(), id) != side.end();
+        if (isKnown || !place || place->isHidden != isHidden) continue;
+        auto at = side.begin();
+        for (auto left = place->left.rbegin(); left != place->left.rend(); ++left) {
+            auto found = std::find(side.begin(), side.end(), *left);
+            if (found == side.end()) continue;
+            at = found + 1;
+            break;
+        }
+        side.insert(at, id);
+    }
+    return side;
 }
 
 std::optional<double> RulePlaces::position(const std::string& persistedID) const {

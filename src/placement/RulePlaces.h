@@ -2,8 +2,10 @@
 
 #include <map>
 #include <string>
+#include <vector>
 
 #include "core/RememberedPlaces.h"
+#include "placement/RowSlots.h"
 #include "placement/SectionManager.h"
 
 namespace nevo {
@@ -31,6 +33,10 @@ public:
     bool isLeftOfToggle(WindowNumber window) const;
 
 private:
+    bool isInPlace(const RowSlot& slot, const std::string& id) const;
+    std::vector<std::string> formerSide(const std::vector<RowSlot>& slots, std::size_t toggle,
+                                        const Ids& ids, bool isHidden) const;
+
     const WindowServer& windows;
     const SectionManager& sections;
     RememberedPlaces places;
