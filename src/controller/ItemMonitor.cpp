@@ -132,6 +132,9 @@ void StatusBarController::enforceAlwaysHide(const std::set<WindowNumber>& ownIDs
         // Nobody would take back what is done for the sake of a phantom's rule.
         bool isKnown = opacity.has(ItemOpacity::Reason::hiddenByRule, item.windowID);
         if (!hides || isKnown || isPhantomID(item.persistedID)) continue;
+        // Before the item is known as hidden: whoever sees it next takes its place for a rule's
+        // doing.
+        rulePlaces.remember(item.windowID, snapshotIDs());
         opacity.setRule(item.windowID, true, false);
         debugLog(fmt::format("[ItemMonitor] alwaysHide enforced wid={} id={}", item.windowID,
                              item.persistedID));
