@@ -57,8 +57,8 @@ public:
     virtual bool setWindowAlpha(WindowNumber window, float alpha) = 0;
     /// `CGSGetWindowAlpha`; nothing on failure.
     virtual std::optional<float> windowAlpha(WindowNumber window) const = 0;
-    /// `SLSMoveWindow`: puts the window's origin there. False when it was refused or can't be done
-    /// here.
+    /// `SLSMoveWindow`: puts the window's origin there; a status item that is put outside of the
+    /// bar goes back into its slot. False when it was refused or can't be done here.
     virtual bool moveWindow(WindowNumber window, Point origin) = 0;
 
     /// The picture of one window (`CGWindowListCreateImage(CGRectNull, 8, window, 9)`), in pixels;

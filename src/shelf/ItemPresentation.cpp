@@ -20,6 +20,8 @@ constexpr double takeBackPoll = 0.02;
 constexpr double clearance = 12.0;
 /// Points; frames come in whole pixels.
 constexpr double floatTolerance = 1.0;
+/// An x outside every screen.
+constexpr double beyondTheBar = -20000.0;
 }  // namespace
 
 void ShelfController::presentItem(const ScannedBarItem& item) {
@@ -163,13 +165,6 @@ void ShelfController::concludePresentation(int run) {
     if (isIn(ShelfState::Kind::collapsed) && onClosed) onClosed();
 }
 
-bool ShelfController::isOnAnyScreen(const Rect& frame) const {
-    auto screens = platform.screens.screens();
-    return std::any_of(screens.begin(), screens.end(), [&](const Screen& screen) {
-        return frame.maxX() > screen.frame.minX() && frame.minX() < screen.frame.maxX();
-    });
-}
-
 bool ShelfController::isFloating(WindowNumber window) const {
     auto frame = mover.readableFrame(window);
     auto slot = platform.windows.slotFrame(window);
@@ -180,14 +175,11 @@ void ShelfController::takeBack() {
     if (!activePresentation) return;
     BarItem item(activePresentation->item);
     activePresentation.reset();
-    auto slot = platform.windows.slotFrame(item.windowID);
-    auto frame = mover.readableFrame(item.windowID);
-    // A slow bar may yet carry out the move that brought it out: off the screen it is taken back
-    // whether it floats or not, which does nothing to one in its slot. On the screen the slot may
-    // be about to change, and an item that was put there would float.
-    bool isSlotOnScreen = slot && isOnAnyScreen(*slot);
-    if (slot && frame && (!isSlotOnScreen || isFloating(item.windowID))) {
-        bool ok = mover.moveWindowDirectly(item.windowID, "direct", *frame, slot->midX());
+    // Beyond the bar an item goes back into its slot, wherever that is by then; also one of a slow
+    // bar, which hasn't brought it out yet.
+    if (auto frame = mover.readableFrame(item.windowID)) {
+        mover.moveWindowDirectly(item.windowID, "direct", *frame, beyondTheBar);
+        bool ok = !isFloating(item.windowID);
         debugLog(fmt::format("[Shelf] move back wid={} ok={}", item.windowID, describe(ok)));
     }
     sectionManager.opacity.remove(ItemOpacity::Reason::broughtOut, item.windowID);

@@ -108,7 +108,6 @@ private:
                                   ScannedBarItem item);
     static Task<> finishPresentation(std::weak_ptr<ShelfController> owner, int run);
     void startPresentation(const ScannedBarItem& item);
-    bool isOnAnyScreen(const Rect& frame) const;
     bool isFloating(WindowNumber window) const;
     /// Puts the item back into its slot and lets go of it.
     void takeBack();

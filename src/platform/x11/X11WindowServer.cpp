@@ -164,6 +164,13 @@ bool X11WindowServer::moveWindow(WindowNumber window, Point origin) {
     Point asked = server.coordinates.toRoot(origin);
     barClient.send(bar::moveItem, item->frame, coordinate(asked.x), coordinate(asked.y),
                    server.lease(), 0);
+    Rect bar = barClient.barFrame();
+    if (asked.x + item->slot.width < bar.minX() || asked.x > bar.maxX()) {
+        return barClient.waitUntil([&] {
+            const auto* now = barClient.itemOfNumber(window);
+            return now != nullptr && !now->floats;
+        });
+    }
     auto isAt = [&](double tolerance) {
         const auto* now = barClient.itemOfNumber(window);
         return now != nullptr && std::abs(now->place().x - asked.x) < tolerance;
