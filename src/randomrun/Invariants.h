@@ -59,6 +59,7 @@ private:
     std::optional<Broken> checkState();
     std::optional<Broken> checkToggle() const;
     std::optional<Broken> checkTransparency() const;
+    std::optional<Broken> checkPinned() const;
     std::optional<Broken> checkOpenSection();
     std::optional<Broken> checkShelf();
     std::optional<Broken> checkDecoys() const;

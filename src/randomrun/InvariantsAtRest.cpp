@@ -3,6 +3,7 @@
 #include <algorithm>
 
 #include "core/ItemId.h"
+#include "discovery/ItemIdentity.h"
 #include "entry/NevoApp.h"
 #include "randomrun/Invariants.h"
 
@@ -14,8 +15,6 @@ namespace {
 constexpr std::size_t mostTimers = 6;
 constexpr std::size_t mostMonitors = 10;
 constexpr std::size_t mostObservers = 16;
-
-constexpr const char* outerDivider = "always-hidden-divider";
 
 }  // namespace
 
@@ -46,6 +45,7 @@ std::optional<Broken> Invariants::atRest() {
     if (auto broken = checkState()) return broken;
     if (auto broken = checkToggle()) return broken;
     if (auto broken = checkTransparency()) return broken;
+    if (auto broken = checkPinned()) return broken;
     if (auto broken = checkOpenSection()) return broken;
     if (auto broken = checkShelf()) return broken;
     if (auto broken = checkDecoys()) return broken;
@@ -88,19 +88,15 @@ std::optional<Broken> Invariants::checkToggle() const {
 }
 
 /// Somebody else's writing can put the toggle left of its own divider, and a crowd of wide items
-/// can push it away. The always-hidden divider has a place of its own, which doesn't follow a
-/// toggle that has been dragged far to the left. A bar that obeys moves of Nevo's own items takes
-/// them anywhere.
+/// can push it away. A bar that obeys moves of Nevo's own items takes them anywhere.
 bool Invariants::mustBeInReach(WindowNumber toggle) const {
     bool readable = !desktop.screens.displays().empty() && !desktop.bar.isDragging();
     if (!readable || ownPlacesWritten || desktop.bar.find(toggle)->floating) return false;
     double room = desktop.screens.displays().front().frame.width - SimBar::systemAreaWidth;
     std::vector<WindowNumber> order = desktop.bar.order();
     for (auto at = std::find(order.begin(), order.end(), toggle); at != order.end(); ++at) {
-        const SimBar::Item* item = desktop.bar.find(*at);
-        bool isOuter = item->own && item->length > 0 && run.shortName(item->label) == outerDivider;
-        if (isOuter) return false;
-        if (item->length < MenuBarRow::collapsedLength) room -= item->length;
+        double length = desktop.bar.find(*at)->length;
+        if (length < MenuBarRow::collapsedLength) room -= length;
     }
     return room >= 0;
 }
@@ -116,6 +112,30 @@ std::optional<Broken> Invariants::checkTransparency() const {
         if (desktop.windows.find(window)->alpha >= 1 || known) continue;
         return Broken{"transparency",
                       fmt::format("{} is transparent and Nevo doesn't know it", item->label)};
+    }
+    return std::nullopt;
+}
+
+/// An item that a rule always hides is seen only where the user, or the rule of the program in
+/// front, has brought it out. Its id is the one that the settings list shows.
+std::optional<Broken> Invariants::checkPinned() const {
+    if (desktop.faults.struckCount(SimOperation::setWindowAlpha) > alphaFailuresAtStart)
+        return std::nullopt;
+    const SectionManager& sections = run.nevo()->delegate().controller()->sections();
+    for (const auto& [section, items] : sections.lastExpandedSnapshot) {
+        for (const ScannedBarItem& item : items) {
+            auto rule = expectedRules.find(item.persistedID);
+            bool isPinned = rule != expectedRules.end() && rule->second == IconRule::alwaysHide &&
+                            !isPhantomID(item.persistedID);
+            const SimWindow* window = desktop.windows.find(item.windowID);
+            if (!isPinned || window == nullptr || window->alpha == 0) continue;
+            // An ordinary window may be listed among the bar's for a while.
+            if (desktop.bar.find(item.windowID) == nullptr) continue;
+            bool isOut = sections.opacity.has(ItemOpacity::Reason::broughtOut, item.windowID) ||
+                         sections.opacity.has(ItemOpacity::Reason::shownInFront, item.windowID);
+            if (isOut || !desktop.bar.isOnScreen(item.windowID)) continue;
+            return Broken{"pinned", item.persistedID + " is always hidden and can be seen"};
+        }
     }
     return std::nullopt;
 }
