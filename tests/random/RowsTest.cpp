@@ -223,8 +223,8 @@ TEST_P(Rows, KeepTheirOrderAndHideWhatIsPinned) {
         std::string name = pinned[at];
         pinned.erase(pinned.begin() + static_cast<std::ptrdiff_t>(at));
         setRule(name, "auto");
-        rest();
     }
+    rest();
     check("when all rules have gone");
 }
 
