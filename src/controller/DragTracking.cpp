@@ -112,7 +112,7 @@ void StatusBarController::startDrag() {
     Point mouse = platform.events.mouseLocation();
     // From here on, since the loop is turned below: the drag's next events come in there.
     isDraggingMenuBarItem = true;
-    auto toggle = SectionManager::frame(*sectionManager.toggleItem);
+    auto toggle = sectionManager.shownFrame(*sectionManager.toggleItem);
     isDraggingNevoToggle = toggle && toggle->grownBy(toggleMargin).contains(mouse);
     draggedWindow = itemUnder(mouse);
     preDragToggleFrame.reset();
@@ -267,7 +267,8 @@ std::optional<WindowNumber> StatusBarController::itemUnder(Point mouse) const {
     std::optional<WindowNumber> hit;
     for (WindowNumber window : otherMenuBarWindows()) {
         auto frame = services.mover.readableFrame(window);
-        if (!frame || !frame->contains(place)) continue;
+        Point inRow{place.x - platform.windows.roomShift(window), place.y};
+        if (!frame || !frame->contains(inRow)) continue;
         bool isOut = sectionManager.opacity.has(ItemOpacity::Reason::broughtOut, window);
         if (!hit || isOut) hit = window;
     }

@@ -93,7 +93,7 @@ void StatusBarController::mouseMoved() {
         blankHoverTimer.reset();
     }
     if (!appState.showOnHover() || appState.isExpanded()) return;
-    auto window = SectionManager::frame(*sectionManager.toggleItem);
+    auto window = sectionManager.shownFrame(*sectionManager.toggleItem);
     if (!window) return;
     Rect area = window->grownBy(hoverMargin);
     if (!area.contains(mouse)) return;

@@ -98,7 +98,8 @@ void StatusBarController::alphaHideStrays(const std::set<WindowNumber>& ownIDs) 
     ItemOpacity& opacity = sectionManager.opacity;
     std::set<WindowNumber> isProtected = opacity.alwaysShowProtectedWIDs();
     for (WindowNumber window : services.scanner.menuBarWindowIDs()) {
-        if (ownIDs.contains(window)) continue;
+        bool isOut = opacity.has(ItemOpacity::Reason::broughtOut, window);
+        if (ownIDs.contains(window) || isOut) continue;
         auto frame = services.mover.readableFrame(window);
         // What has come to stand right of the toggle is no stray any more.
         if (frame && !(frame->x < toggle->x)) opacity.remove(ItemOpacity::Reason::stray, window);

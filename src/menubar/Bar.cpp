@@ -161,6 +161,7 @@ Bar::Deadline Bar::nextDeadline() const {
     if (adoptionDue) consider(*adoptionDue);
     if (takeBackDue) consider(*takeBackDue);
     if (toolTipDue) consider(*toolTipDue);
+    if (roomDue) consider(*roomDue);
     if (auto time = notifiers->deadline()) consider(*time);
     if (auto time = icons->deadline()) consider(*time);
     return next;
@@ -181,6 +182,7 @@ void Bar::work() {
         tick();
     }
     if (toolTipDue && now >= *toolTipDue) showToolTip();
+    if (roomDue && now >= *roomDue) needsLayout = true;
     if (adoptionDue && now >= *adoptionDue) {
         adoptionDue.reset();
         adoptStranded();

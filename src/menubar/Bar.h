@@ -21,6 +21,7 @@
 #include "menubar/SyntheticInput.h"
 #include "menubar/ToolTipWindow.h"
 #include "menubar/TrayHost.h"
+#include "platform/menubar/FloatRoom.h"
 #include "platform/menubar/RowKeeper.h"
 #include "platform/xcb/OwnerIdentity.h"
 
@@ -124,8 +125,8 @@ private:
     int systemAreaLeft() const;
     MenuBarRow::Room room() const;
     void layout();
-    bool placeItem(BarItem& item, const MenuBarRow::Slot& slot);
-    PixelRect realRect(const BarItem& item, const PixelRect& slot) const;
+    bool placeItem(BarItem& item, const MenuBarRow::Slot& slot, const MenuBarRow::Slot& place);
+    PixelRect realRect(const BarItem& item, const PixelRect& place) const;
     bool publishSlot(BarItem& item, const PixelRect& slot);
     void publishGeometry();
     bool isVisible(const BarItem& item) const;
@@ -135,8 +136,6 @@ private:
     // BarRequests.cpp: what the protocol lets others ask for
     void onClientMessage(const xcb_client_message_event_t& message);
     void setOpacity(BarItem& item, std::uint32_t opacity, xcb_window_t lease);
-    void moveItem(BarItem& item, int x, int y, xcb_window_t lease);
-    void endFloat(BarItem& item);
     void endLease(xcb_window_t lease);
     bool acceptLease(xcb_window_t lease);
 
@@ -173,6 +172,14 @@ private:
     void onFaceCrossing(const BarItem& item, bool enters);
     void showToolTip();
     void endToolTip();
+
+    // BarFloat.cpp
+    void moveItem(BarItem& item, int x, int y, xcb_window_t lease);
+    void endFloat(BarItem& item);
+    MenuBarRow::Room openRoom();
+    void closeRoom();
+    bool pointerRestsOnKept() const;
+    FloatRoom::IsSeen seenItems() const;
 
     // BarVisit.cpp
     void onVisitMessage(BarItem& item, bool comes, int x, xcb_window_t lease);
@@ -219,6 +226,9 @@ private:
     std::optional<Drag> drag;
     std::optional<Announcement> announcement;
     std::optional<Visit> visit;
+    FloatRoom floatRoom;
+    /// To look whether the pointer has left.
+    Deadline roomDue;
     std::vector<std::uint32_t> publishedList;
     std::vector<std::uint32_t> publishedGeometry;
     int systemAreaWidth = 0;

@@ -58,7 +58,7 @@ BarItem* Bar::itemAt(int rootX) const {
         PixelRect rect = item->frame->rect();
         rect.x += windows.front()->rect().x;
         if (item->slot.width <= 0 || !rect.contains(rootX, 0)) continue;
-        if (hit == nullptr || item->floatX) hit = item;
+        if (hit == nullptr || item->floats) hit = item;
     }
     return hit;
 }
@@ -88,14 +88,15 @@ void Bar::moveDrag(int pointerX) {
 
 void Bar::endDrag() {
     Drag ended = *drag;
-    drag.reset();
     needsLayout = true;
     needsPaint = true;
     BarItem* item = items.withKey(ended.item);
-    if (item == nullptr || !ended.hasMoved) return;
-    double left = ended.pointerX - ended.grabOffset;
-    endFloat(*item);
-    keeper.drop(item->key, left + item->frame->rect().width * 0.5, room());
+    if (item != nullptr && ended.hasMoved) {
+        double left = ended.pointerX - ended.grabOffset;
+        endFloat(*item);
+        keeper.drop(item->key, left + item->frame->rect().width * 0.5, openRoom());
+    }
+    drag.reset();
 }
 
 void Bar::cancelDrag() {

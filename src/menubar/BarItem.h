@@ -1,5 +1,6 @@
 #pragma once
 
+#include <array>
 #include <memory>
 #include <optional>
 #include <string>
@@ -72,13 +73,15 @@ struct BarItem {
 
     std::uint32_t opacity = fullOpacity;
     xcb_window_t opacityLease = 0;
-    /// Left edge in root coordinates while it floats above the row.
-    std::optional<int> floatX;
+    /// Above the row.
+    bool floats = false;
     xcb_window_t floatLease = 0;
 
     /// As last published, root coordinates.
     PixelRect slot;
-    bool slotFloats = false;
+    std::array<std::uint32_t, 6> publishedSlot{};
+    /// How far to the right of its slot it stands, to make room for a float.
+    int roomShift = 0;
     /// Its client asked for a size and waits to hear of one.
     bool awaitsPlace = true;
     bool hasDamage = true;

@@ -43,11 +43,21 @@ void Bar::layout() {
         for (BarItem* item : items.all()) endFloat(*item);
         endVisit();
     }
+    roomDue.reset();
+    MenuBarRow::Room open = openRoom();
+    if (floatRoom.isLeftOpen()) {
+        closeRoom();
+        open = openRoom();
+    }
+    std::vector<MenuBarRow::Slot> slots = keeper.row().slots(room());
+    std::vector<MenuBarRow::Slot> places = keeper.row().slots(open);
     bool changed = false;
     std::vector<std::uint32_t> list;
-    for (const MenuBarRow::Slot& slot : keeper.row().slots(room())) {
-        BarItem& item = *items.withKey(slot.key);
-        changed = placeItem(item, slot) || changed;
+    for (std::size_t i = 0; i < slots.size(); ++i) {
+        BarItem& item = *items.withKey(slots[i].key);
+        item.floats = floatRoom.item() == item.key;
+        if (item.floats) places[i].x = floatRoom.x(keeper.row(), open);
+        changed = placeItem(item, slots[i], places[i]) || changed;
         list.push_back(item.frame->window());
     }
     if (!changed && list == publishedList) return;
@@ -57,11 +67,14 @@ void Bar::layout() {
     needsPaint = true;
 }
 
-bool Bar::placeItem(BarItem& item, const MenuBarRow::Slot& slot) {
+bool Bar::placeItem(BarItem& item, const MenuBarRow::Slot& slot, const MenuBarRow::Slot& place) {
     const PixelRect& bar = windows.front()->rect();
     int left = rounded(slot.x);
     PixelRect slotRect{left, bar.y, rounded(slot.x + slot.width) - left, bar.height};
-    PixelRect onRoot = realRect(item, slotRect);
+    PixelRect placeRect = slotRect;
+    placeRect.x = rounded(place.x);
+    item.roomShift = item.floats ? 0 : placeRect.x - slotRect.x;
+    PixelRect onRoot = realRect(item, placeRect);
     PixelRect inBar{onRoot.x - bar.x, 0, onRoot.width, onRoot.height};
     int least = -farthestX - std::min(bar.x, 0);
     int most = farthestX - std::max(bar.x, 0);
@@ -79,19 +92,18 @@ bool Bar::placeItem(BarItem& item, const MenuBarRow::Slot& slot) {
     return publishSlot(item, slotRect) || moved;
 }
 
-/// Where the frame stands, root coordinates: in its slot, or above the row for a while, or in the
-/// hand.
-PixelRect Bar::realRect(const BarItem& item, const PixelRect& slot) const {
+/// Where the frame stands, root coordinates: in its place, or a visitor, or in the hand.
+PixelRect Bar::realRect(const BarItem& item, const PixelRect& place) const {
     const PixelRect& bar = windows.front()->rect();
-    PixelRect rect = slot;
-    if (slot.width > largestRealWidth) {
+    PixelRect rect = place;
+    if (place.width > largestRealWidth) {
         rect.width = options.height;
-        rect.x = slot.x + slot.width - rect.width;
+        rect.x = place.x + place.width - rect.width;
     }
     rect.width = std::max(rect.width, 1);
-    auto asked = isVisiting(item) ? std::optional(visit->x - rect.width / 2) : item.floatX;
-    if (asked) {
-        rect.x = std::clamp(*asked, bar.x, std::max(bar.x, bar.x + bar.width - rect.width));
+    if (isVisiting(item)) {
+        int most = std::max(bar.x, bar.x + bar.width - rect.width);
+        rect.x = std::clamp(visit->x - rect.width / 2, bar.x, most);
     }
     bool followsPointer = drag && drag->usesPointer && drag->hasMoved;
     if (followsPointer && drag->item == item.key) {
@@ -101,14 +113,15 @@ PixelRect Bar::realRect(const BarItem& item, const PixelRect& slot) const {
 }
 
 bool Bar::publishSlot(BarItem& item, const PixelRect& slot) {
-    bool floats = item.floatX.has_value();
-    if (slot == item.slot && floats == item.slotFloats) return false;
-    item.slot = slot;
-    item.slotFloats = floats;
-    std::array<std::uint32_t, 5> values{static_cast<std::uint32_t>(slot.x),
+    std::array<std::uint32_t, 6> values{static_cast<std::uint32_t>(slot.x),
                                         static_cast<std::uint32_t>(slot.y),
                                         static_cast<std::uint32_t>(slot.width),
-                                        static_cast<std::uint32_t>(slot.height), floats ? 1U : 0U};
+                                        static_cast<std::uint32_t>(slot.height),
+                                        item.floats ? 1U : 0U,
+                                        static_cast<std::uint32_t>(item.roomShift)};
+    if (values == item.publishedSlot) return false;
+    item.slot = slot;
+    item.publishedSlot = values;
     xcb::writeNumbers(display.get(), item.frame->window(), display.atom(barprotocol::itemSlot),
                       XCB_ATOM_INTEGER, values);
     return true;
@@ -133,7 +146,7 @@ void Bar::paint() {
             std::vector<BarItem*> above;
             for (const auto& entry : keeper.row().items()) {
                 BarItem& item = *items.withKey(entry.key);
-                if (item.floatX || isInHand(item)) {
+                if (item.floats || isInHand(item)) {
                     above.push_back(&item);
                 } else {
                     paintItem(item);

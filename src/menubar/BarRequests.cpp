@@ -1,5 +1,3 @@
-#include <cstdlib>
-
 #include "menubar/Bar.h"
 #include "platform/menubar/BarProtocol.h"
 #include "platform/xcb/Properties.h"
@@ -8,8 +6,6 @@ namespace nevo::menubar {
 
 namespace {
 constexpr std::uint32_t dockOpcode = 0;
-/// An item that is put this near to its slot is put back into it.
-constexpr int slotReach = 50;
 
 int signedOf(std::uint32_t value) { return static_cast<std::int32_t>(value); }
 }  // namespace
@@ -50,35 +46,11 @@ void Bar::setOpacity(BarItem& item, std::uint32_t opacity, xcb_window_t lease) {
     needsPaint = true;
 }
 
-/// A native status item has its place in the row alone; another program's may float above it.
-void Bar::moveItem(BarItem& item, int x, int y, xcb_window_t lease) {
-    if (item.isStatusItem()) return;
-    const PixelRect monitorBar = windows.front()->rect();
-    const PixelRect monitor{monitorBar.x, monitorBar.y, monitorBar.width, monitorHeight};
-    // Clients may send any number: first what an addition would carry over the largest.
-    bool isOutside =
-        x >= monitor.x + monitor.width || !monitor.contains(x + item.slot.width / 2, y);
-    if (isOutside || std::abs(x - item.slot.x) <= slotReach) return endFloat(item);
-    item.floatX = x;
-    item.floatLease = lease;
-    item.frame->raise();
-    needsLayout = true;
-    needsPaint = true;
-}
-
-void Bar::endFloat(BarItem& item) {
-    if (!item.floatX) return;
-    item.floatX.reset();
-    item.floatLease = XCB_WINDOW_NONE;
-    needsLayout = true;
-    needsPaint = true;
-}
-
 /// The program behind the lease has gone: all that it asked for goes too.
 void Bar::endLease(xcb_window_t lease) {
     for (BarItem* item : items.all()) {
         if (item->opacityLease == lease) setOpacity(*item, fullOpacity, XCB_WINDOW_NONE);
-        if (item->floatX && item->floatLease == lease) endFloat(*item);
+        if (item->floats && item->floatLease == lease) endFloat(*item);
     }
     if (visit && visit->lease == lease) endVisit();
     if (announcement && announcement->lease == lease) announcement.reset();

@@ -9,7 +9,7 @@ void Bar::onVisitMessage(BarItem& item, bool comes, int x, xcb_window_t lease) {
     }
     endVisit();
     const PixelRect& bar = windows.front()->rect();
-    bool isInSight = item.floatX || (item.slot.x + item.slot.width > bar.x &&
+    bool isInSight = item.floats || (item.slot.x + item.slot.width > bar.x &&
                                      item.slot.x < bar.x + bar.width && item.slot.width > 0);
     if (isInSight) return;
     visit = Visit{item.key, x, lease};

@@ -24,7 +24,8 @@ constexpr double cursorRestoreSettle = 0.010;
 constexpr double moveCountLinger = 0.3;
 
 constexpr double directMoveSettle = 0.100;
-constexpr double arrivalDistance = 50.0;
+/// Points; frames come in whole pixels.
+constexpr double floatTolerance = 1.0;
 constexpr double offscreenStepDelay = 0.020;
 constexpr Point parkingPoint{20000.0, 20000.0};
 
@@ -149,19 +150,33 @@ Task<bool> ItemMover::reorderInPlace(WindowNumber windowID, Point target) {
 
 Task<bool> ItemMover::moveForShelf(BarItem item, Point target) {
     auto frame = readableFrame(item.windowID);
-    co_return frame&& moveWindowDirectly(item.windowID, "direct", *frame, target.x);
+    if (!frame) co_return false;
+    if (standsInSight(item.windowID)) co_return true;
+    moveWindowDirectly(item.windowID, "direct", *frame, target.x);
+    co_return isFloating(item.windowID);
 }
 
-bool ItemMover::moveWindowDirectly(WindowNumber windowID, const std::string& label, Rect frame,
+bool ItemMover::isFloating(WindowNumber windowID) const {
+    auto frame = readableFrame(windowID);
+    auto slot = platform.windows.slotFrame(windowID);
+    return frame && slot && std::abs(frame->x - slot->x) > floatTolerance;
+}
+
+bool ItemMover::standsInSight(WindowNumber windowID) const {
+    auto slot = platform.windows.slotFrame(windowID);
+    auto end = platform.statusBar.systemAreaLeft();
+    auto screens = platform.screens.screens();
+    return slot && end && !screens.empty() && slot->width > 0 &&
+           slot->x >= screens.front().frame.minX() && slot->maxX() <= *end;
+}
+
+void ItemMover::moveWindowDirectly(WindowNumber windowID, const std::string& label, Rect frame,
                                    double targetCenterX) {
     Point to{targetCenterX - frame.width * 0.5, frame.y};
     bool ok = platform.windows.moveWindow(windowID, to);
     debugLog(fmt::format("[Shelf] moveItem SLSMoveWindow {} wid={} to={} ok={}", label, windowID,
                          describe(to), describe(ok)));
     platform.runLoop.blockFor(directMoveSettle);
-    if (!ok) return false;
-    auto after = readableFrame(windowID);
-    return after && std::abs(after->midX() - targetCenterX) < arrivalDistance;
 }
 
 Task<bool> ItemMover::offscreenSyntheticDrag(WindowNumber windowID, Point target) {

@@ -30,10 +30,12 @@ public:
     /// change the order of the row.
     Task<bool> moveForShelf(BarItem item, Point target);
 
-    /// Moves the window so that its centre comes to `targetCenterX`. Blocks for 100 ms. True when
-    /// it has arrived.
-    bool moveWindowDirectly(WindowNumber windowID, const std::string& label, Rect frame,
+    /// Asks for the window's centre to come to `targetCenterX`, for a float: the bar chooses its
+    /// place. Blocks for 100 ms.
+    void moveWindowDirectly(WindowNumber windowID, const std::string& label, Rect frame,
                             double targetCenterX);
+    /// Whether the item stands elsewhere than in its slot.
+    bool isFloating(WindowNumber windowID) const;
 
     /// A drag that starts far off the screen, so that it can't catch anything else on its way. True
     /// as for `moveItem`.
@@ -57,6 +59,8 @@ private:
     };
     Place placeAt(WindowNumber windowID, double targetX) const;
     bool hasArrived(const Place& place) const;
+    /// Its slot is in the bar, left of the system area.
+    bool standsInSight(WindowNumber windowID) const;
     Attempt dragOnce(EventSource& source, const Place& place, int number, Point start, Point mid,
                      Point target);
     bool moveByFallback(const Place& place, Point target);

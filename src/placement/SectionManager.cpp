@@ -137,4 +137,12 @@ std::optional<Rect> SectionManager::frame(StatusItem& item) {
     return button ? button->screenFrame() : std::nullopt;
 }
 
+std::optional<Rect> SectionManager::shownFrame(StatusItem& item) const {
+    auto result = frame(item);
+    StatusItemButton* button = item.button();
+    auto number = button ? button->windowNumber() : std::nullopt;
+    if (result && number) result->x += platform.windows.roomShift(*number);
+    return result;
+}
+
 }  // namespace nevo

@@ -62,6 +62,9 @@ public:
     /// The screen frame of the item's button, origin at the bottom left; nothing without button or
     /// window.
     static std::optional<Rect> frame(StatusItem& item);
+    /// The same where the button is to be seen, which differs while the bar makes room for an item
+    /// that is out: for what is under the pointer, or stands beside it.
+    std::optional<Rect> shownFrame(StatusItem& item) const;
 
     /// The visible icon, the fixed mark for all geometry.
     std::unique_ptr<StatusItem> toggleItem;

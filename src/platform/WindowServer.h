@@ -47,6 +47,11 @@ public:
     /// Where the bar's layout has a status item, which differs from its frame while it has been
     /// moved directly (the position of the item's accessibility element); nothing on failure.
     virtual std::optional<Rect> slotFrame(WindowNumber window) const = 0;
+    /// How far to the right of that frame a status item stands, in points, while the bar makes room
+    /// for one that has been moved directly; 0 otherwise (and always where a bar makes no room). No
+    /// frame of the row counts it, so what is decided by frames isn't disturbed; what is under the
+    /// pointer, or stands beside an item, has to.
+    virtual double roomShift(WindowNumber window) const = 0;
     /// `CGWindowListCopyWindowInfo(17 or 16, 0)`; nothing on failure.
     virtual std::optional<std::vector<WindowDescription>> windowList(
         WindowListOption option) const = 0;
@@ -57,8 +62,9 @@ public:
     virtual bool setWindowAlpha(WindowNumber window, float alpha) = 0;
     /// `CGSGetWindowAlpha`; nothing on failure.
     virtual std::optional<float> windowAlpha(WindowNumber window) const = 0;
-    /// `SLSMoveWindow`: puts the window's origin there; a status item that is put outside of the
-    /// bar goes back into its slot. False when it was refused or can't be done here.
+    /// `SLSMoveWindow`: puts the window's origin there. A status item that is put into the bar
+    /// floats beside the toggle, where it covers no other; one that is put near its slot or outside
+    /// of the bar goes back into its slot. False when it was refused or can't be done here.
     virtual bool moveWindow(WindowNumber window, Point origin) = 0;
 
     /// The picture of one window (`CGWindowListCreateImage(CGRectNull, 8, window, 9)`), in pixels;

@@ -185,7 +185,7 @@ std::vector<Command> barExpectations() {
          [](LineReader& reader) {
              return readEach(reader, "floating", [](auto& run, auto window) {
                  const SimBar::Item* item = run.desktop().bar.find(window);
-                 return item != nullptr && item->floating.has_value();
+                 return item != nullptr && item->floating;
              });
          }},
         {"expect nothing-hidden", "",

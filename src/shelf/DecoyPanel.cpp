@@ -68,7 +68,7 @@ void DecoyPanelController::updatePanel() {
 }
 
 void DecoyPanelController::showPanel(const std::vector<DecoyEntry>& shown) {
-    auto toggle = SectionManager::frame(*sectionManager.toggleItem);
+    auto toggle = sectionManager.shownFrame(*sectionManager.toggleItem);
     if (!toggle) {
         debugLog("[Decoy] no toggle frame, skip panel");
         return;
@@ -110,7 +110,7 @@ void DecoyPanelController::showPanel(const std::vector<DecoyEntry>& shown) {
 }
 
 void DecoyPanelController::followToggle() {
-    auto toggle = panel ? SectionManager::frame(*sectionManager.toggleItem) : std::nullopt;
+    auto toggle = panel ? sectionManager.shownFrame(*sectionManager.toggleItem) : std::nullopt;
     if (!toggle) return;
     Rect frame = panel->frame();
     frame.x = toggle->x - frame.width - gapBeforeToggle;

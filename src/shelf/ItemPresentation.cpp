@@ -1,7 +1,6 @@
 #include <fmt/format.h>
 
 #include <algorithm>
-#include <cmath>
 
 #include "core/debugLog.h"
 #include "core/describe.h"
@@ -18,8 +17,6 @@ constexpr double presentationTime = 60.0;
 constexpr double takeBackPoll = 0.02;
 /// Between the toggle and the presented item.
 constexpr double clearance = 12.0;
-/// Points; frames come in whole pixels.
-constexpr double floatTolerance = 1.0;
 /// An x outside every screen.
 constexpr double beyondTheBar = -20000.0;
 }  // namespace
@@ -79,7 +76,8 @@ Task<> ShelfController::runPresentation(std::weak_ptr<ShelfController> owner, in
     bool ok = co_await itemMover.moveForShelf(moved, target);
     self = owner.lock();
     if (!self) co_return;
-    if (self->activePresentation) self->activePresentation->hasMoved = true;
+    if (self->activePresentation)
+        self->activePresentation->floats = itemMover.isFloating(resolved.windowID);
     self.reset();
     if (!ok) {
         debugLog(fmt::format("[Shelf] presentItem failed to move wid={}", resolved.windowID));
@@ -165,12 +163,6 @@ void ShelfController::concludePresentation(int run) {
     if (isIn(ShelfState::Kind::collapsed) && onClosed) onClosed();
 }
 
-bool ShelfController::isFloating(WindowNumber window) const {
-    auto frame = mover.readableFrame(window);
-    auto slot = platform.windows.slotFrame(window);
-    return frame && slot && std::abs(frame->x - slot->x) > floatTolerance;
-}
-
 void ShelfController::takeBack() {
     if (!activePresentation) return;
     BarItem item(activePresentation->item);
@@ -179,15 +171,15 @@ void ShelfController::takeBack() {
     // bar, which hasn't brought it out yet.
     if (auto frame = mover.readableFrame(item.windowID)) {
         mover.moveWindowDirectly(item.windowID, "direct", *frame, beyondTheBar);
-        bool ok = !isFloating(item.windowID);
+        bool ok = !mover.isFloating(item.windowID);
         debugLog(fmt::format("[Shelf] move back wid={} ok={}", item.windowID, describe(ok)));
     }
     sectionManager.opacity.remove(ItemOpacity::Reason::broughtOut, item.windowID);
 }
 
 void ShelfController::endLostPresentation() {
-    bool isLost = activePresentation && activePresentation->hasMoved &&
-                  !isFloating(activePresentation->item.windowID);
+    bool isLost = activePresentation && activePresentation->floats &&
+                  !mover.isFloating(activePresentation->item.windowID);
     if (isLost && presentationTask) presentationTask->cancel();
 }
 

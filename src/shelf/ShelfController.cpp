@@ -94,7 +94,7 @@ void ShelfController::performToggle() {
 }
 
 std::optional<Rect> ShelfController::usableToggleFrame() const {
-    auto frame = SectionManager::frame(*sectionManager.toggleItem);
+    auto frame = sectionManager.shownFrame(*sectionManager.toggleItem);
     if (!frame || frame->isEmpty()) return std::nullopt;
     return frame;
 }

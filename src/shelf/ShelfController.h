@@ -81,8 +81,8 @@ public:
 private:
     struct ActivePresentation {
         ScannedBarItem item;
-        /// Until it has been moved it stands in its slot, as one does that is back.
-        bool hasMoved = false;
+        /// It has been moved; else it is seen in its slot.
+        bool floats = false;
     };
 
     ShelfController(const Platform& platform, AppState& appState, std::shared_ptr<NevoBar> bar,
@@ -108,7 +108,6 @@ private:
                                   ScannedBarItem item);
     static Task<> finishPresentation(std::weak_ptr<ShelfController> owner, int run);
     void startPresentation(const ScannedBarItem& item);
-    bool isFloating(WindowNumber window) const;
     /// Puts the item back into its slot and lets go of it.
     void takeBack();
     std::optional<Point> beginPresentation(const ScannedBarItem& item, int openingsBefore);

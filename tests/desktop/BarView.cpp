@@ -119,13 +119,14 @@ std::vector<Item> BarView::items() const {
         item.name = reading.name.text().value_or("");
         item.ownerName = reading.ownerName.text().value_or("");
         item.opacity = reading.opacity.number().value_or(0xffffffff) / opaque;
-        if (!place || !slot || slot->size() != 5) continue;
+        if (!place || !slot || slot->size() != 6) continue;
         item.place = *place;
         item.slot = rectOf(*slot);
         item.floating = (*slot)[4] != 0;
-        item.onScreen = item.opacity > 0 && item.slot.width > 0 && place->x >= bar.x &&
-                        place->maxX() <= bar.maxX() && place->intersects(bar) &&
-                        (item.floating || place->x == item.slot.x);
+        item.onScreen =
+            item.opacity > 0 && item.slot.width > 0 && place->x >= bar.x &&
+            place->maxX() <= bar.maxX() && place->intersects(bar) &&
+            (item.floating || place->x == item.slot.x + static_cast<std::int32_t>((*slot)[5]));
         items.push_back(item);
     }
     return items;

@@ -31,6 +31,7 @@ protected:
     Rect standing(const std::string& label);
     /// A hand holds Super and drags. Origin at the top left.
     void drag(Point from, Point to);
+    void movePointer(Point to) { desktop.events.move(to); }
     bool soon(const std::function<bool()>& condition);
 
 private:
@@ -48,6 +49,7 @@ protected:
     PlaceKey placeKey(const std::string& label) const;
     Rect standing(const std::string& label) const { return itemOf(label).place; }
     void drag(Point from, Point to) { hand->superDrag(from, to); }
+    void movePointer(Point to) { hand->moveTo(to); }
     bool soon(const std::function<bool()>& condition);
 
 private:

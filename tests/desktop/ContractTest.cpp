@@ -45,34 +45,61 @@ TYPED_TEST(Contract, aTransparentItemKeepsItsPlace) {
     EXPECT_FALSE(this->windows().setWindowAlpha(987654, 0));
 }
 
-TYPED_TEST(Contract, aMoveFloatsAnotherProgramsItemUntilItComesNearItsSlot) {
+TYPED_TEST(Contract, aMovedItemFloatsBesideTheToggleInARoomThatCountsInNoFrame) {
+    const std::string toggle = barprotocol::keptInSightName;
+    EXPECT_FALSE(this->windows().moveWindow(this->number("left"), {300, 0})) << "there is none";
+    this->showNative(toggle, 30, this->right.width + 30);
+    ASSERT_TRUE(this->comesToStand({"left", "own", toggle, "right"}));
     WindowNumber window = this->number("left");
+    Rect slot = this->frame("left");
+    Rect toggleFrame = this->frame(toggle);
     auto before = this->listed();
-    Point away{this->left.x - 300, this->left.y};
-    auto isAway = [&] { return this->frame("left").x == away.x; };
-    auto isBack = [&] { return this->frame("left") == this->left; };
-    EXPECT_TRUE(this->windows().moveWindow(window, away));
-    EXPECT_TRUE(this->soon(isAway));
-    EXPECT_EQ(this->frame("right"), this->right);
-    EXPECT_EQ(this->listed(), before);
-    EXPECT_TRUE(this->windows().moveWindow(window, {this->left.x - 30, this->left.y}));
-    EXPECT_TRUE(this->soon(isBack));
-    // Partly beyond the bar's end it is kept on the bar, and off the screen it goes back.
-    EXPECT_TRUE(this->windows().moveWindow(window, {-10, this->left.y}));
-    EXPECT_TRUE(this->soon([&] { return this->frame("left").x == 0; }));
-    this->windows().moveWindow(window, {away.x, 3000});
-    EXPECT_TRUE(this->soon(isBack));
+    auto shift = [&](const std::string& label) {
+        return this->windows().roomShift(this->number(label));
+    };
+    auto isOut = [&] {
+        return this->frame("left").x == this->right.x - slot.width && shift(toggle) == -slot.width;
+    };
+    auto isClosed = [&] { return this->frame("left") == slot && shift(toggle) == 0; };
 
-    // What floats beside a closed divider goes back when it opens.
+    EXPECT_TRUE(this->windows().moveWindow(window, {slot.x - 300, slot.y}));
+    EXPECT_TRUE(this->soon(isOut));
+    EXPECT_EQ(this->frame("right"), this->right);
+    EXPECT_EQ(this->frame(toggle), toggleFrame);
+    EXPECT_EQ(shift("right"), 0);
+    EXPECT_EQ(this->listed(), before);
+    EXPECT_TRUE(this->windows().moveWindow(window, {slot.x - 30, slot.y}));
+    EXPECT_TRUE(this->soon(isClosed));
+    // Off the screen it goes back.
+    EXPECT_TRUE(this->windows().moveWindow(window, {300, slot.y}));
+    EXPECT_TRUE(this->soon(isOut));
+    this->windows().moveWindow(window, {300, 3000});
+    EXPECT_TRUE(this->soon(isClosed));
+
+    // What floats beside a closed divider goes back when it opens; the room doesn't close while the
+    // pointer rests on the toggle.
     this->own->setLength(10000);
     EXPECT_TRUE(this->soon([&] { return this->frame("left").maxX() < 0; }));
-    EXPECT_TRUE(this->windows().moveWindow(window, away));
-    EXPECT_TRUE(this->soon(isAway));
+    EXPECT_TRUE(this->windows().moveWindow(window, {300, slot.y}));
+    EXPECT_TRUE(this->soon(isOut));
+    this->movePointer({toggleFrame.midX() - slot.width, toggleFrame.midY()});
     this->own->setLength(this->ownWidth);
-    EXPECT_TRUE(this->soon(isBack));
+    EXPECT_TRUE(this->soon([&] { return this->frame("left").x == slot.x; }));
+    EXPECT_EQ(shift(toggle), -slot.width);
+    EXPECT_EQ(shift("left"), -slot.width);
+    this->movePointer({300, 300});
+    EXPECT_TRUE(this->soon(isClosed));
+
+    // A hand's drag of the float holds.
+    EXPECT_TRUE(this->windows().moveWindow(window, {300, slot.y}));
+    EXPECT_TRUE(this->soon(isOut));
+    Point middle = this->frame("left").center();
+    this->drag(middle, {middle.x + 4, middle.y});
+    EXPECT_TRUE(this->comesToStand({"own", toggle, "left", "right"}));
+    EXPECT_EQ(shift(toggle), 0);
 
     Rect ownFrame = this->frame("own");
-    EXPECT_FALSE(this->windows().moveWindow(this->number("own"), away));
+    EXPECT_FALSE(this->windows().moveWindow(this->number("own"), {300, slot.y}));
     EXPECT_EQ(this->frame("own"), ownFrame);
 }
 

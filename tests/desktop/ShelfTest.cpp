@@ -161,7 +161,7 @@ TEST_F(Shelf, aClickedSlotBringsTheRealItemOutForAWhile) {
     hand->click(iconIn(open, red, blue)->center());
     waitFor("the item stands beside the toggle", [this] {
         Item item = probeItem();
-        return item.onScreen && item.place.x > toggleItem().place.maxX() &&
+        return item.onScreen && item.place.x >= toggleItem().place.maxX() &&
                iconIn(item.place, red, blue);
     });
     waitForNoShelf();
@@ -280,7 +280,7 @@ TEST_F(Shelf, opensOnTheMonitorOfTheToggle) {
     EXPECT_LT(open.maxX(), 1600);
     hand->click(iconIn(open, red, blue)->center());
     waitFor("the item stands on that monitor", [this] {
-        return probeItem().onScreen && probeItem().place.x > toggleItem().place.maxX();
+        return probeItem().onScreen && probeItem().place.x >= toggleItem().place.maxX();
     });
 }
 

@@ -41,8 +41,9 @@ inline constexpr const char* itemKind =
     "_NEVO_ITEM_KIND";  ///< CARDINAL: 0 XEmbed, 1 StatusNotifierItem
 inline constexpr const char* itemClient =
     "_NEVO_ITEM_CLIENT";  ///< WINDOW: the embedded client of an XEmbed item
-/// INTEGER[5]: the slot's x, y, width, height in root coordinates, and 1 while the item floats
-/// above the row. The frame's own geometry is where the item really stands.
+/// INTEGER[6]: the slot's x, y, width, height in root coordinates, 1 while the item floats above
+/// the row, and how far to the right of its slot it stands while there is room for one that floats.
+/// The frame's own geometry is where the item really stands.
 inline constexpr const char* itemSlot = "_NEVO_ITEM_SLOT";
 inline constexpr const char* itemOpacity =
     "_NEVO_ITEM_OPACITY";  ///< CARDINAL: 0 to 0xffffffff, in force
@@ -51,7 +52,8 @@ inline constexpr const char* itemOpacity =
 // leases are ignored.
 /// frame, opacity (0 to 0xffffffff), lease window.
 inline constexpr const char* setOpacity = "_NEVO_BAR_SET_OPACITY";
-/// frame, x, y of the frame's origin (root coordinates, signed), lease window.
+/// frame, x, y of the frame's origin (root coordinates, signed), lease window. In the bar the item
+/// floats beside the one that is kept in sight, at whatever x.
 inline constexpr const char* moveItem = "_NEVO_BAR_MOVE";
 /// frame, phase, x, y of the pointer (root coordinates, signed), lease window.
 inline constexpr const char* drag = "_NEVO_BAR_DRAG";

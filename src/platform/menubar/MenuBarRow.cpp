@@ -109,7 +109,7 @@ std::vector<bool> MenuBarRow::givingWay(const Room& room) const {
     auto kept = std::find_if(row.begin(), row.end(),
                              [](const Item& item) { return item.role == Role::keptInSight; });
     if (kept == row.end()) return result;
-    double left = room.right - room.left - kept->length;
+    double left = room.right - room.left - room.opening - kept->length;
     auto first = static_cast<std::size_t>(kept - row.begin());
     bool isFull = false;
     for (std::size_t i = row.size(); --i > first;) {
@@ -127,6 +127,7 @@ std::vector<MenuBarRow::Slot> MenuBarRow::slots(const Room& room) const {
     double given = room.end;
     for (std::size_t i = row.size(); i-- > 0;) {
         const Item& item = row[i];
+        if (item.role == Role::keptInSight) right -= room.opening;
         right -= givesWay[i] ? 0 : item.length;
         if (!givesWay[i]) result[i] = {item.key, right, item.length, false};
     }

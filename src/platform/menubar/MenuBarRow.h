@@ -55,6 +55,8 @@ public:
         double left = 0;
         double right = 0;
         double end = 0;
+        /// What is kept free directly right of the item that is kept in sight.
+        double opening = 0;
     };
 
     struct Slot {

@@ -11,6 +11,8 @@ namespace {
 /// A floating item that is moved this close to its slot rejoins the row.
 constexpr double rejoinDistance = 50;
 constexpr double jitterPeriod = 0.1;
+/// How often is looked whether the pointer still rests.
+constexpr double closeInterval = 0.1;
 }  // namespace
 
 void SimBar::insert(Item item) {
@@ -85,18 +87,56 @@ bool SimBar::moveDirectly(WindowNumber window, Point origin) {
     Rect bar = screens.displays().front().frame;
     bool onBar = bar.contains({origin.x + slot.width * 0.5, origin.y});
     if (!onBar || std::abs(origin.x - slot.x) <= rejoinDistance) {
-        found->second.floating.reset();
+        endFloat(found->second);
     } else {
-        double right = std::max(bar.minX(), bar.maxX() - slot.width);
-        found->second.floating = Point{std::clamp(origin.x, bar.minX(), right), origin.y};
+        auto former = floatRoom.item();
+        bool begins = floatRoom.begin(keeper.row(), window, room(), pointerRestsOnKept(),
+                                      [this](MenuBarRow::Key key) { return isSeen(key); });
+        if (!begins) return false;
+        if (former) items.at(static_cast<WindowNumber>(*former)).floating = false;
+        found->second.floating = true;
     }
     layOutLater();
     return true;
 }
 
+void SimBar::endFloat(Item& item) {
+    if (!item.floating) return;
+    item.floating = false;
+    floatRoom.end();
+}
+
 void SimBar::rejoinAll() {
-    for (auto& [window, item] : items) item.floating.reset();
+    for (auto& [window, item] : items) endFloat(item);
     layOutLater();
+}
+
+bool SimBar::isSeen(MenuBarRow::Key key) const {
+    const SimWindow* held = windows.find(static_cast<WindowNumber>(key));
+    return held != nullptr && held->mapped && held->alpha > 0;
+}
+
+bool SimBar::pointerRestsOnKept() const {
+    return pointerLocation && std::any_of(items.begin(), items.end(), [this](const auto& entry) {
+               const SimWindow* held = windows.find(entry.first);
+               bool isKept = MenuBarRow::roleOf(entry.second.own, entry.second.name) ==
+                             MenuBarRow::Role::keptInSight;
+               return isKept && held != nullptr && held->mapped &&
+                      held->frame.contains(pointerLocation());
+           });
+}
+
+MenuBarRow::Room SimBar::openRoom() {
+    return floatRoom.update(keeper.row(), room(),
+                            [this](MenuBarRow::Key key) { return isSeen(key); });
+}
+
+void SimBar::closeLater() {
+    if (std::exchange(isClosePending, true)) return;
+    loop.desktopAfter(closeInterval, [this] {
+        isClosePending = false;
+        layOut();
+    });
 }
 
 void SimBar::beginDrag(WindowNumber window, Point pointer, bool usesPointer) {
@@ -105,7 +145,7 @@ void SimBar::beginDrag(WindowNumber window, Point pointer, bool usesPointer) {
     if (found == items.end() || held == nullptr || isPointerDragging()) return;
     dragged = window;
     dragUsesPointer = usesPointer;
-    if (usesPointer) found->second.floating.reset();
+    if (usesPointer) endFloat(found->second);
     grabOffset = held->frame.contains(pointer) ? pointer.x - held->frame.midX() : 0;
     trace.note("bar", fmt::format("drag of {} begins", found->second.label));
 }
@@ -124,8 +164,8 @@ void SimBar::endDrag(Point pointer) {
     WindowNumber window = std::exchange(dragged, 0);
     auto found = items.find(window);
     if (found == items.end() || keeper.row().find(window) == nullptr) return;
-    found->second.floating.reset();
-    keeper.drop(window, pointer.x - grabOffset, room());
+    endFloat(found->second);
+    keeper.drop(window, pointer.x - grabOffset, openRoom());
     trace.note("bar", fmt::format("{} dropped at {}", found->second.label, pointer.x));
     settle();
 }
@@ -228,17 +268,29 @@ void SimBar::layOut() {
     // Without a display the windows stay where they were.
     if (screens.displays().empty()) return;
     std::string text;
-    for (const MenuBarRow::Slot& slot : keeper.row().slots(room())) {
+    MenuBarRow::Room open = openRoom();
+    if (floatRoom.isLeftOpen() && !isPointerDragging()) {
+        if (pointerRestsOnKept()) {
+            closeLater();
+        } else {
+            floatRoom.close();
+            open = openRoom();
+        }
+    }
+    std::vector<MenuBarRow::Slot> slots = keeper.row().slots(room());
+    std::vector<MenuBarRow::Slot> places = keeper.row().slots(open);
+    for (std::size_t i = 0; i < slots.size(); ++i) {
+        const MenuBarRow::Slot& slot = slots[i];
         auto number = static_cast<WindowNumber>(slot.key);
         SimWindow* held = windows.find(number);
         Item& item = items.at(number);
         if (held == nullptr) continue;
+        item.floating = floatRoom.item() == slot.key;
+        item.aside = places[i].x - slot.x;
         item.slot = {slot.x, 0, slot.width, screens.barHeight()};
         if (number != dragged || !dragUsesPointer) {
-            held->frame = {slot.x, 0, slot.width, screens.barHeight()};
-            held->frame.x += item.jitter;
-            if (item.floating) held->frame.x = item.floating->x;
-            if (item.floating) held->frame.y = item.floating->y;
+            double x = item.floating ? floatRoom.x(keeper.row(), open) : places[i].x + item.jitter;
+            held->frame = {x, 0, slot.width, screens.barHeight()};
         }
         text += fmt::format("{}{}@{}+{}", text.empty() ? "" : "  ", item.label, held->frame.x,
                             held->frame.width);

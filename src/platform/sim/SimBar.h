@@ -3,6 +3,7 @@
 #include <functional>
 #include <optional>
 
+#include "platform/menubar/FloatRoom.h"
 #include "platform/menubar/RowKeeper.h"
 #include "platform/sim/SimRowStore.h"
 #include "platform/sim/SimRunLoop.h"
@@ -32,8 +33,10 @@ public:
         double length = 0;
         /// Where the last layout had it, as the bar tells it.
         Rect slot;
-        /// The frame's origin while it floats above the row.
-        std::optional<Point> floating;
+        /// It floats above the row.
+        bool floating = false;
+        /// How far the layout has it to the right of its slot, to make room for a float.
+        double aside = 0;
         /// Points that it jumps at each settling of a bar that can't make up its mind.
         double jitter = 0;
     };
@@ -59,8 +62,8 @@ public:
     /// Takes an item out of the row, or puts it back.
     void setShown(WindowNumber window, bool shown);
 
-    /// Floats the item with its origin there, within the bar; near its slot or off the bar it
-    /// rejoins the row. False for an unknown window.
+    /// Floats the item beside the one that is kept in sight; near its slot or off the bar it
+    /// rejoins the row. False for an unknown window, and for one that can't float.
     bool moveDirectly(WindowNumber window, Point origin);
     /// All floating items go back to their slots.
     void rejoinAll();
@@ -92,6 +95,8 @@ public:
     /// collapsed dividers. Nothing while none of them is the program's own.
     std::optional<std::vector<WindowNumber>> placedItems() const;
 
+    /// Where the pointer is; a room isn't opened or closed under it if that can be helped.
+    std::function<Point()> pointerLocation;
     /// Called when an item has come, gone, moved in the order or changed its length.
     std::function<void()> rowChanged;
 
@@ -109,6 +114,12 @@ public:
 
 private:
     MenuBarRow::Room room() const;
+    /// With the one for a float.
+    MenuBarRow::Room openRoom();
+    bool isSeen(MenuBarRow::Key key) const;
+    bool pointerRestsOnKept() const;
+    void endFloat(Item& item);
+    void closeLater();
     void place(const Item& item);
     /// Saves what has changed in the row, and shows it.
     void settle();
@@ -123,8 +134,10 @@ private:
     SimTrace& trace;
     SimRowStore store;
     RowKeeper keeper;
+    FloatRoom floatRoom;
     std::map<WindowNumber, Item> items;
     int pendingLayouts = 0;
+    bool isClosePending = false;
     WindowNumber dragged = 0;
     bool dragUsesPointer = false;
     /// From the dragged item's centre to the pointer.

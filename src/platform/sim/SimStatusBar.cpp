@@ -107,7 +107,9 @@ Rect SimStatusItemButton::bounds() const {
 
 std::optional<Rect> SimStatusItemButton::screenFrame() const {
     if (!windowNumber()) return std::nullopt;
-    return item.owner.screens.flipped(item.owner.windows.find(item.number)->frame);
+    Rect frame = item.owner.windows.find(item.number)->frame;
+    frame.x -= item.owner.bar.find(item.number)->aside;
+    return item.owner.screens.flipped(frame);
 }
 
 std::optional<Rect> SimStatusItemButton::windowScreenFrame() const {

@@ -64,7 +64,20 @@ std::optional<int> SimWindowServer::windowLevel(WindowNumber window) const {
 std::optional<Rect> SimWindowServer::windowFrame(WindowNumber window) const {
     const SimWindow* held = windows.find(window);
     if (faults.strikes(SimOperation::windowFrame, window) || held == nullptr) return std::nullopt;
-    return held->frame;
+    return settledFrame(*held);
+}
+
+/// As if the bar made no room for a float.
+Rect SimWindowServer::settledFrame(const SimWindow& window) const {
+    Rect frame = window.frame;
+    frame.x -= roomShift(window.number);
+    return frame;
+}
+
+double SimWindowServer::roomShift(WindowNumber window) const {
+    const SimBar::Item* item = bar.find(window);
+    bool isInHand = bar.isPointerDragging() && bar.draggedWindow() == window;
+    return item == nullptr || item->floating || isInHand ? 0 : item->aside;
 }
 
 std::optional<Rect> SimWindowServer::slotFrame(WindowNumber window) const {
@@ -99,7 +112,7 @@ WindowDescription SimWindowServer::describe(const SimWindow& window) const {
     if (told(SimOperation::descriptionOwnerPid)) result.ownerPid = window.pid;
     if (told(SimOperation::descriptionOwnerName)) result.ownerName = window.ownerName;
     if (told(SimOperation::descriptionName)) result.name = window.name;
-    if (told(SimOperation::descriptionBounds)) result.bounds = window.frame;
+    if (told(SimOperation::descriptionBounds)) result.bounds = settledFrame(window);
     return result;
 }
 

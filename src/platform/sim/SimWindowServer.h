@@ -28,6 +28,7 @@ public:
     std::optional<int> windowLevel(WindowNumber window) const override;
     std::optional<Rect> windowFrame(WindowNumber window) const override;
     std::optional<Rect> slotFrame(WindowNumber window) const override;
+    double roomShift(WindowNumber window) const override;
     std::optional<std::vector<WindowDescription>> windowList(
         WindowListOption option) const override;
     std::optional<WindowDescription> windowDescription(WindowNumber window) const override;
@@ -52,6 +53,7 @@ public:
 private:
     bool isOnScreen(const SimWindow& window) const;
     WindowDescription describe(const SimWindow& window) const;
+    Rect settledFrame(const SimWindow& window) const;
     bool mayPicture(WindowNumber window) const;
     double scale() const;
 

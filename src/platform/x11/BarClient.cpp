@@ -272,6 +272,7 @@ struct BarClient::Reading {
             item.slot = {asSigned((*values)[0]), asSigned((*values)[1]), asSigned((*values)[2]),
                          asSigned((*values)[3])};
             item.floats = (*values)[4] != 0;
+            item.roomShift = values->size() >= 6 ? asSigned((*values)[5]) : 0;
         }
         item.opacity = opacity.number().value_or(0xffffffff);
         xcb::Reply<xcb_get_geometry_reply_t> sizeReply(

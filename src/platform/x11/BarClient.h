@@ -24,6 +24,8 @@ struct BarItemInfo {
     /// The place in the row, which may lie beyond what a window's coordinates can hold.
     Rect slot;
     bool floats = false;
+    /// How far to the right of its slot it stands, to make room for one that floats.
+    double roomShift = 0;
     /// Where the frame window is.
     Rect geometry;
     std::uint32_t opacity = 0xffffffff;

@@ -70,6 +70,9 @@ Point hangingPlace(XServer& server, BarClient& bar, const StatusItemButton& butt
     auto frame = button.screenFrame();
     Rect toggle = frame ? server.coordinates.flipped(*frame)
                         : Rect{server.coordinates.fromRoot(barFrame).maxX(), 0, 0, 0};
+    auto number = button.windowNumber();
+    const auto* item = number ? bar.itemOfNumber(*number) : nullptr;
+    if (item != nullptr) toggle.x += item->roomShift / server.coordinates.scale;
     Point place = server.coordinates.toRoot(
         Point{width > 0 ? toggle.midX() - width / server.coordinates.scale * 0.5 : toggle.x,
               toggle.maxY()});

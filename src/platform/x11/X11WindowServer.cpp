@@ -75,6 +75,11 @@ std::optional<Rect> X11WindowServer::slotFrame(WindowNumber window) const {
     return server.coordinates.fromRoot(item->slot);
 }
 
+double X11WindowServer::roomShift(WindowNumber window) const {
+    const auto* item = barClient.itemOfNumber(window);
+    return item == nullptr ? 0 : item->roomShift / pixelsPerPoint();
+}
+
 std::optional<std::vector<WindowDescription>> X11WindowServer::windowList(
     WindowListOption option) const {
     std::vector<WindowDescription> result;
@@ -171,13 +176,11 @@ bool X11WindowServer::moveWindow(WindowNumber window, Point origin) {
             return now != nullptr && !now->floats;
         });
     }
-    auto isAt = [&](double tolerance) {
+    bool rejoins = std::abs(item->slot.x - asked.x) <= rejoinDistance;
+    return barClient.waitUntil([&] {
         const auto* now = barClient.itemOfNumber(window);
-        return now != nullptr && std::abs(now->place().x - asked.x) < tolerance;
-    };
-    // Not exactly where it was asked to be, yet near: put back into its slot, or kept inside the
-    // bar.
-    return barClient.waitUntil([&] { return isAt(1); }) || isAt(rejoinDistance);
+        return now != nullptr && now->floats != rejoins;
+    });
 }
 
 std::optional<Image> X11WindowServer::windowImage(WindowNumber window) const {

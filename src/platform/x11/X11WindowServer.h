@@ -21,6 +21,7 @@ public:
     std::optional<int> windowLevel(WindowNumber window) const override;
     std::optional<Rect> windowFrame(WindowNumber window) const override;
     std::optional<Rect> slotFrame(WindowNumber window) const override;
+    double roomShift(WindowNumber window) const override;
     std::optional<std::vector<WindowDescription>> windowList(
         WindowListOption option) const override;
     std::optional<WindowDescription> windowDescription(WindowNumber window) const override;
