@@ -46,8 +46,8 @@ RowStore::RowStore(std::filesystem::path rowFile) : row(std::move(rowFile)) {
     logProblems(row);
 }
 
-void RowStore::setPresent(const std::vector<std::string>& identities) {
-    auto merged = mergedRowOrder(known, identities);
+void RowStore::setPresent(const std::vector<std::string>& identities, const std::string& placed) {
+    auto merged = mergedRowOrder(known, identities, placed);
     forgetAbsent(merged, identities, mostRemembered);
     if (merged == known) return;
     known = std::move(merged);

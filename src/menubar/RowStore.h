@@ -22,7 +22,7 @@ public:
     static std::filesystem::path defaultPath();
 
     const std::vector<std::string>& order() const override { return known; }
-    void setPresent(const std::vector<std::string>& identities) override;
+    void setPresent(const std::vector<std::string>& identities, const std::string& placed) override;
     std::optional<double> position(const std::string& domain, const std::string& name) override;
     bool isForeign(const std::string& domain, const std::string& name,
                    double position) const override;

@@ -267,15 +267,19 @@ TEST(RowOrder, AnUpBoundaryKeepsArrivalsOnTheirSide) {
     EXPECT_EQ(MenuBarRow::roleOf(false, "Nevo_Toggle"), Role::ordinary);
 }
 
-TEST(RowOrder, AbsentItemsKeepTheirLeftNeighbour) {
+TEST(RowOrder, AbsentItemsStayByTheNeighboursThatHaveNotMoved) {
     struct Case {
-        std::string remembered, present, expected;
+        std::string remembered, present, expected, placed;
     };
-    for (const Case& c : {Case{"abc", "abc", "abc"}, Case{"abc", "cab", "cab"},
-                          Case{"axyb", "ba", "baxy"}, Case{"xab", "ab", "xab"},
-                          Case{"ab", "nab", "nab"}, Case{"", "ab", "ab"}, Case{"ab", "", "ab"}}) {
-        EXPECT_EQ(mergedRowOrder(letters(c.remembered), letters(c.present)), letters(c.expected))
-            << c.remembered << " " << c.present;
+    for (const Case& c :
+         {Case{"abc", "abc", "abc", ""}, Case{"abc", "cab", "cab", ""},
+          Case{"axyb", "ba", "baxy", ""}, Case{"axyb", "ba", "xyba", "a"},
+          Case{"axyb", "ba", "baxy", "b"}, Case{"axyb", "ab", "axyb", "a"},
+          Case{"xab", "ab", "xab", ""}, Case{"xab", "nab", "nxab", ""},
+          Case{"ab", "nab", "nab", "n"}, Case{"", "ab", "ab", ""}, Case{"ab", "", "ab", ""}}) {
+        EXPECT_EQ(mergedRowOrder(letters(c.remembered), letters(c.present), c.placed),
+                  letters(c.expected))
+            << c.remembered << " " << c.present << " " << c.placed;
     }
 }
 

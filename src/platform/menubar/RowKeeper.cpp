@@ -18,6 +18,7 @@ void RowKeeper::add(const Arrival& arrival) {
         {arrival.key, arrival.domain, arrival.identity, arrival.length, stored, arrival.role},
         store.order(), foreign.has_value());
     acknowledge(domain);
+    remember(arrival.identity);
 }
 
 std::optional<double> RowKeeper::storedPosition(const Domain& domain) {
@@ -72,7 +73,15 @@ void RowKeeper::setLength(MenuBarRow::Key key, double length) {
     auto stored = store.position(domain.domain, domain.name);
     if (!stored) return;
     store.acknowledge(domain.domain, domain.name, *stored);
+    // Its position may be a copy of one that another program has written since for an item of the
+    // same program.
+    for (const MenuBarRow::Item& each : std::vector(current.items())) {
+        if (each.domain != domain.domain) continue;
+        if (auto position = storedPosition(domains[each.key]))
+            current.setStoredPosition(each.key, *position * scale);
+    }
     current.placeByPosition(key, *stored * scale);
+    remember(current.find(key)->identity);
 }
 
 void RowKeeper::drop(MenuBarRow::Key key, double centerX, const MenuBarRow::Room& room) {
@@ -83,6 +92,7 @@ void RowKeeper::drop(MenuBarRow::Key key, double centerX, const MenuBarRow::Room
         bool isShifted = *current.position(each) != position;
         if (each == key || (isShifted && !isMarked(each))) writePosition(each);
     }
+    if (const MenuBarRow::Item* item = current.find(key)) remember(item->identity);
 }
 
 void RowKeeper::writePosition(MenuBarRow::Key key) {
@@ -95,13 +105,17 @@ void RowKeeper::writePosition(MenuBarRow::Key key) {
     current.setStoredPosition(key, position * scale);
 }
 
-bool RowKeeper::save() {
+void RowKeeper::remember(const std::string& placed) {
     std::vector<std::string> identities;
     identities.reserve(current.items().size());
     for (const auto& item : current.items()) {
         if (!item.identity.empty()) identities.push_back(item.identity);
     }
-    store.setPresent(identities);
+    store.setPresent(identities, placed);
+}
+
+bool RowKeeper::save() {
+    remember("");
     return store.save();
 }
 

@@ -64,6 +64,8 @@ private:
     bool isMarked(MenuBarRow::Key key);
     void acknowledge(const Domain& domain);
     void writePosition(MenuBarRow::Key key);
+    /// Notes the order, with the identity of the item that was placed just now, or none.
+    void remember(const std::string& placed);
 
     RowStorage& store;
     double scale;

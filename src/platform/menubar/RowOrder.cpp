@@ -6,24 +6,49 @@
 
 namespace nevo {
 
-std::vector<std::string> mergedRowOrder(const std::vector<std::string>& remembered,
-                                        const std::vector<std::string>& present) {
+namespace {
+
+/// Whether the item stands on the other side of any other than it did.
+bool standsElsewhere(const std::string& item, const std::vector<std::string>& remembered,
+                     const std::vector<std::string>& present) {
+    auto before = std::find(remembered.begin(), remembered.end(), item);
+    auto now = std::find(present.begin(), present.end(), item);
+    if (before == remembered.end()) return false;
+    std::set<std::string> wasLeft(remembered.begin(), before);
+    std::set<std::string> wasRight(before, remembered.end());
+    return std::any_of(present.begin(), now, [&](auto& each) { return wasRight.contains(each); }) ||
+           std::any_of(now, present.end(), [&](auto& each) { return wasLeft.contains(each); });
+}
+
+}  // namespace
+
+std::vector<std::string> mergedRowOrder(std::vector<std::string> remembered,
+                                        const std::vector<std::string>& present,
+                                        const std::string& placed) {
     std::set<std::string> isPresent(present.begin(), present.end());
-    std::vector<std::string> result;
+    if (standsElsewhere(placed, remembered, present)) std::erase(remembered, placed);
     std::map<std::string, std::vector<std::string>> absentAfter;
+    std::vector<std::string> leftmost;
+    const std::string* first = nullptr;
     const std::string* anchor = nullptr;
     for (const std::string& identity : remembered) {
         if (isPresent.contains(identity)) {
             anchor = &identity;
+            if (first == nullptr) first = anchor;
         } else {
-            (anchor ? absentAfter[*anchor] : result).push_back(identity);
+            (anchor ? absentAfter[*anchor] : leftmost).push_back(identity);
         }
     }
+    std::vector<std::string> result;
+    auto append = [&](const std::vector<std::string>& absent) {
+        result.insert(result.end(), absent.begin(), absent.end());
+    };
+    if (first == nullptr) append(leftmost);
     for (const std::string& identity : present) {
+        if (first != nullptr && identity == *first) append(leftmost);
         result.push_back(identity);
-        if (auto followers = absentAfter.find(identity); followers != absentAfter.end()) {
-            result.insert(result.end(), followers->second.begin(), followers->second.end());
-        }
+        if (auto followers = absentAfter.find(identity); followers != absentAfter.end())
+            append(followers->second);
     }
     return result;
 }

@@ -14,8 +14,10 @@ public:
 
     /// Identities from left to right, also of items that aren't there.
     virtual const std::vector<std::string>& order() const = 0;
-    /// Notes the present items from left to right.
-    virtual void setPresent(const std::vector<std::string>& identities) = 0;
+    /// Notes the present items from left to right. `placed` is the one that was placed just now, if
+    /// any.
+    virtual void setPresent(const std::vector<std::string>& identities,
+                            const std::string& placed) = 0;
 
     /// The position that the application's domain holds now.
     virtual std::optional<double> position(const std::string& domain, const std::string& name) = 0;

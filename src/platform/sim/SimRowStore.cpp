@@ -11,8 +11,9 @@ std::string positionKey(const std::string& name) {
 }
 }  // namespace
 
-void SimRowStore::setPresent(const std::vector<std::string>& identities) {
-    known = mergedRowOrder(known, identities);
+void SimRowStore::setPresent(const std::vector<std::string>& identities,
+                             const std::string& placed) {
+    known = mergedRowOrder(known, identities, placed);
 }
 
 std::optional<double> SimRowStore::position(const std::string& domain, const std::string& name) {
