@@ -51,7 +51,8 @@ std::optional<RememberedPlace> RememberedPlaces::find(const std::string& persist
 
 std::vector<std::string> RememberedPlaces::ids() const {
     std::vector<std::string> result;
-    for (const auto& [id, place] : decoded(store).items()) result.push_back(id);
+    Json json = decoded(store);
+    for (const auto& [id, place] : json.items()) result.push_back(id);
     return result;
 }
 
