@@ -14,18 +14,20 @@ constexpr auto announcementLife = std::chrono::seconds(1);
 }  // namespace
 
 void Bar::onDragMessage(xcb_window_t frame, std::uint32_t phase, int x, xcb_window_t lease) {
-    BarItem& item = *items.withFrame(frame);
     if (phase == barprotocol::dragAnnounced) {
+        // Also of an item that has gone: the press that follows is meant for no other.
         announcement = {frame, lease, Clock::now() + announcementLife};
         return;
     }
+    BarItem* item = items.withFrame(frame);
+    if (item == nullptr || !item->isInRow) return;
     if (phase == barprotocol::dragBegan) {
         // A hand that holds an item has it; a program whose own drag hung begins again.
         if (drag && drag->lease == XCB_WINDOW_NONE) return;
         if (drag) cancelDrag();
-        return beginDrag(item, x, false, lease);
+        return beginDrag(*item, x, false, lease);
     }
-    bool isOngoing = drag && !drag->usesPointer && drag->item == item.key && drag->lease == lease;
+    bool isOngoing = drag && !drag->usesPointer && drag->item == item->key && drag->lease == lease;
     if (!isOngoing) return;
     if (phase == barprotocol::dragMoved || phase == barprotocol::dragEnded) moveDrag(x);
     if (phase == barprotocol::dragEnded) endDrag();

@@ -19,14 +19,16 @@ void Bar::onClientMessage(const xcb_client_message_event_t& message) {
         return;
     }
     if (message.window != host->controlWindow()) return;
+    if (message.type == display.atom(barprotocol::drag)) {
+        if (acceptLease(data[4])) onDragMessage(data[0], data[1], signedOf(data[2]), data[4]);
+        return;
+    }
     BarItem* item = items.withFrame(data[0]);
     if (item == nullptr || !item->isInRow) return;
     if (message.type == display.atom(barprotocol::setOpacity)) {
         if (acceptLease(data[2])) setOpacity(*item, data[1], data[2]);
     } else if (message.type == display.atom(barprotocol::moveItem)) {
         if (acceptLease(data[3])) moveItem(*item, signedOf(data[1]), signedOf(data[2]), data[3]);
-    } else if (message.type == display.atom(barprotocol::drag)) {
-        if (acceptLease(data[4])) onDragMessage(data[0], data[1], signedOf(data[2]), data[4]);
     } else if (message.type == display.atom(barprotocol::visit)) {
         if (acceptLease(data[3])) onVisitMessage(*item, data[1] != 0, signedOf(data[2]), data[3]);
     }

@@ -192,11 +192,13 @@ void SimEvents::handleBar(EventType type, ModifierFlags flags, WindowNumber name
                           bool usesPointer) {
     bool isDragging = usesPointer ? bar.isPointerDragging() : bar.isDragging();
     if (type == EventType::leftMouseDown && (flags & commandModifier) != 0) {
-        const SimBar::Item* item = bar.find(named);
-        if (item == nullptr) item = bar.itemAt(place);
+        // An announced item that is gone is nobody's neighbour.
+        const SimBar::Item* item = named != 0 ? bar.find(named) : bar.itemAt(place);
         if (item == nullptr) return;
         bool ignored = named != 0 && faults.strikes(SimOperation::drag, item->window);
         if (!ignored) bar.beginDrag(item->window, place, usesPointer);
+        if (named == 0 && bar.draggedWindow() == item->window)
+            trace.note("hand", "takes " + item->label);
     } else if (type == EventType::leftMouseDragged && isDragging) {
         bar.dragTo(place);
     } else if (type == EventType::leftMouseUp && isDragging) {

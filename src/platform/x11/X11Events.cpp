@@ -174,6 +174,9 @@ void X11Events::post(const MouseEvent& event) {
         if (event.type == EventType::leftMouseUp) itemClick.release();
         return;
     }
+    // An item that has gone leaves its place to another, which isn't meant.
+    bool isGone = item == nullptr && event.fields.contains(EventField::windowNumber);
+    if (isGone && event.type == EventType::leftMouseDown) return;
     auto monitors = screens.screens();
     bool isOnScreen = std::any_of(monitors.begin(), monitors.end(), [&](const Screen& screen) {
         return server.coordinates.flipped(screen.frame).contains(event.location);
