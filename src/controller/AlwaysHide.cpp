@@ -171,12 +171,12 @@ Task<> StatusBarController::arrangeAlwaysHidden(std::weak_ptr<StatusBarControlle
 
 /// Whether the row lacks something of that order.
 bool StatusBarController::mustArrangeAlwaysHidden() const {
-    if (platform.runLoop.now() < arrangeAgainAt) return false;
     std::set<WindowNumber> pinned = pinnedWindows();
     bool isUp = sectionManager.alwaysHiddenDivider->isVisible();
     if (pinned.empty() && !hasAlwaysHideRule()) return isUp;
-    return alwaysHiddenArea.misplaced(pinned).has_value() ||
-           !alwaysHiddenArea.isDividerInPlace(pinned);
+    // Where no item has to be moved, the divider is put right at once.
+    if (alwaysHiddenArea.misplaced(pinned)) return platform.runLoop.now() >= arrangeAgainAt;
+    return !alwaysHiddenArea.isDividerInPlace(pinned);
 }
 
 void StatusBarController::updateAlwaysHiddenDivider() {

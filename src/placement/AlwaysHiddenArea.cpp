@@ -6,6 +6,8 @@ namespace {
 
 /// The divider goes between two items however their widths are rounded.
 constexpr double positionMargin = 1.0;
+/// Further left than any row is wide, points.
+constexpr double leftmostPosition = 100000.0;
 
 std::optional<WindowNumber> windowOf(StatusItem& item) {
     StatusItemButton* button = item.button();
@@ -45,9 +47,15 @@ std::optional<WindowNumber> AlwaysHiddenArea::misplaced(
 }
 
 double AlwaysHiddenArea::dividerPosition(const std::set<WindowNumber>& pinned) const {
+    // At the left end the divider hides nothing.
+    if (!isRowReadable(windows)) return leftmostPosition;
     double width = positionMargin;
+    bool isPastOthers = false;
     for (const RowSlot& slot : rowSlots(windows)) {
-        if (!pinned.contains(slot.window) && !isDivider(slot)) width += slot.frame.width;
+        if (isDivider(slot)) continue;
+        // One that couldn't be moved to the left end doesn't take others behind the divider.
+        isPastOthers = isPastOthers || !pinned.contains(slot.window);
+        if (isPastOthers) width += slot.frame.width;
     }
     return width;
 }
@@ -55,6 +63,8 @@ double AlwaysHiddenArea::dividerPosition(const std::set<WindowNumber>& pinned) c
 bool AlwaysHiddenArea::isDividerInPlace(const std::set<WindowNumber>& pinned) const {
     auto divider = alwaysHiddenDivider();
     if (!divider || !SectionManager::isCollapsed(*sections.alwaysHiddenDivider)) return false;
+    // It stays until the row can be read again.
+    if (!isRowReadable(windows)) return true;
     bool isLeft = true;
     for (const RowSlot& slot : rowSlots(windows)) {
         if (slot.window == divider) {

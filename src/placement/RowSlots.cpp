@@ -4,6 +4,15 @@
 
 namespace nevo {
 
+bool isRowReadable(const WindowServer& windows) {
+    auto count = windows.windowCount();
+    auto list = count && *count >= 1 ? windows.menuBarWindowList(*count) : std::nullopt;
+    return list && std::all_of(list->begin(), list->end(), [&](WindowNumber window) {
+               // What isn't the bar's has a frame, and no slot.
+               return windows.slotFrame(window) || windows.windowFrame(window);
+           });
+}
+
 std::vector<RowSlot> rowSlots(const WindowServer& windows) {
     std::vector<RowSlot> slots;
     auto count = windows.windowCount();

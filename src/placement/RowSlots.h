@@ -17,4 +17,7 @@ struct RowSlot {
 /// has been moved directly counts where its slot is. Empty on failure.
 std::vector<RowSlot> rowSlots(const WindowServer& windows);
 
+/// Whether `rowSlots` leaves out none whose slot can't be read.
+bool isRowReadable(const WindowServer& windows);
+
 }  // namespace nevo
