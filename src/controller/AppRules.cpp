@@ -10,13 +10,21 @@ namespace nevo {
 
 namespace {
 constexpr const char* didActivateApplication = "NSWorkspaceDidActivateApplicationNotification";
-}
+constexpr const char* didDeactivateApplication = "NSWorkspaceDidDeactivateApplicationNotification";
+/// A program that closes one window to open the next leaves nothing in front for a moment.
+constexpr double emptyFrontTime = 1.0;
+}  // namespace
 
 void StatusBarController::observeFrontApplication() {
-    frontApplicationObserver = platform.workspaceNotifications.addObserver(
-        didActivateApplication, [weak = weak_from_this()](const Notification& notification) {
+    auto weak = weak_from_this();
+    notificationObservers.push_back(platform.workspaceNotifications.addObserver(
+        didActivateApplication, [weak](const Notification& notification) {
             if (auto self = weak.lock()) self->handleAppActivation(notification);
-        });
+        }));
+    notificationObservers.push_back(platform.workspaceNotifications.addObserver(
+        didDeactivateApplication, [weak](const Notification&) {
+            if (auto self = weak.lock()) self->handleEmptyFront();
+        }));
 }
 
 void StatusBarController::observeAppRules() {
@@ -31,8 +39,12 @@ void StatusBarController::observeAppRules() {
 }
 
 void StatusBarController::handleAppActivation(const Notification& notification) {
+    bool wasFrontEmpty = static_cast<bool>(emptyFrontTimer);
+    emptyFrontTimer.reset();
     auto bundleID = notification.userInfo.find("bundleIdentifier");
     if (bundleID == notification.userInfo.end() || bundleID->second.empty()) return;
+    // Back in time: its rule has stayed in force.
+    if (wasFrontEmpty && bundleID->second == appState.activeAppBundleID()) return;
     appState.setActiveAppBundleID(bundleID->second);
     restoreAppRuleOverrides();
     AppRules rules = appState.rules.loadAppRules();
@@ -40,6 +52,16 @@ void StatusBarController::handleAppActivation(const Notification& notification) 
     if (rule == rules.end()) return;
     spawn(platform.runLoop, applyAppRule(weak_from_this(), appRuleGeneration,
                                          rule->second.visibleIcons, rule->second.hiddenIcons));
+}
+
+void StatusBarController::handleEmptyFront() {
+    emptyFrontTimer = platform.runLoop.timer(emptyFrontTime, false, [weak = weak_from_this()] {
+        auto self = weak.lock();
+        if (!self) return;
+        self->emptyFrontTimer.reset();
+        self->appState.setActiveAppBundleID("");
+        self->restoreAppRuleOverrides();
+    });
 }
 
 Task<> StatusBarController::reapplyAppRule(std::weak_ptr<StatusBarController> owner,

@@ -166,6 +166,7 @@ void StatusBarController::buttonClicked() {
 void StatusBarController::tearDown() {
     autoHideTimer.reset();
     blankHoverTimer.reset();
+    emptyFrontTimer.reset();
     cmdDragSafetyTimer.reset();
     if (cmdDragTap) cmdDragTap->setEnabled(false);
     cmdDragRunLoopSource.reset();
@@ -174,7 +175,6 @@ void StatusBarController::tearDown() {
     localHoverMonitor.reset();
     clickOutsideMonitor.reset();
     blankClickMonitor.reset();
-    frontApplicationObserver.reset();
     notificationObservers.clear();
     screenChangeObserver.reset();
     isDisplayTransitioning = false;

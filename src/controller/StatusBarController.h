@@ -106,6 +106,8 @@ public:
     /// Another program has come to the front: what the rule of the one before changed goes back,
     /// and its own rule comes into force.
     void handleAppActivation(const Notification& notification);
+    /// No program is in front: the rule in force ends, unless one comes there within a second.
+    void handleEmptyFront();
     void restoreAppRuleOverrides();
     /// Changes the opacity of items for as long as the application is in front. `generation` is
     /// `appRuleGeneration` when it was asked for: an activation or a change of the rule that comes
@@ -385,10 +387,11 @@ private:
     Registration cmdDragLocalMonitor;
     Registration cmdDragSafetyTimer;
     Registration blankHoverTimer;
+    /// Runs while no program is in front and the rule of the last one is still in force.
+    Registration emptyFrontTimer;
     Registration autoHideTimer;
     Registration itemMonitorTimer;
     Registration rightClickMonitor;
-    Registration frontApplicationObserver;
     std::vector<Registration> notificationObservers;
     Registration screenChangeObserver;
 };

@@ -25,6 +25,12 @@ struct RunningApplication {
 };
 
 /// The other programs of the session (`NSWorkspace`, `NSRunningApplication`, `NSFileManager`).
+///
+/// The workspace's notification centre tells which one is in front:
+/// "NSWorkspaceDidActivateApplicationNotification" when another one comes there, and
+/// "NSWorkspaceDidDeactivateApplicationNotification" when one has gone from there and none has come
+/// instead. Both carry its process id, in decimal, under "NSWorkspaceApplicationKey" and its
+/// identifier under "bundleIdentifier". The menu bar's program is never in front.
 class Workspace {
 public:
     virtual ~Workspace() = default;

@@ -12,17 +12,19 @@ class Front : public X11Session {
 protected:
     using Announced = std::vector<std::pair<std::string, std::string>>;
 
-    static Registration listen(NotificationCenter& center, Announced& to) {
-        return center.addObserver("NSWorkspaceDidActivateApplicationNotification",
-                                  [&to](const Notification& note) {
-                                      to.emplace_back(note.userInfo.at("NSWorkspaceApplicationKey"),
-                                                      note.userInfo.at("bundleIdentifier"));
-                                  });
+    static Registration listen(NotificationCenter& center, const char* change, Announced& to) {
+        return center.addObserver(
+            std::string("NSWorkspaceDid") + change + "ApplicationNotification",
+            [&to](const Notification& note) {
+                to.emplace_back(note.userInfo.at("NSWorkspaceApplicationKey"),
+                                note.userInfo.at("bundleIdentifier"));
+            });
     }
 
     void SetUp() override {
         X11Session::SetUp();
-        registration = listen(platform().workspaceNotifications, announced);
+        registration = listen(platform().workspaceNotifications, "Activate", announced);
+        leaving = listen(platform().workspaceNotifications, "Deactivate", left);
     }
 
     /// How many windows a property of the root names.
@@ -46,9 +48,20 @@ protected:
         EXPECT_EQ(announced, expected);
     }
 
+    /// The one in front has gone from there, and nothing has come instead.
+    void leavesNothing() {
+        expectedLeft.push_back(expected.back());
+        EXPECT_TRUE(soon([&] { return left.size() >= expectedLeft.size(); }));
+        EXPECT_EQ(left, expectedLeft);
+        EXPECT_FALSE(platform().workspace.frontmostApplication());
+    }
+
     Announced announced;
     Announced expected;
+    Announced left;
+    Announced expectedLeft;
     Registration registration;
+    Registration leaving;
 };
 
 TEST_F(Front, eachChangeOfTheApplicationIsToldOnce) {
@@ -64,7 +77,7 @@ TEST_F(Front, eachChangeOfTheApplicationIsToldOnce) {
     kill(first, SIGKILL);
     becomesFront(second.pid(), "xmessage");
     kill(second, SIGKILL);
-    waitFor("no window is left", [this] { return windows() == 1; });
+    leavesNothing();
 
     platform().application.orderFrontStandardAboutPanel("About Nevo", "");
     becomesFront(platform().application.processIdentifier(),
@@ -73,6 +86,11 @@ TEST_F(Front, eachChangeOfTheApplicationIsToldOnce) {
     EXPECT_TRUE(soon([this] { return windows() == 1; }));
     // Another instance is another application.
     startInFront("xev");
+    // A click on the bar changes nothing, one on the bare desktop leaves nothing in front.
+    expectedLeft = left;
+    hand->click(barView->frame().center());
+    hand->click({1590, 590});
+    leavesNothing();
 }
 
 TEST_F(Front, theOneThatIsThereAtTheStartIsTold) {
@@ -84,9 +102,11 @@ TEST_F(Front, theOneThatIsThereAtTheStartIsTold) {
     xcb::DesktopEntries entries;
     xcb::OwnerIdentities identities(entries);
     NotificationCenter center;
-    FrontApplication newcomer(x, pump, identities, center, platform().log);
+    WindowNumbers numbers;
+    BarClient client(x, pump, numbers);
+    FrontApplication newcomer(x, pump, client, identities, center, platform().log);
     Announced toldAtStart;
-    auto listening = listen(center, toldAtStart);
+    auto listening = listen(center, "Activate", toldAtStart);
     EXPECT_TRUE(soon([&] { return !toldAtStart.empty(); }));
     Announced only{{std::to_string(there.pid()), "xmessage"}};
     EXPECT_EQ(toldAtStart, only);

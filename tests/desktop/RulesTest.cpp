@@ -129,9 +129,15 @@ TEST_F(Rules, ofTheProgramInFrontHideItemsWhileItIsThere) {
     kill(another, SIGKILL);
     waitForOpacity(0);
     // The program is gone, and another one is in front now.
-    startProgram("xmessage hello");
+    Process& third = startProgram("xmessage hello");
     waitForOpacity(1);
     kill(inFront, SIGKILL);
+    Process& last = startProgram("xev");
+    waitForOpacity(0);
+    // Nothing follows the last one.
+    kill(third, SIGKILL);
+    kill(last, SIGKILL);
+    waitForOpacity(1);
     startProgram("xev");
     waitForOpacity(0);
     kill(nevo(), SIGTERM);

@@ -74,7 +74,12 @@ bool SimWorkspace::launch(const std::string& handle) {
 
 bool SimWorkspace::kill(const std::string& handle) {
     if (!applications.kill(handle)) return false;
-    tell("NSWorkspaceDidTerminateApplicationNotification", applications.find(handle)->application);
+    const RunningApplication& ended = applications.find(handle)->application;
+    tell("NSWorkspaceDidTerminateApplicationNotification", ended);
+    if (ended.pid == active) {
+        active = 0;
+        tell("NSWorkspaceDidDeactivateApplicationNotification", ended);
+    }
     return true;
 }
 

@@ -9,9 +9,7 @@
 namespace nevo {
 
 /// The running programs as the program sees them, itself first, and the one in front.
-///
-/// Notifications about a program carry its process id, in decimal, under
-/// "NSWorkspaceApplicationKey" and its bundle identifier under "bundleIdentifier".
+/// Notifications about a program's start and end carry what those about the front do.
 class SimWorkspace : public Workspace {
 public:
     SimWorkspace(SimRunLoop& runLoop, NotificationCenter& workspaceCentre, SimApplications& others,

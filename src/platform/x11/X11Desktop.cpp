@@ -119,7 +119,7 @@ struct X11Desktop::Parts {
           statusBar(server, pump, bar, loop, screens, monitors,
                     [this] { defaults.standard().flush(); }),
           workspace(bar, clients, entries),
-          frontApplication(server, pump, identities, workspaceNotifications, log),
+          frontApplication(server, pump, bar, identities, workspaceNotifications, log),
           loginSession(workspaceNotifications, log),
           capture(windows),
           compositor(server, pump),
