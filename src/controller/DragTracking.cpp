@@ -12,8 +12,8 @@ namespace nevo {
 
 namespace {
 
-constexpr EventMask dragEvents =
-    maskOf(EventType::leftMouseUp) | maskOf(EventType::leftMouseDragged);
+constexpr EventMask dragEvents = maskOf(EventType::leftMouseDown) | maskOf(EventType::leftMouseUp) |
+                                 maskOf(EventType::leftMouseDragged);
 constexpr double toggleMargin = 8.0;
 /// The bar takes its new layout before anything is measured.
 constexpr double layoutTurn = 0.08;
@@ -64,7 +64,8 @@ void StatusBarController::handleTapEvent(const Event& event) {
     }
     // The program's own synthetic drags aren't the user's.
     if (services.mover.programmaticMoveCount() > 0) return;
-    if (isCommandDrag(event)) {
+    if (isStartOfDrag(event)) {
+        debugLog("[CmdDrag] tap: dragged with cmd");
         laterOnMain(&StatusBarController::tapDragged);
     } else if (event.type == EventType::leftMouseUp) {
         laterOnMain(&StatusBarController::endDrag);
@@ -72,13 +73,13 @@ void StatusBarController::handleTapEvent(const Event& event) {
 }
 
 void StatusBarController::tapDragged() {
-    debugLog("[CmdDrag] tap: dragged with cmd");
-    startDrag();
+    // A monitor may have followed it already, up to its end.
+    if (!isDraggingMenuBarItem && isPressInMenuBar.value_or(false)) startDrag();
 }
 
 void StatusBarController::handleDragEvent(const Event& event, const char* monitor) {
     if (services.mover.programmaticMoveCount() >= 1) return;
-    if (isCommandDrag(event)) {
+    if (isStartOfDrag(event)) {
         debugLog(fmt::format("[CmdDrag] {}: dragged with cmd", monitor));
         startDrag();
     } else if (event.type == EventType::leftMouseUp) {
@@ -86,29 +87,24 @@ void StatusBarController::handleDragEvent(const Event& event, const char* monito
     }
 }
 
-bool StatusBarController::mayStartDrag() const {
-    if (isDraggingMenuBarItem) {
-        debugLog("[CmdDrag] start gate: already dragging");
-        return false;
-    }
-    Point mouse = platform.events.mouseLocation();
+/// Takes note of each press: a drag that began below the bar is none of an item, wherever it goes.
+bool StatusBarController::isStartOfDrag(const Event& event) {
+    if (event.type == EventType::leftMouseDown) isPressInMenuBar = isInMenuBar(event.location);
+    if (isDraggingMenuBarItem || !isCommandDrag(event)) return false;
+    // Its press came while nobody was listening.
+    if (!isPressInMenuBar) isPressInMenuBar = isInMenuBar(event.location);
+    return *isPressInMenuBar;
+}
+
+bool StatusBarController::isInMenuBar(Point place) const {
     auto screens = platform.screens.screens();
     auto under = std::find_if(screens.begin(), screens.end(),
-                              [mouse](const Screen& each) { return each.frame.contains(mouse); });
+                              [place](const Screen& each) { return each.frame.contains(place); });
     auto screen = under == screens.end() ? platform.screens.mainScreen() : std::optional(*under);
-    if (!screen) {
-        debugLog("[CmdDrag] start gate: no mouseScreen found for mouse=" + describe(mouse));
-        return false;
-    }
-    double menuBarBottom = screen->frame.maxY() - platform.statusBar.thickness();
-    if (mouse.y >= menuBarBottom) return true;
-    debugLog(fmt::format("[CmdDrag] start gate: mouse.y={} < menuBarBottom={} screenFrame={}",
-                         describe(mouse.y), describe(menuBarBottom), describe(screen->frame)));
-    return false;
+    return screen && place.y > screen->frame.maxY() - platform.statusBar.thickness();
 }
 
 void StatusBarController::startDrag() {
-    if (!mayStartDrag()) return;
     Point mouse = platform.events.mouseLocation();
     // From here on, since the loop is turned below: the drag's next events come in there.
     isDraggingMenuBarItem = true;
@@ -141,6 +137,7 @@ void StatusBarController::startDrag() {
 }
 
 void StatusBarController::endDrag() {
+    isPressInMenuBar.reset();
     if (!isDraggingMenuBarItem) return;
     bool wasDraggingToggle = isDraggingNevoToggle;
     std::optional<Rect> preFrame = preDragToggleFrame;

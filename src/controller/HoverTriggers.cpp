@@ -1,6 +1,6 @@
 #include <fmt/format.h>
 
-#include <limits>
+#include <algorithm>
 
 #include "controller/StatusBarController.h"
 #include "core/debugLog.h"
@@ -14,9 +14,6 @@ constexpr double hoverMargin = 2.0;
 constexpr double openingClickTime = 0.2;
 /// A narrower window in the status layer is no item that one could see.
 constexpr double smallestItemWidth = 5.0;
-/// The blank area begins this far left of the leftmost item; what is left of it belongs to the
-/// front application's menus.
-constexpr double blankLead = 20.0;
 }  // namespace
 
 void StatusBarController::installTriggerMonitors() {
@@ -46,22 +43,23 @@ bool StatusBarController::isBlankTriggerEligible() const {
 }
 
 bool StatusBarController::isBlankMenuBarPoint(Point point) const {
+    auto systemArea = platform.statusBar.systemAreaLeft();
     auto screen = platform.screens.mainScreen();
-    if (!screen) return false;
+    if (!screen || !systemArea) return false;
     double top = screen->frame.maxY();
-    if (point.y < top - platform.statusBar.thickness()) return false;
+    bool isInRow = point.x >= screen->frame.x && point.x < *systemArea && point.y <= top &&
+                   point.y > top - platform.statusBar.thickness();
+    if (!isInRow || decoyController->shows(point)) return false;
     auto windows = platform.windows.windowList(WindowListOption::onScreenOnly);
     if (!windows) return false;
     auto own = sectionManager.ownWindowIDs();
-    double leftmost = std::numeric_limits<double>::infinity();
-    for (const WindowDescription& window : *windows) {
+    if (auto toggleWindow = toggleWindowID()) own.erase(*toggleWindow);
+    return std::none_of(windows->begin(), windows->end(), [&](const WindowDescription& window) {
         bool isItem = window.layer == statusItemWindowLevel && window.bounds && window.number &&
                       window.bounds->width > smallestItemWidth && !own.contains(*window.number);
-        if (!isItem) continue;
-        leftmost = std::min(leftmost, window.bounds->x);
-        if (window.bounds->contains({point.x, top - point.y})) return false;
-    }
-    return leftmost - blankLead <= point.x;
+        return isItem && window.bounds->contains({point.x, top - point.y}) &&
+               platform.windows.windowAlpha(*window.number).value_or(1.0F) > 0;
+    });
 }
 
 void StatusBarController::blankClicked() {

@@ -231,7 +231,9 @@ private:
     void handleTapEvent(const Event& event);
     void handleDragEvent(const Event& event, const char* monitor);
     void tapDragged();
-    bool mayStartDrag() const;
+    /// Whether the event is a motion with which a drag of an item begins.
+    bool isStartOfDrag(const Event& event);
+    bool isInMenuBar(Point place) const;
     /// Opens the divider for the drag's duration and notes where everything stands. Turns the loop
     /// for a moment. The same drag calls it many times.
     void startDrag();
@@ -283,8 +285,8 @@ private:
     void startBlankDwell();
     void blankDwellEnded();
     bool isBlankTriggerEligible() const;
-    /// Whether the point (origin at the bottom left) is on the part of the menu bar that holds
-    /// neither items nor menus.
+    /// Whether the point (origin at the bottom left) is on the main display's menu bar where it
+    /// shows neither an item nor the system's own area.
     bool isBlankMenuBarPoint(Point point) const;
 
     // Display change and wake.
@@ -338,6 +340,8 @@ private:
 
     /// A Command-drag in the bar is being followed.
     bool isDraggingMenuBarItem = false;
+    /// Where the button went down that is held; nothing while none is, or none was heard.
+    std::optional<bool> isPressInMenuBar;
     /// It began on the toggle.
     bool isDraggingNevoToggle = false;
     /// The section was closed before it, or before the one whose end still waits.

@@ -140,8 +140,6 @@ const std::vector<std::string>& Probes::texts() {
         "[CmdDrag] tap disabled",
         "[CmdDrag] tap: dragged with cmd",
         "[CmdDrag] global: dragged with cmd",
-        "[CmdDrag] start gate: already dragging",
-        "[CmdDrag] start gate: mouse.y=",
         "[CmdDrag] started: ... draggingToggle=true",
         "[CmdDrag] started: ... draggingToggle=false",
         "[CmdDrag] reconcile: hide",

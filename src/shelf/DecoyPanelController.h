@@ -56,6 +56,10 @@ public:
     void clearEntries() { entries.clear(); }
     /// Puts the panel beside the toggle again after the bar's row has changed, lest it cover it.
     void followToggle();
+    /// Whether a decoy can be seen there; origin at the bottom left.
+    bool shows(Point place) const {
+        return panel && panel->isVisible() && panel->frame().contains(place);
+    }
     /// Takes a recent scan into the snapshot, and in shelf mode shows what it says is hidden.
     static Task<> rebuild(std::weak_ptr<DecoyPanelController> owner);
     /// To be called when a rule has been applied to an item.

@@ -56,6 +56,17 @@ TEST_F(EndToEnd, aClickHidesWhatIsLeftOfTheToggleAndAnotherBringsItBack) {
     EXPECT_FALSE(screenshot().isEmptyBar(before[0].place));
 }
 
+TEST_F(EndToEnd, aClickOnTheBlankBarShowsTheItemsAndOneOnTheClockDoesNot) {
+    startAll(R"(, "nevo_trigger_mode": "clickBlank")");
+    Names all = names();
+    EXPECT_EQ(namesRightOfToggle(), Names{});
+    hand->click({barView->systemAreaLeft() + 10, 12});
+    toggle(all);
+    toggle({});
+    hand->click({200, 0});
+    waitForOnScreen(all);
+}
+
 TEST_F(EndToEnd, quittingFromTheMenuLeavesNothingHidden) {
     startAll();
     keepVisible(2);
