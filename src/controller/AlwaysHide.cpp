@@ -27,7 +27,8 @@ Task<> StatusBarController::applyAlwaysHide(std::weak_ptr<StatusBarController> o
     bool ok = self->sectionManager.opacity.setRule(window, true, false);
     self->decoyController->handleRuleChange(id, IconRule::alwaysHide);
     debugLog(fmt::format("[Rules] alwaysHide wid={} alpha=0 ok={}", window, describe(ok)));
-    auto frame = self->services.mover.readableFrame(window);
+    // Its place in the row, also while it is brought out.
+    auto frame = self->platform.windows.slotFrame(window);
     bool standsOnBar = frame && frame->x > 0;
     self->arrangeAgainAt = 0;
     self.reset();

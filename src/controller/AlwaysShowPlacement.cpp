@@ -67,8 +67,10 @@ StatusBarController::AlwaysShowPlan StatusBarController::planAlwaysShowPlacement
         preferences.restoreAndLog(item.bundleID, item.persistedID);
         showByRule(item.windowID);
     }
-    SafeZone zone = alwaysShowSafeZone(all);
-    double nevoX = savedItemFrame.minX();
+    // Where the toggle stands now: programs have come and gone since it was last noted.
+    Rect toggle = SectionManager::frame(*sectionManager.toggleItem).value_or(savedItemFrame);
+    SafeZone zone = alwaysShowSafeZone(all, toggle);
+    double nevoX = toggle.minX();
     auto screen = platform.screens.mainScreen();
     double farRight = (screen ? screen->frame.width : widthWithoutScreen) - rightMargin;
     ScannedBarItems toMove;
@@ -89,11 +91,11 @@ StatusBarController::AlwaysShowPlan StatusBarController::planAlwaysShowPlacement
     return {std::move(toMove), zone.baseX};
 }
 
-StatusBarController::SafeZone StatusBarController::alwaysShowSafeZone(
-    const ScannedBarItems& all) const {
+StatusBarController::SafeZone StatusBarController::alwaysShowSafeZone(const ScannedBarItems& all,
+                                                                      const Rect& toggle) const {
     StatusItemButton* button = sectionManager.toggleItem->button();
-    double nevoX = savedItemFrame.minX();
-    double toggleWidth = std::max(savedItemFrame.width, button ? button->bounds().width : 0.0);
+    double nevoX = toggle.minX();
+    double toggleWidth = std::max(toggle.width, button ? button->bounds().width : 0.0);
     double baseX = nevoX + std::max(toggleWidth, smallestToggleWidth) + toggleGap;
     auto screen = platform.screens.mainScreen();
     double screenWidth = screen ? screen->frame.width : widthWithoutScreen;

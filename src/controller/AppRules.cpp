@@ -91,6 +91,21 @@ void StatusBarController::restoreAppRuleOverrides() {
     appRuleActiveForBundleID.reset();
 }
 
+/// To items that have come since the rule came into force. Does nothing without one.
+void StatusBarController::applyFrontRule(const ScannedBarItems& items) {
+    if (!appRuleActiveForBundleID) return;
+    const ItemOpacity& opacity = sectionManager.opacity;
+    for (const ScannedBarItem& item : items) {
+        if (item.bundleID.empty()) continue;
+        if (itemMatchesRule(item, frontRule.hiddenIcons)) {
+            if (!opacity.has(ItemOpacity::Reason::hiddenInFront, item.windowID))
+                hideByAppRule(item);
+        } else if (itemMatchesRule(item, frontRule.visibleIcons)) {
+            if (!opacity.has(ItemOpacity::Reason::shownInFront, item.windowID)) showByAppRule(item);
+        }
+    }
+}
+
 Task<> StatusBarController::applyAppRule(std::weak_ptr<StatusBarController> owner, int generation,
                                          std::set<std::string> visibleIcons,
                                          std::set<std::string> hiddenIcons) {
@@ -116,6 +131,7 @@ Task<> StatusBarController::applyAppRule(std::weak_ptr<StatusBarController> owne
         }
     }
     self->appRuleActiveForBundleID = self->appState.activeAppBundleID();
+    self->frontRule = {visibleIcons, hiddenIcons};
     debugLog(fmt::format("[AppRule] Applied: hide={} show={} overrides={}", hiddenIcons.size(),
                          visibleIcons.size(), overrides));
 }

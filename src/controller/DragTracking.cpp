@@ -23,6 +23,7 @@ constexpr double largestItem = 500.0;
 constexpr double lostMouseUp = 10.0;
 /// The window server has placed the dropped item by then.
 constexpr double dropSettle = 0.15;
+constexpr int lastDropAttempt = 4;
 constexpr double toggleMoved = 20.0;
 constexpr double snapshotSettle = 0.4;
 
@@ -89,11 +90,22 @@ void StatusBarController::handleDragEvent(const Event& event, const char* monito
 
 /// Takes note of each press: a drag that began below the bar is none of an item, wherever it goes.
 bool StatusBarController::isStartOfDrag(const Event& event) {
-    if (event.type == EventType::leftMouseDown) isPressInMenuBar = isInMenuBar(event.location);
+    if (event.type == EventType::leftMouseDown) notePress(event.location);
     if (isDraggingMenuBarItem || !isCommandDrag(event)) return false;
     // Its press came while nobody was listening.
-    if (!isPressInMenuBar) isPressInMenuBar = isInMenuBar(event.location);
+    if (!isPressInMenuBar) notePress(event.location);
     return *isPressInMenuBar;
+}
+
+/// What the hand takes is what it has pressed: at the first motion it may be elsewhere.
+void StatusBarController::notePress(Point place) {
+    isPressInMenuBar = isInMenuBar(place);
+    if (isDraggingMenuBarItem || !*isPressInMenuBar) return;
+    auto toggle = sectionManager.shownFrame(*sectionManager.toggleItem);
+    pressedItem = itemUnder(place);
+    // A small item beside the toggle has its own press.
+    isPressOnToggle = toggle && (toggle->contains(place) ||
+                                 (!pressedItem && toggle->grownBy(toggleMargin).contains(place)));
 }
 
 bool StatusBarController::isInMenuBar(Point place) const {
@@ -105,12 +117,10 @@ bool StatusBarController::isInMenuBar(Point place) const {
 }
 
 void StatusBarController::startDrag() {
-    Point mouse = platform.events.mouseLocation();
     // From here on, since the loop is turned below: the drag's next events come in there.
     isDraggingMenuBarItem = true;
-    auto toggle = sectionManager.shownFrame(*sectionManager.toggleItem);
-    isDraggingNevoToggle = toggle && toggle->grownBy(toggleMargin).contains(mouse);
-    draggedWindow = itemUnder(mouse);
+    isDraggingNevoToggle = isPressOnToggle;
+    draggedWindow = pressedItem;
     preDragToggleFrame.reset();
     preDragPositions.clear();
     if (sectionManager.isHiddenDividerCollapsed()) {
@@ -142,23 +152,37 @@ void StatusBarController::endDrag() {
     bool wasDraggingToggle = isDraggingNevoToggle;
     std::optional<Rect> preFrame = preDragToggleFrame;
     isDraggingMenuBarItem = false;
+    isDragSettling = true;
     isDraggingNevoToggle = false;
     preDragToggleFrame.reset();
     cmdDragSafetyTimer.reset();
     debugLog("[CmdDrag] ended");
     platform.runLoop.postAfter(dropSettle, [weak = weak_from_this(), wasDraggingToggle, preFrame] {
-        if (auto self = weak.lock()) self->settleDrag(wasDraggingToggle, preFrame);
+        if (auto self = weak.lock()) self->settleDrag(wasDraggingToggle, preFrame, 0);
     });
 }
 
-void StatusBarController::settleDrag(bool wasDraggingToggle, std::optional<Rect> preFrame) {
+void StatusBarController::settleDrag(bool wasDraggingToggle, std::optional<Rect> preFrame,
+                                     int attempt) {
     // A drag that has begun meanwhile does this at its own end.
     if (isDraggingMenuBarItem) return;
+    // A slow bar hasn't dropped it yet.
+    bool isInHand = draggedWindow && services.mover.isFloating(*draggedWindow);
+    if (isInHand && attempt < lastDropAttempt) {
+        platform.runLoop.postAfter(
+            dropSettle, [weak = weak_from_this(), wasDraggingToggle, preFrame, attempt] {
+                if (auto self = weak.lock())
+                    self->settleDrag(wasDraggingToggle, preFrame, attempt + 1);
+            });
+        return;
+    }
+    isDragSettling = false;
     if (wasDraggingToggle) {
         hasDragOpenedSection = false;
         leaveExpandedAfterDrag();
         return;
     }
+    bool wasHoldingItem = draggedWindow.has_value();
     bool changed = reconcileDrag();
     if (shelfController) shelfController->endLostPresentation();
     // A section that was open stays so.
@@ -167,7 +191,8 @@ void StatusBarController::settleDrag(bool wasDraggingToggle, std::optional<Rect>
         return;
     }
     auto frame = SectionManager::frame(*sectionManager.toggleItem);
-    bool moved = preFrame && frame &&
+    // Beside an item that a hand has put elsewhere the toggle moves by itself.
+    bool moved = !wasHoldingItem && preFrame && frame &&
                  (std::abs(frame->midX() - preFrame->midX()) > toggleMoved ||
                   std::abs(frame->midY() - preFrame->midY()) > toggleMoved);
     if (!changed && moved) {
@@ -226,9 +251,15 @@ bool StatusBarController::reconcileDrag() {
         auto frame = services.mover.readableFrame(window);
         bool isHidden = frame && frame->width > smallestItem && frame->midX() < dividerX;
         auto id = ids.find(window);
-        if (!isHidden || id == ids.end() || !isStored(IconRule::alwaysShow, id->second)) continue;
+        // One that has only just come there isn't the hand's doing.
+        auto start = preDragPositions.find(window);
+        bool isDragged = window == draggedWindow ||
+                         (start != preDragPositions.end() && start->second >= dividerX);
+        if (!isDragged || !isHidden || id == ids.end() ||
+            appState.iconRule(id->second) != IconRule::alwaysShow)
+            continue;
         rulePlaces.forget(id->second);
-        appState.rules.setIconRule(IconRule::automatic, id->second);
+        appState.setIconRule(IconRule::automatic, id->second);
         if (hasDragOpenedSection) hideDragged(window);
         debugLog(fmt::format("[CmdDrag] reconcile: clear alwaysShow for {} in hidden zone (x={})",
                              id->second, describe(frame->midX())));
@@ -244,14 +275,14 @@ bool StatusBarController::reconcileDrag() {
 bool StatusBarController::endRuleOfDragged(const std::map<WindowNumber, std::string>& ids) {
     auto window = std::exchange(draggedWindow, std::nullopt);
     auto id = window ? ids.find(*window) : ids.end();
-    if (id == ids.end() || !isStored(IconRule::alwaysHide, id->second)) return false;
+    if (id == ids.end() || appState.iconRule(id->second) != IconRule::alwaysHide) return false;
     auto slot = platform.windows.slotFrame(*window);
     auto frame = services.mover.readableFrame(*window);
     bool isDropped = slot && frame && std::abs(slot->x - frame->x) <= 1.0;
     if (!isDropped || sectionManager.isBehindAlwaysHiddenDivider(slot->midX())) return false;
     rulePlaces.forget(id->second);
     sectionManager.opacity.setRule(*window, false, false);
-    appState.rules.setIconRule(IconRule::automatic, id->second);
+    appState.setIconRule(IconRule::automatic, id->second);
     return true;
 }
 
@@ -288,9 +319,9 @@ bool StatusBarController::hideIfDraggedAcross(WindowNumber window, const Rect& f
     debugLog(fmt::format("[CmdDrag] reconcile: hide wid={} {}→{} dragged={}", window,
                          describe(before), describe(now), describe(before - now)));
     auto id = ids.find(window);
-    if (id != ids.end() && isStored(IconRule::alwaysShow, id->second)) {
+    if (id != ids.end() && appState.iconRule(id->second) == IconRule::alwaysShow) {
         rulePlaces.forget(id->second);
-        appState.rules.setIconRule(IconRule::automatic, id->second);
+        appState.setIconRule(IconRule::automatic, id->second);
         debugLog("[CmdDrag] reconcile: clear alwaysShow rule for " + id->second);
     }
     return true;
@@ -300,12 +331,6 @@ bool StatusBarController::hideIfDraggedAcross(WindowNumber window, const Rect& f
 void StatusBarController::hideDragged(WindowNumber window) {
     sectionManager.opacity.setRule(window, false, false);
     sectionManager.opacity.add(ItemOpacity::Reason::stray, window);
-}
-
-bool StatusBarController::isStored(IconRule wanted, const std::string& persistedID) const {
-    IconRules rules = appState.rules.loadIconRules();
-    auto rule = rules.find(persistedID);
-    return rule != rules.end() && rule->second == wanted;
 }
 
 }  // namespace nevo

@@ -39,7 +39,7 @@ void StatusBarController::monitorPass() {
 
 /// Items read in mid-flight would be taken for drifted ones.
 bool StatusBarController::isBarInMotion() const {
-    return isDraggingMenuBarItem || isDisplayTransitioning ||
+    return isDraggingMenuBarItem || isDragSettling || isDisplayTransitioning ||
            services.mover.programmaticMoveCount() >= 1;
 }
 

@@ -70,6 +70,7 @@ void StatusBarController::applyRulesToSnapshot() {
         opacity.setRule(item.windowID, hides, shows);
         if (shows) opacity.remove(ItemOpacity::Reason::stray, item.windowID);
     }
+    applyFrontRule(all);
 }
 
 /// What the notifications of the bar may have missed.

@@ -13,6 +13,9 @@ namespace {
 constexpr int lastAttempt = 29;
 constexpr double pollInterval = 0.1;
 constexpr double stableDistance = 1.0;
+/// Programs that dock one after another keep the toggle moving; what is to be hidden mustn't wait
+/// for the last of them.
+constexpr int longEnough = 7;
 }  // namespace
 
 void StatusBarController::startFirstCollapse() {
@@ -48,6 +51,7 @@ void StatusBarController::pollStableToggle(int attempt) {
         debugLog(fmt::format("[Nevo] Attempt {}: toggleItem x={}, lastX={}, usable={}, frame={}",
                              attempt, describe(frame->x), describe(lastStableX), describe(usable),
                              describe(*frame)));
+        if (usable && attempt == longEnough) startOwnCollapse();
         if (usable && std::abs(frame->x - lastStableX) < stableDistance) {
             savedItemFrame = *frame;
             recordCanonicalToggleX();

@@ -1,5 +1,6 @@
 #include "controller/StatusBarController.h"
 
+#include "core/StoredValues.h"
 #include "core/notificationNames.h"
 #include "surfaces/PopoverContentView.h"
 
@@ -33,7 +34,10 @@ StatusBarController::StatusBarController(const Platform& desktop, AppState& stat
       alwaysHiddenArea(desktop.windows, sectionManager),
       rulePlaces(desktop, sectionManager),
       preferences(desktop.defaults),
-      checkForUpdates(std::move(updateCheck)) {
+      checkForUpdates(std::move(updateCheck)),
+      knownItems(desktop.defaults.standard()),
+      isFirstStart(!storedBool(desktop.defaults.standard(), onboardingCompletedKey)),
+      startedAt(desktop.runLoop.now()) {
     nevoBar = NevoBar::create(platform);
     lastScreenCount = platform.screens.screens().size();
     if (auto screen = platform.screens.mainScreen()) lastMainScreenFrame = screen->frame;

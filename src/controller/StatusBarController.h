@@ -1,5 +1,6 @@
 #pragma once
 
+#include <deque>
 #include <functional>
 #include <initializer_list>
 #include <map>
@@ -12,6 +13,7 @@
 #include "controller/RuleChanges.h"
 #include "core/AppState.h"
 #include "core/BarItem.h"
+#include "core/KnownItems.h"
 #include "discovery/MenuBarScanner.h"
 #include "placement/AlwaysHiddenArea.h"
 #include "placement/ItemMover.h"
@@ -176,6 +178,7 @@ private:
     void observeRules();
     static Task<> replayAfterStart(std::weak_ptr<StatusBarController> owner);
     static Task<> filterRuleChange(std::weak_ptr<StatusBarController> owner, UserInfo info);
+    void applyFrontRule(const ScannedBarItems& items);
     static std::shared_ptr<StatusBarController> carryingOut(
         const std::weak_ptr<StatusBarController>& owner, const RuleChange& change);
     static Task<> applyAutomatic(std::weak_ptr<StatusBarController> owner, RuleChange change,
@@ -206,7 +209,7 @@ private:
     /// Nothing when there are no rules.
     std::optional<ReplayPreparation> prepareReplay();
     AlwaysShowPlan planAlwaysShowPlacement();
-    SafeZone alwaysShowSafeZone(const ScannedBarItems& all) const;
+    SafeZone alwaysShowSafeZone(const ScannedBarItems& all, const Rect& toggle) const;
     void showByRule(WindowNumber window);
 
     // Changes of the row.
@@ -214,6 +217,10 @@ private:
     ScannedBarItems itemsToReturn() const;
     void applyRulesToSnapshot();
     void watchRow();
+
+    // Items that have never been in the row.
+    void noteNewItems();
+    static Task<> showNewItems(std::weak_ptr<StatusBarController> owner);
 
     // Item monitor.
     void startItemMonitor();
@@ -233,12 +240,13 @@ private:
     void tapDragged();
     /// Whether the event is a motion with which a drag of an item begins.
     bool isStartOfDrag(const Event& event);
+    void notePress(Point place);
     bool isInMenuBar(Point place) const;
     /// Opens the divider for the drag's duration and notes where everything stands. Turns the loop
     /// for a moment. The same drag calls it many times.
     void startDrag();
     void endDrag();
-    void settleDrag(bool wasDraggingToggle, std::optional<Rect> preFrame);
+    void settleDrag(bool wasDraggingToggle, std::optional<Rect> preFrame, int attempt);
     void leaveExpandedAfterDrag();
     static Task<> refreshAfterDrag(std::weak_ptr<StatusBarController> owner);
     /// Fits opacity and rules to where a person has dragged items. True if it changed anything.
@@ -246,7 +254,6 @@ private:
     bool hideIfDraggedAcross(WindowNumber window, const Rect& frame, double dividerX,
                              const std::map<WindowNumber, std::string>& ids);
     void hideDragged(WindowNumber window);
-    bool isStored(IconRule rule, const std::string& persistedID) const;
     bool endRuleOfDragged(const std::map<WindowNumber, std::string>& ids);
     std::optional<WindowNumber> itemUnder(Point mouse) const;
 
@@ -340,8 +347,13 @@ private:
 
     /// A Command-drag in the bar is being followed.
     bool isDraggingMenuBarItem = false;
+    /// It has ended, and its drop hasn't been looked at.
+    bool isDragSettling = false;
     /// Where the button went down that is held; nothing while none is, or none was heard.
     std::optional<bool> isPressInMenuBar;
+    /// What it has taken.
+    std::optional<WindowNumber> pressedItem;
+    bool isPressOnToggle = false;
     /// It began on the toggle.
     bool isDraggingNevoToggle = false;
     /// The section was closed before it, or before the one whose end still waits.
@@ -364,11 +376,22 @@ private:
     /// The row is being looked at anew, and has changed since.
     bool isTakingIn = false;
     bool hasRowChanged = false;
+    KnownItems knownItems;
+    /// Ids of those that wait to be brought out.
+    std::deque<std::string> newItems;
+    bool isShowingNewItems = false;
+    /// What was there then has not come.
+    bool hasSeenRow = false;
+    /// Nevo has never run before.
+    bool isFirstStart = false;
+    double startedAt = 0;
     /// Other programs' windows at the monitor's last look.
     std::set<WindowNumber> watchedRow;
 
     /// The application whose rule is in force.
     std::optional<std::string> appRuleActiveForBundleID;
+    /// That rule, for items that come meanwhile.
+    AppRule frontRule;
     /// Goes up with each restore.
     int appRuleGeneration = 0;
 

@@ -183,6 +183,11 @@ void StatusBarController::expandHiddenSection() {
 }
 
 void StatusBarController::expandAndClickItem(const BarItem& item) {
+    // No open section shows it.
+    if (pinnedWindows().contains(item.windowID)) {
+        bringOut(item.persistedID);
+        return;
+    }
     debugLog(fmt::format("[Nevo] expandAndClickItem wid={} — expanding for user interaction",
                          item.windowID));
     hasUserToggled = true;

@@ -1,5 +1,6 @@
 #include "core/AppState.h"
 
+#include <algorithm>
 #include <utility>
 
 #include "core/MenuBarIcon.h"
@@ -70,6 +71,42 @@ void AppState::setSnapshotItems(std::vector<SnapshotItem> value) {
 void AppState::setActiveAppBundleID(std::string value) {
     objectWillChange.send();
     activeApp = std::move(value);
+}
+
+std::optional<MatchedRule> AppState::matchedRule(const IconRules& of,
+                                                 const std::string& persistedID) const {
+    ScannedBarItems all;
+    for (const SnapshotItem& each : snapshot) {
+        ScannedBarItem& item = all.emplace_back();
+        item.persistedID = each.id;
+        item.bundleID = each.bundleID;
+        item.label = each.label;
+    }
+    auto item = std::find_if(all.begin(), all.end(), [&](const ScannedBarItem& each) {
+        return each.persistedID == persistedID;
+    });
+    if (item != all.end()) return matchIconRule(*item, of, all);
+    auto exact = of.find(persistedID);
+    return exact == of.end() ? std::nullopt : std::optional<MatchedRule>(*exact);
+}
+
+AppState::IconRule AppState::iconRule(const std::string& persistedID) const {
+    auto match = matchedRule(rules.loadIconRules(), persistedID);
+    return match ? match->second : IconRule::automatic;
+}
+
+void AppState::setIconRule(IconRule rule, const std::string& persistedID) {
+    if (rule == IconRule::automatic) {
+        // What the item's own rule has covered would hold it next.
+        IconRules stored = rules.loadIconRules();
+        bool hasOthers = false;
+        while (auto match = matchedRule(stored, persistedID)) {
+            hasOthers = hasOthers || match->first != persistedID;
+            stored.erase(match->first);
+        }
+        if (hasOthers) rules.saveIconRules(stored);
+    }
+    rules.setIconRule(rule, persistedID);
 }
 
 std::string AppState::displayMode() const { return stringSetting(displayModeKey, "push"); }

@@ -97,6 +97,12 @@ public:
     std::optional<Image> menuBarIconImage() const;
     bool hasCustomIcon() const;
 
+    /// The rule for an item of the bar, also one that is stored under its application or under a
+    /// name that it had before.
+    IconRule iconRule(const std::string& persistedID) const;
+    /// Sets it under the item's own id. `automatic` takes away every rule that holds the item.
+    void setIconRule(IconRule rule, const std::string& persistedID);
+
     void selectMenuBarIcon(const std::string& name);
     /// Nothing takes the custom icon away.
     void setCustomIcon(std::optional<Bytes> data);
@@ -108,6 +114,8 @@ public:
     void applyIconSpacing();
 
 private:
+    std::optional<MatchedRule> matchedRule(const IconRules& of,
+                                           const std::string& persistedID) const;
     struct CustomIcon {
         Bytes data;
         std::optional<Image> image;

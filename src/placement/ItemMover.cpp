@@ -74,21 +74,27 @@ Task<bool> ItemMover::moveItem(WindowNumber windowID, Point target) {
 
 ItemMover::Place ItemMover::placeAt(WindowNumber windowID, double targetX) const {
     Place place{windowID, {}};
+    // The row's rule at a drop: before the first that isn't further left. What has given way is
+    // where the order has it, not where it stands.
+    bool isLeft = true;
     for (const RowSlot& slot : rowSlots(platform.windows)) {
-        if (slot.window != windowID) place.isLeft[slot.window] = slot.frame.midX() < targetX;
+        if (slot.window == windowID) continue;
+        isLeft = isLeft && (slot.hasGivenWay || slot.frame.midX() < targetX);
+        place.isLeft[slot.window] = isLeft;
     }
     return place;
 }
 
 /// Items that have come or gone meanwhile don't count.
 bool ItemMover::hasArrived(const Place& place) const {
-    auto own = platform.windows.slotFrame(place.windowID);
-    if (!own) return false;
-    std::vector<RowSlot> slots = rowSlots(platform.windows);
-    return std::all_of(slots.begin(), slots.end(), [&](const RowSlot& slot) {
+    bool isLeft = true;
+    bool asWanted = true;
+    for (const RowSlot& slot : rowSlots(platform.windows)) {
+        if (slot.window == place.windowID) isLeft = false;
         auto wanted = place.isLeft.find(slot.window);
-        return wanted == place.isLeft.end() || wanted->second == (slot.frame.midX() < own->midX());
-    });
+        if (wanted != place.isLeft.end()) asWanted = asWanted && wanted->second == isLeft;
+    }
+    return asWanted && !isLeft;
 }
 
 ItemMover::Attempt ItemMover::dragOnce(EventSource& source, const Place& place, int number,

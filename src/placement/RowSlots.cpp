@@ -1,6 +1,7 @@
 #include "placement/RowSlots.h"
 
 #include <algorithm>
+#include <limits>
 
 namespace nevo {
 
@@ -22,9 +23,11 @@ std::vector<RowSlot> rowSlots(const WindowServer& windows) {
         auto frame = windows.slotFrame(window);
         if (frame && !frame->isEmpty()) slots.push_back({window, *frame});
     }
-    std::stable_sort(slots.begin(), slots.end(), [](const RowSlot& a, const RowSlot& b) {
-        return a.frame.midX() < b.frame.midX();
-    });
+    double standingX = std::numeric_limits<double>::infinity();
+    for (auto slot = slots.rbegin(); slot != slots.rend(); ++slot) {
+        slot->hasGivenWay = slot->frame.x > standingX;
+        if (!slot->hasGivenWay) standingX = slot->frame.x;
+    }
     return slots;
 }
 

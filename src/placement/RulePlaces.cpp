@@ -6,6 +6,9 @@ namespace nevo {
 
 namespace {
 
+/// A larger one would be a mark: hide this item always.
+constexpr double largestPosition = 4999.0;
+
 std::optional<WindowNumber> windowOf(StatusItem& item) {
     StatusItemButton* button = item.button();
     return button ? button->windowNumber() : std::nullopt;
@@ -99,7 +102,7 @@ std::vector<std::string> RulePlaces::formerSide(const std::vector<RowSlot>& slot
 std::optional<double> RulePlaces::position(const std::string& persistedID) const {
     auto place = places.find(persistedID);
     if (!place || !(place->position > 0)) return std::nullopt;
-    return place->position;
+    return std::min(place->position, largestPosition);
 }
 
 std::optional<Point> RulePlaces::target(WindowNumber window, const Ids& ids) const {
@@ -112,7 +115,7 @@ std::optional<Point> RulePlaces::target(WindowNumber window, const Ids& ids) con
             const RowSlot& slot = row.slots[i];
             auto found = ids.find(slot.window);
             bool isIt = found != ids.end() && found->second == wanted && slot.window != window &&
-                        (i < row.toggle) == place->isHidden &&
+                        (i < row.toggle) == place->isHidden && !slot.hasGivenWay &&
                         !sections.isBehindAlwaysHiddenDivider(slot.frame.midX());
             if (isIt) return &slot;
         }

@@ -83,9 +83,11 @@ ScannedBarItems SectionManager::scopedToScreen(const ScannedBarItems& items,
     for (const ScannedBarItem& item : items) {
         double x = item.centerX;
         // Off every screen an item is in this bar, which has no room for it.
-        bool isOff =
-            x < screen->frame.minX() &&
-            std::none_of(all.begin(), all.end(), [&](const Screen& each) { return isOn(each, x); });
+        // Another screen may be there.
+        bool isOff = x < screen->frame.minX() &&
+                     (platform.windows.slotFrame(item.windowID) ||
+                      std::none_of(all.begin(), all.end(),
+                                   [&](const Screen& each) { return isOn(each, x); }));
         if (isOn(*screen, x) || isOff || isBehindAlwaysHiddenDivider(x)) kept.push_back(item);
     }
     if (kept.size() < items.size()) {

@@ -37,8 +37,9 @@ public:
 
     /// `CGSGetWindowCount`; nothing on failure.
     virtual std::optional<int> windowCount() const = 0;
-    /// The item windows of all programs' menu bars, at most `capacity` of them
-    /// (`CGSGetProcessMenuBarWindowList`); nothing on failure.
+    /// The item windows of all programs' menu bars, at most `capacity` of them, those of the row
+    /// first and in its order, left to right (`CGSGetProcessMenuBarWindowList`); nothing on
+    /// failure.
     virtual std::optional<std::vector<WindowNumber>> menuBarWindowList(int capacity) const = 0;
     /// `CGSGetWindowLevel`: 25 for a status item, 24 for the bar itself; nothing on failure.
     virtual std::optional<int> windowLevel(WindowNumber window) const = 0;

@@ -71,10 +71,10 @@ Lines formerNames(Stage& stage) {
 }
 
 Lines clearRules(Stage& stage) {
-    auto* rules = stage.run.rules();
-    if (rules == nullptr) return {};
+    auto* state = stage.run.state();
+    if (state == nullptr) return {};
     Lines lines;
-    for (const auto& [id, rule] : rules->loadIconRules()) {
+    for (const auto& [id, rule] : state->rules.loadIconRules()) {
         if (stage.random.chance(70)) lines.push_back(fmt::format("rule {} auto", quoted(id)));
     }
     return lines;

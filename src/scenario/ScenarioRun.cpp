@@ -110,9 +110,9 @@ std::shared_ptr<NevoApp> ScenarioRun::nevo() const {
     return world.application.isRunning() ? app.lock() : nullptr;
 }
 
-RuleStore* ScenarioRun::rules() {
+AppState* ScenarioRun::state() {
     auto held = nevo();
-    return held ? &held->delegate().state().rules : nullptr;
+    return held ? &held->delegate().state() : nullptr;
 }
 
 OnboardingCoordinator* ScenarioRun::firstRun() {

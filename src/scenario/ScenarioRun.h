@@ -3,7 +3,7 @@
 #include <functional>
 #include <optional>
 
-#include "core/RuleStore.h"
+#include "core/AppState.h"
 #include "platform/sim/SimDesktop.h"
 #include "scenario/Scenario.h"
 #include "surfaces/OnboardingCoordinator.h"
@@ -46,8 +46,8 @@ public:
     bool toggle();
     /// The program while it runs, else nullptr.
     std::shared_ptr<NevoApp> nevo() const;
-    /// The program's rules, as its settings change them; nullptr when the program doesn't run.
-    RuleStore* rules();
+    /// The program's state, as its settings change it; nullptr when the program doesn't run.
+    AppState* state();
     /// The program's first-run flow; nullptr when the program doesn't run.
     OnboardingCoordinator* firstRun();
     /// Whether the lines are being run from inside an open menu.

@@ -49,9 +49,9 @@ Step readRule(LineReader& reader) {
     std::string id = reader.word("ID");
     std::string raw = reader.choice("the rule", {"auto", "alwaysShow", "alwaysHide"});
     return [=](ScenarioRun& run) {
-        RuleStore* rules = run.rules();
-        if (rules == nullptr) return notRunning();
-        rules->setIconRule(*iconRuleFrom(raw), id);
+        AppState* state = run.state();
+        if (state == nullptr) return notRunning();
+        state->setIconRule(*iconRuleFrom(raw), id);
         return Outcome{};
     };
 }
@@ -69,9 +69,9 @@ Step readAppRule(LineReader& reader) {
         }
     }
     return [=](ScenarioRun& run) {
-        RuleStore* rules = run.rules();
-        if (rules == nullptr) return notRunning();
-        rules->setAppRule(rule, bundleID);
+        AppState* state = run.state();
+        if (state == nullptr) return notRunning();
+        state->rules.setAppRule(rule, bundleID);
         return Outcome{};
     };
 }

@@ -82,11 +82,9 @@ void ShelfController::onSelect(std::size_t index, const BarItem& item) {
     const RuleOption& option = ruleOptions[index];
     debugLog(
         fmt::format("[Shelf] context menu applied: {} for {}", text(option.key), item.persistedID));
-    IconRules rules = appState.rules.loadIconRules();
-    auto stored = rules.find(item.persistedID);
-    IconRule current = stored == rules.end() ? IconRule::automatic : stored->second;
-    if (option.rule == current) appState.rules.setIconRule(IconRule::automatic, item.persistedID);
-    appState.rules.setIconRule(option.rule, item.persistedID);
+    IconRule current = appState.iconRule(item.persistedID);
+    if (option.rule == current) appState.setIconRule(IconRule::automatic, item.persistedID);
+    appState.setIconRule(option.rule, item.persistedID);
     dismissShelf();
     switch (option.rule) {
         case IconRule::automatic:

@@ -25,7 +25,6 @@ RulesSettingsTab::RulesSettingsTab(const SettingsServices& given, const MenuBarI
     : services(given), list(of) {}
 
 Control RulesSettingsTab::content() const {
-    IconRules rules = services.appState.rules.loadIconRules();
     Control section = sectionOf(
         "settings.rules.menu_bar_icons.section_title",
         {rowOf({textOf("settings.rules.menu_bar_icons.column_icon", Control::TextStyle::note),
@@ -37,9 +36,7 @@ Control RulesSettingsTab::content() const {
                                               : "settings.rules.menu_bar_icons.scanning_status"));
     }
     for (const MenuBarIconItem& item : list.items()) {
-        auto rule = rules.find(item.id);
-        section.children.push_back(
-            rowOfItem(item, rule == rules.end() ? IconRule::automatic : rule->second));
+        section.children.push_back(rowOfItem(item, services.appState.iconRule(item.id)));
     }
     return columnOf({section});
 }
@@ -60,7 +57,7 @@ Control RulesSettingsTab::rowOfItem(const MenuBarIconItem& item, IconRule rule) 
     if (rule != IconRule::automatic) {
         Control remove =
             buttonOf("remove-rule " + item.id, [&state = services.appState, id = item.id] {
-                state.rules.setIconRule(IconRule::automatic, id);
+                state.setIconRule(IconRule::automatic, id);
             });
         remove.title = fmt::format(
             fmt::runtime(text("settings.rules.menu_bar_icons.remove_format")), item.label);
@@ -81,7 +78,7 @@ Control RulesSettingsTab::picker(const MenuBarIconItem& item, IconRule rule) con
         {std::move(withoutRule), optionOf(rawValue(IconRule::alwaysShow), "icon_rule.always_show"),
          optionOf(rawValue(IconRule::alwaysHide), "icon_rule.always_hide")},
         std::move(selected), [&state = services.appState, id = item.id](const std::string& value) {
-            state.rules.setIconRule(iconRuleFrom(value).value_or(IconRule::automatic), id);
+            state.setIconRule(iconRuleFrom(value).value_or(IconRule::automatic), id);
         });
     made.title = item.label;
     made.hidesTitle = true;

@@ -2,6 +2,7 @@
 
 #include <fmt/format.h>
 
+#include <algorithm>
 #include <cmath>
 
 namespace nevo {
@@ -47,11 +48,17 @@ std::optional<int> SimWindowServer::windowCount() const {
 
 std::optional<std::vector<WindowNumber>> SimWindowServer::menuBarWindowList(int capacity) const {
     if (faults.strikes(SimOperation::menuBarWindowList)) return std::nullopt;
-    std::vector<WindowNumber> result;
+    std::vector<WindowNumber> result = bar.order();
     for (const auto& [number, window] : windows.all()) {
-        bool listed = window.inMenuBarList && window.mapped;
-        if (listed && static_cast<int>(result.size()) < capacity) result.push_back(number);
+        if (std::find(result.begin(), result.end(), number) == result.end())
+            result.push_back(number);
     }
+    std::erase_if(result, [this](WindowNumber number) {
+        const SimWindow* window = windows.find(number);
+        return window == nullptr || !window->inMenuBarList || !window->mapped;
+    });
+    if (result.size() > static_cast<std::size_t>(capacity))
+        result.resize(static_cast<std::size_t>(capacity));
     return result;
 }
 
