@@ -19,6 +19,7 @@ void StatusBarController::updateSnapshot(const ScannedBarItems& items, bool skip
         hiddenBundles.insert(item.bundleID);
     appState.setHiddenBundleIDs(std::move(hiddenBundles));
     appState.setSnapshotItems(snapshotItemsOf(items));
+    noteNewItems();
 }
 
 /// Tells which rules the items' places don't fit; positions never change a rule here.
