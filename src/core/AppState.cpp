@@ -96,17 +96,14 @@ AppState::IconRule AppState::iconRule(const std::string& persistedID) const {
 }
 
 void AppState::setIconRule(IconRule rule, const std::string& persistedID) {
-    if (rule == IconRule::automatic) {
-        // What the item's own rule has covered would hold it next.
-        IconRules stored = rules.loadIconRules();
-        bool hasOthers = false;
-        while (auto match = matchedRule(stored, persistedID)) {
-            hasOthers = hasOthers || match->first != persistedID;
-            stored.erase(match->first);
-        }
-        if (hasOthers) rules.saveIconRules(stored);
-    }
     rules.setIconRule(rule, persistedID);
+    if (rule != IconRule::automatic) return;
+    // What it has covered would hold the item next.
+    for (std::size_t left = rules.loadIconRules().size(); left > 0; --left) {
+        auto match = matchedRule(rules.loadIconRules(), persistedID);
+        if (!match) return;
+        rules.setIconRule(rule, match->first);
+    }
 }
 
 std::string AppState::displayMode() const { return stringSetting(displayModeKey, "push"); }
