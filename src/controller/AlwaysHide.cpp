@@ -159,6 +159,8 @@ Task<> StatusBarController::arrangeAlwaysHidden(std::weak_ptr<StatusBarControlle
             if (!window || !end) break;
             WindowNumber moving = *window;
             Point target = *end;
+            // Its rule may have been stored a moment ago, and its turn not have come yet.
+            self->rulePlaces.remember(moving, self->snapshotIDs());
             self.reset();
             bool moved = co_await mover.reorderInPlace(moving, target);
             self = owner.lock();
@@ -175,9 +177,10 @@ bool StatusBarController::mustArrangeAlwaysHidden() const {
     std::set<WindowNumber> pinned = pinnedWindows();
     bool isUp = sectionManager.alwaysHiddenDivider->isVisible();
     if (pinned.empty() && !hasAlwaysHideRule()) return isUp;
-    // Where no item has to be moved, the divider is put right at once.
-    if (alwaysHiddenArea.misplaced(pinned)) return platform.runLoop.now() >= arrangeAgainAt;
-    return !alwaysHiddenArea.isDividerInPlace(pinned);
+    // Only moves are backed off from: the divider is put right at once.
+    bool mayMove = platform.runLoop.now() >= arrangeAgainAt;
+    return (mayMove && alwaysHiddenArea.misplaced(pinned)) ||
+           !alwaysHiddenArea.isDividerInPlace(pinned);
 }
 
 void StatusBarController::updateAlwaysHiddenDivider() {

@@ -65,15 +65,18 @@ bool AlwaysHiddenArea::isDividerInPlace(const std::set<WindowNumber>& pinned) co
     if (!divider || !SectionManager::isCollapsed(*sections.alwaysHiddenDivider)) return false;
     // It stays until the row can be read again.
     if (!isRowReadable(windows)) return true;
-    bool isLeft = true;
+    bool isPast = false;
     for (const RowSlot& slot : rowSlots(windows)) {
         if (slot.window == divider) {
-            isLeft = false;
-        } else if (!isDivider(slot) && pinned.contains(slot.window) != isLeft) {
-            return false;
+            isPast = true;
+        } else if (!isDivider(slot)) {
+            bool isPinned = pinned.contains(slot.window);
+            // One further right couldn't be moved.
+            if (isPast) return !isPinned;
+            if (!isPinned) return false;
         }
     }
-    return !isLeft;
+    return isPast;
 }
 
 }  // namespace nevo

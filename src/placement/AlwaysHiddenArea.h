@@ -20,10 +20,10 @@ public:
     std::optional<Point> leftEnd(const std::set<WindowNumber>& pinned) const;
     /// One of `pinned` that stands right of another item; nothing when all stand at the left end.
     std::optional<WindowNumber> misplaced(const std::set<WindowNumber>& pinned) const;
-    /// The saved position with which the divider comes to stand directly right of them: a point
-    /// more than all that stands there is wide.
+    /// The saved position with which the divider comes to stand directly right of those that stand
+    /// at the left end: a point more than all that stands further right is wide.
     double dividerPosition(const std::set<WindowNumber>& pinned) const;
-    /// Whether the divider is up and has all of `pinned`, and no other item, to its left.
+    /// Whether the divider is up, with no other item to its left, and directly right of `pinned`.
     bool isDividerInPlace(const std::set<WindowNumber>& pinned) const;
 
 private:
