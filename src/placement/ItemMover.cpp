@@ -18,6 +18,8 @@ constexpr int maxAttempts = 4;
 constexpr double mouseDownDelay = 0.020;
 constexpr double dragStepDelay = 0.015;
 constexpr double completionDelay = 0.100;
+/// A bar may take its time to lay out; after so many looks it has refused.
+constexpr int mostLooks = 8;
 constexpr double warpSettle = 0.005;
 constexpr double cursorRestoreSettle = 0.010;
 /// How long after a move its late events may still arrive.
@@ -215,8 +217,11 @@ Task<bool> ItemMover::offscreenSyntheticDrag(WindowNumber windowID, Point target
         // Blocking, so that a cancelled task can't leave the button pressed or hurry the drag.
         platform.runLoop.blockFor(offscreenStepDelay);
     }
-    co_await sleep(completionDelay);
-    bool arrived = hasArrived(place);
+    bool arrived = false;
+    for (int look = 0; look < mostLooks && !arrived; ++look) {
+        co_await sleep(completionDelay);
+        arrived = hasArrived(place);
+    }
     endProgrammaticMove();
     co_return arrived;
 }
