@@ -98,6 +98,10 @@ int main(int count, char** words) {
         return 0;
     }
     fmt::print(stderr, "{}", failureReport(options.seed, result));
-    if (options.shrink) printLines(shrunk(result.played, *result.broken));
+    if (options.shrink) {
+        RandomResult again = replay(shrunk(result.played, *result.broken));
+        printLines(again.played);
+        if (again.broken) fmt::print("# {}\n", again.broken->message);
+    }
     return invariantBroken;
 }

@@ -6,6 +6,7 @@
 #include <algorithm>
 
 #include "core/notificationNames.h"
+#include "discovery/ItemIdentity.h"
 #include "entry/NevoApp.h"
 
 namespace nevo {
@@ -42,6 +43,12 @@ void Invariants::noteRule(const Notification& told) {
     auto raw = told.userInfo.find("rule");
     if (id == told.userInfo.end() || raw == told.userInfo.end()) return;
     expectedRules.erase(id->second);
+    touchedRules.insert(id->second);
+    // One that no item has is taken for any of its program.
+    if (!seenIds().contains(id->second)) touchedRules.insert(lastPartOfID(id->second));
+    for (const ScannedBarItem& item : seenItems()) {
+        if (item.persistedID == id->second) touchedWindows.insert(item.windowID);
+    }
     IconRule rule = iconRuleFrom(raw->second).value_or(IconRule::automatic);
     if (rule != IconRule::automatic) expectedRules[id->second] = rule;
 }
@@ -61,6 +68,8 @@ void Invariants::noteTrace(const std::string& line) {
     // What is done, and what Nevo says to it; the rest is the desktop's.
     bool isStored = has(line, "nevo_icon_rules") || has(line, "nevo_app_rules");
     rulesWritten = rulesWritten || isStored;
+    placesChanged = placesChanged || has(line, "nevo_rule_places");
+    noteHand(line);
     if (!has(line, "  >  ") && !has(line, "  log  ")) return;
     for (const char* outside : {"set nevo nevo_icon_rules", "set nevo nevo_app_rules"}) {
         if (has(line, outside)) rulesWrittenOutside = true;
@@ -83,10 +92,7 @@ void Invariants::noteReason(const std::string& line) {
     for (const char* reason :
          {"[Nevo] Screen configuration changed", "[Rules] skip duplicate auto",
           "set nevo nevo_icon_rules", "[Rules] handleRuleChange: item not found even after"}) {
-        if (!has(line, reason)) continue;
-        for (WindowNumber window : desktop.bar.order()) {
-            if (desktop.windows.find(window)->alpha < 1) hiddenWithReason.insert(window);
-        }
+        if (has(line, reason)) noteTransparent();
     }
     for (const char* reason : {"[CmdDrag] reconcile: hide wid=", "[ItemMonitor] alpha-hide wid=",
                                "[Rules] auto (collapsed): keep hidden wid=", "[AppRule] Hide "}) {
@@ -98,12 +104,19 @@ void Invariants::noteReason(const std::string& line) {
     if (has(line, "[AppRule] Restoring overrides")) hiddenWithReason.merge(shownForNow);
 }
 
+void Invariants::noteTransparent() {
+    for (WindowNumber window : desktop.bar.order()) {
+        if (desktop.windows.find(window)->alpha < 1) hiddenWithReason.insert(window);
+    }
+}
+
 std::optional<Broken> Invariants::afterLine() {
     noteStart();
     if (auto broken = checkClock()) return broken;
     if (auto broken = checkCursor()) return broken;
     if (auto broken = checkRow()) return broken;
     if (auto broken = checkRules()) return broken;
+    if (auto broken = checkOrder()) return broken;
     return checkEnd();
 }
 
@@ -194,6 +207,7 @@ std::optional<Broken> Invariants::checkRules() {
     IconRules stored = store.loadIconRules();
     AppRules ofPrograms = store.loadAppRules();
     if (std::exchange(rulesWrittenOutside, false)) {
+        for (const auto& [id, rule] : expectedRules) touchedRules.insert(id);
         expectedRules = stored;
         expectedAppRules = ofPrograms;
     }

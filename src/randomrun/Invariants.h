@@ -6,6 +6,7 @@
 #include <vector>
 
 #include "core/RuleStore.h"
+#include "randomrun/LastingOrder.h"
 #include "scenario/ScenarioRun.h"
 #include "shelf/ShelfController.h"
 
@@ -46,7 +47,10 @@ private:
     void noteRule(const Notification& told);
     void noteAppRule(const Notification& told);
     void noteReason(const std::string& line);
+    void noteTransparent();
     void noteShelf(const std::string& line);
+    void noteHand(const std::string& line);
+    void notePosition(const std::string& text);
     void noteStart();
 
     void noteBundles(const std::vector<WindowNumber>& order);
@@ -54,20 +58,20 @@ private:
     std::optional<Broken> checkClock();
     std::optional<Broken> checkCursor() const;
     std::optional<Broken> checkRow();
+    std::optional<Broken> checkOrder();
     std::optional<Broken> checkRules();
     std::optional<Broken> checkEnd();
     std::optional<Broken> checkState();
     std::optional<Broken> checkToggle() const;
     std::optional<Broken> checkTransparency() const;
     std::optional<Broken> checkPinned() const;
+    std::optional<Broken> checkRoom() const;
     std::optional<Broken> checkOpenSection();
     std::optional<Broken> checkShelf();
     std::optional<Broken> checkDecoys() const;
     std::optional<Broken> checkPresentation();
     std::optional<Broken> checkGrowth() const;
 
-    /// Whether nothing but Nevo's own doing can have put the toggle off the screen.
-    bool mustBeInReach(WindowNumber toggle) const;
     const ShelfController* shelf() const;
     /// Whether the shelf, or the bar that a program's rule opens, can be seen.
     bool isBarShown() const;
@@ -78,6 +82,15 @@ private:
     bool mustAnswerInPushMode() const;
     bool mustAnswerInShelfMode() const;
     bool isRuledHidden(WindowNumber window) const;
+    bool isHiddenInFront(WindowNumber window) const;
+    std::set<std::string> idsWithRules() const;
+    bool isMovedByRule(WindowNumber window, const std::set<std::string>& ruled) const;
+    std::vector<WindowNumber> claimsToRoom() const;
+    std::string describedRow() const;
+    int readFailures() const;
+    bool isMarked(const SimBar::Item& item) const;
+    ScannedBarItems seenItems() const;
+    std::set<std::string> seenIds() const;
     bool isSomethingToHide() const;
     bool isAnythingTransparent() const;
     /// Items that can't be seen now that Nevo has gone.
@@ -98,6 +111,27 @@ private:
     RuleStore store;
     Registration ruleObserver;
     Registration appRuleObserver;
+
+    LastingOrder rowOrder;
+    std::vector<WindowNumber> lastRow;
+    /// The label of the item that a hand drags, and of those that were dropped.
+    std::string inHand;
+    std::set<std::string> movedFreely;
+    std::set<std::string> movedByNevo;
+    /// As they were when Nevo was last at rest.
+    int readFailuresAtRest = 0;
+    int moveFailuresAtRest = 0;
+    /// Domains and names of items that have a place elsewhere when they come.
+    std::set<std::pair<std::string, std::string>> positionsWritten;
+    /// Ids of items that a rule has moved and that haven't gone back yet.
+    std::vector<std::string> idsAway;
+    bool placesChanged = false;
+    /// Ids whose rule has changed, or that have gone back, since Nevo was last at rest.
+    std::set<std::string> touchedRules;
+    /// As Nevo has scanned them since it was last at rest, or before.
+    std::map<WindowNumber, std::set<std::string>> idsOfWindows;
+    /// The items that had those ids then.
+    std::set<WindowNumber> touchedWindows;
 
     bool wasRunning = false;
     /// Nevo has quit: when what it left behind is to be looked at.

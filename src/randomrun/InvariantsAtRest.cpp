@@ -25,11 +25,16 @@ bool Invariants::isAtRest() const {
                      desktop.loop.programWorkCount() == 0);
 }
 
-/// Right of a toggle that somebody has put out of its place there may be no room for items that are
-/// to be shown: Nevo tries again without end.
+/// Where there is no room right of the toggle for items that are to be shown, or their places can't
+/// be read, Nevo tries again without end.
 bool Invariants::mustComeToRest() const {
     SimStatusItem* toggle = run.ownItem("toggle");
-    return toggle == nullptr || mustBeInReach(toggle->window());
+    bool isHeld = desktop.screens.displays().empty() || desktop.bar.isDragging();
+    if (toggle == nullptr || isHeld) return toggle == nullptr;
+    if (ownPlacesWritten || desktop.bar.find(toggle->window())->floating) return false;
+    double room = *desktop.bar.systemAreaLeft() - desktop.screens.displays().front().frame.minX();
+    for (WindowNumber window : claimsToRoom()) room -= desktop.bar.find(window)->length;
+    return room >= 0;
 }
 
 /// The replay of rules waits for a first scan without end, and an item that was brought out for a
@@ -42,11 +47,19 @@ std::size_t Invariants::mostTasks() const {
 std::optional<Broken> Invariants::atRest() {
     auto nevo = run.nevo();
     if (!nevo || nevo->delegate().controller() == nullptr) return std::nullopt;
+    touchedRules.clear();
+    touchedWindows.clear();
+    idsOfWindows.clear();
+    for (const ScannedBarItem& item : seenItems())
+        idsOfWindows[item.windowID].insert(item.persistedID);
     if (auto broken = checkState()) return broken;
     if (auto broken = checkToggle()) return broken;
     if (auto broken = checkTransparency()) return broken;
     if (auto broken = checkPinned()) return broken;
+    if (auto broken = checkRoom()) return broken;
     if (auto broken = checkOpenSection()) return broken;
+    readFailuresAtRest = readFailures();
+    moveFailuresAtRest = moveFailures();
     if (auto broken = checkShelf()) return broken;
     if (auto broken = checkDecoys()) return broken;
     if (auto broken = checkPresentation()) return broken;
@@ -81,24 +94,12 @@ std::optional<Broken> Invariants::checkToggle() const {
     if (!toggle->isVisible() || !button.isEnabled() || button.isHidden() || button.alpha() < 1) {
         return Broken{"toggle", "the toggle can't be seen or clicked"};
     }
-    if (desktop.bar.isOnScreen(toggle->window()) || !mustBeInReach(toggle->window()))
-        return std::nullopt;
+    // A bar that obeys moves of Nevo's own items takes them anywhere.
+    bool isHeld = desktop.screens.displays().empty() || desktop.bar.isDragging() ||
+                  desktop.bar.find(toggle->window())->floating;
+    if (isHeld || desktop.bar.isOnScreen(toggle->window())) return std::nullopt;
     return Broken{"toggle", fmt::format("the toggle stands at {}, off the screen",
                                         desktop.windows.find(toggle->window())->frame.x)};
-}
-
-/// Somebody else's writing can put the toggle left of its own divider, and a crowd of wide items
-/// can push it away. A bar that obeys moves of Nevo's own items takes them anywhere.
-bool Invariants::mustBeInReach(WindowNumber toggle) const {
-    bool readable = !desktop.screens.displays().empty() && !desktop.bar.isDragging();
-    if (!readable || ownPlacesWritten || desktop.bar.find(toggle)->floating) return false;
-    double room = desktop.screens.displays().front().frame.width - SimBar::systemAreaWidth;
-    std::vector<WindowNumber> order = desktop.bar.order();
-    for (auto at = std::find(order.begin(), order.end(), toggle); at != order.end(); ++at) {
-        double length = desktop.bar.find(*at)->length;
-        if (length < MenuBarRow::collapsedLength) room -= length;
-    }
-    return room >= 0;
 }
 
 std::optional<Broken> Invariants::checkTransparency() const {
@@ -119,9 +120,14 @@ std::optional<Broken> Invariants::checkTransparency() const {
 /// An item that a rule always hides is seen only where the user, or the rule of the program in
 /// front, has brought it out. Its id is the one that the settings list shows.
 std::optional<Broken> Invariants::checkPinned() const {
-    if (desktop.faults.struckCount(SimOperation::setWindowAlpha) > alphaFailuresAtStart)
+    if (desktop.faults.struckCount(SimOperation::setWindowAlpha) > alphaFailuresAtStart ||
+        readFailures() > readFailuresAtRest)
         return std::nullopt;
     const SectionManager& sections = run.nevo()->delegate().controller()->sections();
+    std::set<std::string> shown;
+    for (const auto& [id, rule] : expectedRules) {
+        if (rule == IconRule::alwaysShow) shown.insert(id);
+    }
     for (const auto& [section, items] : sections.lastExpandedSnapshot) {
         for (const ScannedBarItem& item : items) {
             auto rule = expectedRules.find(item.persistedID);
@@ -131,6 +137,8 @@ std::optional<Broken> Invariants::checkPinned() const {
             if (!isPinned || window == nullptr || window->alpha == 0) continue;
             // An ordinary window may be listed among the bar's for a while.
             if (desktop.bar.find(item.windowID) == nullptr) continue;
+            // A later rule, under a name that no item has, may have been taken for this one's.
+            if (isMovedByRule(item.windowID, shown)) continue;
             bool isOut = sections.opacity.has(ItemOpacity::Reason::broughtOut, item.windowID) ||
                          sections.opacity.has(ItemOpacity::Reason::shownInFront, item.windowID);
             if (isOut || !desktop.bar.isOnScreen(item.windowID)) continue;
@@ -142,6 +150,8 @@ std::optional<Broken> Invariants::checkPinned() const {
 
 /// Where the section is open, an item is seen unless there is a reason.
 std::optional<Broken> Invariants::checkOpenSection() {
+    // Of an item that couldn't be told from others the rule is found again with the next scan.
+    if (readFailures() > readFailuresAtRest) noteTransparent();
     const AppState& state = run.nevo()->delegate().state();
     bool open = state.isExpanded() && run.ownItem("divider")->length() == 0;
     if (!open || isShelfMode(desktop.screens, state)) return std::nullopt;
@@ -149,12 +159,18 @@ std::optional<Broken> Invariants::checkOpenSection() {
     for (WindowNumber window : desktop.bar.order()) {
         if (desktop.windows.find(window)->alpha >= 1) {
             hiddenWithReason.erase(window);
-        } else if (!refused && !hiddenWithReason.contains(window) && !isRuledHidden(window)) {
+        } else if (!refused && !isHiddenInFront(window) && !hiddenWithReason.contains(window) &&
+                   !isRuledHidden(window)) {
             return Broken{"unexplained", fmt::format("{} is transparent for no reason",
                                                      desktop.bar.find(window)->label)};
         }
     }
     return std::nullopt;
+}
+
+bool Invariants::isHiddenInFront(WindowNumber window) const {
+    const SectionManager& sections = run.nevo()->delegate().controller()->sections();
+    return sections.opacity.has(ItemOpacity::Reason::hiddenInFront, window);
 }
 
 /// Any rule for its program counts, since ids change with an item's names. Where a program has had

@@ -99,6 +99,62 @@ TEST_F(InvariantsTest, InAnOpenSectionAnItemIsHiddenForAReasonOnly) {
     EXPECT_EQ(atRest(), "");
 }
 
+TEST_F(InvariantsTest, TheOrderChangesByAHandOrForARuleOnly) {
+    SimItemPlan plan;
+    plan.label = "more";
+    plan.name = "More";
+    desktop.applications.addItem("mail", plan);
+    run.pass(3);
+    open();
+    EXPECT_EQ(afterLine(), "");
+    auto dragBeyondLetters = [&](double x) {
+        desktop.bar.beginDrag(desktop.applications.findItem("more")->window, {1, 12}, false);
+        desktop.bar.endDrag({x, 12});
+        run.pass(3);
+    };
+    dragBeyondLetters(1279);
+    EXPECT_EQ(afterLine(), "order");
+    EXPECT_EQ(afterLine(), "");
+    // Also while the other one is away.
+    desktop.applications.kill("mail");
+    EXPECT_EQ(afterLine(), "");
+    desktop.applications.launch("mail");
+    run.pass(3);
+    EXPECT_EQ(afterLine(), "");
+    dragBeyondLetters(1);
+    EXPECT_EQ(afterLine(), "order");
+    state().rules.setIconRule(IconRule::alwaysShow, "More >>> com.example.mail");
+    dragBeyondLetters(1279);
+    EXPECT_EQ(afterLine(), "");
+}
+
+TEST_F(InvariantsTest, WhatFindsRoomIsInTheBar) {
+    open();
+    EXPECT_EQ(atRest(), "");
+    SimStatusItem* divider = run.ownItem("always-hidden-divider");
+    divider->setVisible(true);
+    divider->setLength(10000);
+    run.pass(0.05);
+    EXPECT_EQ(atRest(), "");
+    desktop.bar.beginDrag(divider->window(), {2000, 12}, false);
+    desktop.bar.endDrag({1281, 12});
+    run.pass(0.05);
+    EXPECT_EQ(atRest(), "room");
+}
+
+TEST_F(InvariantsTest, WhatIsAlwaysHiddenIsOutOfSight) {
+    std::string id = state().snapshotItems().front().id;
+    state().rules.setIconRule(IconRule::alwaysHide, id);
+    run.pass(5);
+    open();
+    EXPECT_EQ(afterLine(), "");
+    EXPECT_EQ(atRest(), "");
+    run.ownItem("always-hidden-divider")->setLength(0);
+    desktop.windowServer.setWindowAlpha(letters(), 1);
+    run.pass(0.05);
+    EXPECT_EQ(atRest(), "pinned");
+}
+
 TEST_F(InvariantsTest, AClickOpensAndCloses) {
     EXPECT_TRUE(invariants.beforeClick());
     EXPECT_EQ(named(invariants.afterClick()), "click");

@@ -22,14 +22,16 @@ TEST(RandomRun, WhateverHappensTheInvariantsHold) {
         stepsInShelfMode += result.stepsInShelfMode;
         for (const auto& [operation, count] : result.faultCounts) struck[operation] += count;
     }
-    if (HasFailure() || NEVO_RANDOM_STEPS < 10000) return;
+    if (HasFailure() || NEVO_RANDOM_STEPS < 2500) return;
     // A run that doesn't get about proves little.
     EXPECT_LE(probes.neverReached().size(), Probes::texts().size() / 10)
         << testing::PrintToString(probes.neverReached());
     // Where the program is installed belongs to a start, not to what happens to it later.
     struck.erase("trashFile");
     struck.erase("moveFile");
-    for (const auto& [operation, count] : struck) EXPECT_GT(count, 0) << operation;
+    auto operations = struck.size();
+    std::erase_if(struck, [](const auto& each) { return each.second > 0; });
+    EXPECT_LE(struck.size(), operations / 20) << testing::PrintToString(struck);
     // Both modes get their share.
     EXPECT_GT(stepsInShelfMode, steps / 4);
     EXPECT_LT(stepsInShelfMode, steps * 3 / 4);
