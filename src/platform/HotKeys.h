@@ -20,7 +20,7 @@ inline constexpr std::uint32_t shiftHotKeyModifier = 512;
 inline constexpr std::uint32_t optionHotKeyModifier = 2048;
 inline constexpr std::uint32_t controlHotKeyModifier = 4096;
 
-/// What a call gave: status 0 and something to keep, or another status and nothing.
+/// What a call gave: a status, 0 for success, and what to keep.
 struct HotKeyResult {
     int status = 0;
     Registration registration;
@@ -34,12 +34,15 @@ public:
 
     /// Has `handler` run at each press of any of this program's hot keys, on the main thread
     /// (`InstallEventHandler` on `GetApplicationEventTarget`, class "keyb", kind 5; the end of the
-    /// registration is `RemoveEventHandler`). The handler's result 0 means that it took the event.
+    /// registration is `RemoveEventHandler`; on failure it is empty). The handler's result 0 means
+    /// that it took the event.
     virtual HotKeyResult installPressedHandler(std::function<int()> handler) = 0;
 
     /// Claims a combination until the registration ends (`RegisterEventHotKey`,
     /// `UnregisterEventHotKey`). `keyCode` names a key by its place on an ANSI keyboard, as the
-    /// virtual key codes do. The status isn't 0 when another program holds the combination.
+    /// virtual key codes do: the key with that letter, or the one in its place where no key has it.
+    /// The status isn't 0 when another program holds the combination, or the keyboard lacks it; the
+    /// desktop then goes on trying until it has it or the registration ends.
     virtual HotKeyResult registerHotKey(std::uint32_t keyCode, std::uint32_t modifiers,
                                         HotKeyIdentity identity) = 0;
 };

@@ -87,7 +87,6 @@ void HotKeyService::registerHotKey() {
     if (key.status != 0) {
         platform.log.writeStandardOutput(
             fmt::format("[Nevo] Failed to register hotkey: {}\n", key.status));
-        return;
     }
     hotKeyRef = std::move(key.registration);
 }

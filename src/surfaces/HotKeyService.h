@@ -22,7 +22,8 @@ struct Shortcut {
 Shortcut parseShortcut(std::string_view text);
 
 /// The one combination that works in every program and does the same as a click on the toggle. A
-/// failure is told on standard output and leaves it without a working key.
+/// failure is told on standard output and leaves it without a working key; a combination that
+/// another program has works as soon as it can be had.
 class HotKeyService {
 public:
     HotKeyService(const Platform& platform, const AppState& appState);

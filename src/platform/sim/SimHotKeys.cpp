@@ -18,17 +18,21 @@ HotKeyResult SimHotKeys::installPressedHandler(std::function<int()> handler) {
 
 HotKeyResult SimHotKeys::registerHotKey(std::uint32_t keyCode, std::uint32_t modifiers,
                                         HotKeyIdentity) {
-    if (faults.strikes(SimOperation::hotKey)) return {alreadyTaken, {}};
+    bool isClaimed = !faults.strikes(SimOperation::hotKey);
     std::size_t id = held->nextId++;
-    held->keys.emplace(id, Held::Key{keyCode, modifiers});
-    return {0, Registration([weak = std::weak_ptr(held), id] {
+    held->keys.emplace(id, Held::Key{keyCode, modifiers, isClaimed});
+    return {isClaimed ? 0 : alreadyTaken, Registration([weak = std::weak_ptr(held), id] {
                 if (auto all = weak.lock()) all->keys.erase(id);
             })};
 }
 
 bool SimHotKeys::press(std::uint32_t keyCode, std::uint32_t modifiers) {
-    bool claimed = std::any_of(held->keys.begin(), held->keys.end(), [&](const auto& entry) {
-        return entry.second.code == keyCode && entry.second.modifiers == modifiers;
+    bool claimed = std::any_of(held->keys.begin(), held->keys.end(), [&](auto& entry) {
+        Held::Key& key = entry.second;
+        if (key.code != keyCode || key.modifiers != modifiers) return false;
+        // It has been tried again since.
+        key.isClaimed = key.isClaimed || !faults.strikes(SimOperation::hotKey);
+        return key.isClaimed;
     });
     if (!claimed) return false;
     loop.post([weak = std::weak_ptr(held)] {

@@ -34,6 +34,8 @@ private:
         struct Key {
             std::uint32_t code;
             std::uint32_t modifiers;
+            /// Whether no other program has it any more.
+            bool isClaimed;
         };
         std::map<std::size_t, Key> keys;
         std::map<std::size_t, std::function<int()>> handlers;

@@ -2,6 +2,7 @@
 
 #include <fmt/format.h>
 
+#include <QTimer>
 #include <algorithm>
 #include <array>
 #include <cctype>
@@ -13,6 +14,18 @@ namespace {
 
 /// The keys by their virtual key codes; a space where there is none of a letter or digit.
 constexpr std::string_view keyNames = "ASDFHGZXCV BQWERYT123465 97 80 OU IP LJ K    NM";
+
+/// From a key's virtual code to its place, a row of letters after the other. The key codes of these
+/// places are the same in both sets that X servers have for a PC's keyboard.
+struct KeyRow {
+    std::string_view names;
+    xcb_keycode_t first;
+};
+constexpr std::array<KeyRow, 4> keyRows{
+    {{"1234567890", 10}, {"QWERTYUIOP", 24}, {"ASDFGHJKL", 38}, {"ZXCVBNM", 52}}};
+
+/// Nothing tells that another program has let a combination go.
+constexpr int retryMilliseconds = 2000;
 
 struct Modifier {
     std::uint32_t hotKeyBit;
@@ -27,6 +40,14 @@ constexpr std::array<Modifier, 4> modifierTable{{
 }};
 
 char keyName(std::uint32_t keyCode) { return keyCode < keyNames.size() ? keyNames[keyCode] : ' '; }
+
+std::optional<xcb_keycode_t> placeOf(char name) {
+    for (const KeyRow& row : keyRows) {
+        std::size_t column = row.names.find(name);
+        if (column != std::string_view::npos) return static_cast<xcb_keycode_t>(row.first + column);
+    }
+    return std::nullopt;
+}
 
 ModifierFlags flagsOf(std::uint32_t modifiers) {
     ModifierFlags flags = 0;
@@ -63,7 +84,10 @@ struct X11HotKeys::Held {
         int status = 0;
     };
 
-    Held(XServer& x, Keyboard& keys, LogOutput& output) : server(x), keyboard(keys), log(output) {}
+    Held(XServer& x, Keyboard& keys, LogOutput& output) : server(x), keyboard(keys), log(output) {
+        retryTimer.setInterval(retryMilliseconds);
+        QObject::connect(&retryTimer, &QTimer::timeout, &retryTimer, [this] { retry(); });
+    }
     ~Held() {
         for (const auto& [id, entry] : entries) {
             if (entry.grabbed) ungrab(*entry.grabbed);
@@ -71,9 +95,12 @@ struct X11HotKeys::Held {
         server.flush();
     }
 
-    /// Grabs what `entry` stands for on the present map, and says once what is wrong. The status.
-    int claim(Entry& entry);
+    /// Grabs what `entry` stands for on the present map, and says once what is wrong.
+    void claim(Entry& entry);
     int tryToGrab(Entry& entry);
+    /// Claims what another program had at the last try.
+    void retry();
+    void updateRetryTimer();
     void remove(std::size_t id);
     void hear(const xcb_generic_event_t& event);
     /// Looks for each hot key on the new map.
@@ -99,6 +126,7 @@ struct X11HotKeys::Held {
     std::size_t last = 0;
     xcb_keycode_t releasedKey = 0;
     xcb_timestamp_t releaseTime = 0;
+    QTimer retryTimer;
 };
 
 std::optional<X11HotKeys::Held::Combination> X11HotKeys::Held::combinationOf(const Entry& entry) {
@@ -107,6 +135,7 @@ std::optional<X11HotKeys::Held::Combination> X11HotKeys::Held::combinationOf(con
     // The symbols of letters and digits are their Latin-1 codes.
     auto symbol = static_cast<xcb_keysym_t>(std::tolower(static_cast<unsigned char>(name)));
     auto key = keyboard.keyFor(symbol);
+    if (!key) key = placeOf(name);
     auto state = keyboard.stateFor(flagsOf(entry.modifiers));
     if (!key || !state) return std::nullopt;
     return Combination{*key, *state, keyboard.numLockState()};
@@ -120,19 +149,38 @@ int X11HotKeys::Held::tryToGrab(Entry& entry) {
     return 0;
 }
 
-int X11HotKeys::Held::claim(Entry& entry) {
-    // The map may change many times over.
+void X11HotKeys::Held::claim(Entry& entry) {
+    // Tried many times over, and the map may change as often.
     int before = std::exchange(entry.status, tryToGrab(entry));
+    if (entry.status == before) return;
     std::string name = describe(entry.keyCode, entry.modifiers);
-    if (entry.status == before || entry.status == 0) return entry.status;
-    if (entry.status == alreadyTaken) {
+    if (entry.status == 0) {
+        say(name + " works now.");
+    } else if (entry.status == alreadyTaken) {
         say(name +
-            " belongs to another program; quit it and start nevo again, or choose another "
-            "shortcut.");
+            " belongs to another program, and works once that one has let it go; or choose "
+            "another shortcut.");
     } else {
         say("The keyboard has no " + name + "; choose another shortcut.");
     }
-    return entry.status;
+}
+
+void X11HotKeys::Held::retry() {
+    for (auto& [id, entry] : entries) {
+        if (entry.status == alreadyTaken) claim(entry);
+    }
+    updateRetryTimer();
+}
+
+void X11HotKeys::Held::updateRetryTimer() {
+    bool isWaiting = std::any_of(entries.begin(), entries.end(), [](const auto& entry) {
+        return entry.second.status == alreadyTaken;
+    });
+    if (!isWaiting) {
+        retryTimer.stop();
+    } else if (!retryTimer.isActive()) {
+        retryTimer.start();
+    }
 }
 
 void X11HotKeys::Held::remove(std::size_t id) {
@@ -142,6 +190,7 @@ void X11HotKeys::Held::remove(std::size_t id) {
     entries.erase(found);
     letGo(entry);
     server.flush();
+    updateRetryTimer();
 }
 
 void X11HotKeys::Held::followMap() {
@@ -156,6 +205,7 @@ void X11HotKeys::Held::followMap() {
         letGo(before);
     }
     for (Entry* entry : moved) claim(*entry);
+    updateRetryTimer();
 }
 
 void X11HotKeys::Held::hear(const xcb_generic_event_t& event) {
@@ -258,10 +308,11 @@ HotKeyResult X11HotKeys::installPressedHandler(std::function<int()> handler) {
 HotKeyResult X11HotKeys::registerHotKey(std::uint32_t keyCode, std::uint32_t modifiers,
                                         HotKeyIdentity) {
     Held::Entry entry{keyCode, modifiers, std::nullopt};
-    if (int status = held->claim(entry)) return {status, {}};
+    held->claim(entry);
     std::size_t id = ++held->last;
     held->entries.emplace(id, entry);
-    return {0, Registration([weak = std::weak_ptr(held), id] {
+    held->updateRetryTimer();
+    return {entry.status, Registration([weak = std::weak_ptr(held), id] {
                 if (auto all = weak.lock()) all->remove(id);
             })};
 }
