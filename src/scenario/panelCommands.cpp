@@ -1,6 +1,7 @@
 #include <fmt/format.h>
 
 #include <algorithm>
+#include <tuple>
 
 #include "scenario/commandSupport.h"
 
@@ -11,12 +12,14 @@ namespace {
 constexpr const char* slotPrefix = "slot:";
 constexpr const char* decoyPrefix = "decoy:";
 
-/// The items that a panel shows, from left to right, by the names that scenarios give them.
+/// The items that a panel shows, row by row from left to right, by the names that scenarios give
+/// them.
 std::string itemsIn(ScenarioRun& run, const SimPanel* panel, const std::string& prefix) {
     std::vector<PanelView> views;
     if (panel != nullptr) views = panel->views();
-    std::sort(views.begin(), views.end(),
-              [](const PanelView& a, const PanelView& b) { return a.frame.x < b.frame.x; });
+    std::sort(views.begin(), views.end(), [](const PanelView& a, const PanelView& b) {
+        return std::tie(b.frame.y, a.frame.x) < std::tie(a.frame.y, b.frame.x);
+    });
     std::string names;
     for (const PanelView& view : views) {
         if (!view.key.starts_with(prefix)) continue;

@@ -63,7 +63,7 @@ void NevoBar::clearViews() {
     itemRenderPolicies.clear();
     itemSlotViews.clear();
     itemTextFields.clear();
-    backgroundOverlayView.reset();
+    backgrounds.clear();
     draggingWindowID.reset();
 }
 

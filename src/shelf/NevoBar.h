@@ -12,12 +12,14 @@
 #include "platform/Platform.h"
 #include "shelf/ClickableItemView.h"
 #include "shelf/ShelfIconRenderPolicy.h"
+#include "shelf/ShelfLayout.h"
 
 namespace nevo {
 
-/// The floating bar under the toggle: a row of slots, one for each hidden item, with live pictures.
-/// Knows nothing of sections or rules; what is done with it is told by callbacks. Its panel exists
-/// while it is open and for the time of its fade. Main thread only.
+/// The floating bar under the toggle: slots with live pictures, one for each hidden item, in a row
+/// or, where one isn't enough, in several. Knows nothing of sections or rules; what is done with it
+/// is told by callbacks. Its panel exists while it is open and for the time of its fade. Main
+/// thread only.
 class NevoBar : public std::enable_shared_from_this<NevoBar> {
 public:
     static std::shared_ptr<NevoBar> create(const Platform& platform);
@@ -60,7 +62,9 @@ private:
     // The panel.
     void buildPanel(const Screen& screen);
     std::vector<PanelView> backgroundViews(Size size);
-    void addSlot(const BarItem& item, double x);
+    void addSlot(const BarItem& item, const Rect& frame);
+    ShelfLayout layoutOn(const Screen& screen) const;
+    Rect frameFor(Size size, const Screen& screen) const;
     void bindSlot(ClickableItemView& slot, const BarItem& item);
     void handle(const PanelEvent& event);
     void clearViews();
@@ -83,12 +87,13 @@ private:
     void dragged(const BarItem& item, Point inPanel);
     void dragEnds(const BarItem& item);
     std::optional<std::size_t> indexOf(const BarItem& item) const;
-    std::size_t dropIndex(std::size_t from, double x) const;
+    std::size_t dropIndex(std::size_t from, Point inPanel) const;
     void slideSlots(std::optional<std::size_t> leftOut);
     void settleSlot(WindowNumber window);
 
     const Platform& platform;
     std::unique_ptr<Panel> panel;
+    ShelfLayout layout;
     /// In slot order.
     std::vector<BarItem> items;
     /// Same order as `items`.
@@ -98,8 +103,8 @@ private:
     std::map<WindowNumber, ShelfIconRenderPolicy> itemRenderPolicies;
     /// The slots that show a label instead.
     std::vector<std::shared_ptr<ClickableItemView>> itemTextFields;
-    /// The tint above the blur; nothing without slots.
-    std::optional<PanelView> backgroundOverlayView;
+    /// The blur, and the tint above it; none without slots.
+    std::vector<PanelView> backgrounds;
     std::optional<WindowNumber> draggingWindowID;
     Registration refreshTimer;
     /// The panel fades away.

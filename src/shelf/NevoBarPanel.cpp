@@ -42,18 +42,31 @@ double slotWidth(const BarItem& item) {
 
 }  // namespace
 
+/// What the items take, in one row or in several.
+ShelfLayout NevoBar::layoutOn(const Screen& screen) const {
+    const ShelfBarStyleConfiguration& c = configuration();
+    double oneRow = 2 * c.horizontalPadding - c.spacing;
+    std::vector<double> widths;
+    for (const BarItem& item : items) {
+        oneRow += std::max(smallestSlot, item.width) + c.spacing;
+        widths.push_back(slotWidth(item));
+    }
+    double height = screen.visibleFrame.height - gapBelowMenuBar - c.screenInset;
+    return layOutShelf(widths, oneRow, c, {screen.frame.width - 2 * c.screenInset, height});
+}
+
+/// From the toggle to the right, as far as the screen has room there.
+Rect NevoBar::frameFor(Size size, const Screen& screen) const {
+    double rightmost = screen.frame.maxX() - size.width - configuration().screenInset;
+    double y = screen.visibleFrame.maxY() - size.height - gapBelowMenuBar;
+    return {std::min(nevoIconX, rightmost), y, size.width, size.height};
+}
+
 void NevoBar::buildPanel(const Screen& screen) {
     const ShelfBarStyleConfiguration& c = configuration();
-    double contentWidth = 2 * c.horizontalPadding - c.spacing;
-    for (const BarItem& item : items)
-        contentWidth += std::max(smallestSlot, item.width) + c.spacing;
-    double width = std::min(contentWidth, screen.frame.width - 2 * c.screenInset);
-    double x = std::min(nevoIconX, screen.frame.maxX() - width - c.screenInset);
-    double height = c.itemHeight + 2 * c.verticalPadding;
-    double y = screen.visibleFrame.maxY() - height - gapBelowMenuBar;
-
+    layout = layoutOn(screen);
     PanelConfiguration made;
-    made.frame = {x, y, width, height};
+    made.frame = frameFor(layout.size, screen);
     made.styleMask = panelStyle;
     made.level = panelLevel;
     made.isFloatingPanel = true;
@@ -67,11 +80,9 @@ void NevoBar::buildPanel(const Screen& screen) {
         if (auto self = weak.lock()) self->handle(event);
     };
 
-    std::vector<PanelView> views = backgroundViews({width, height});
-    double slotX = c.horizontalPadding;
-    for (const BarItem& item : items) {
-        addSlot(item, slotX);
-        slotX += itemSlotViews.back()->view.frame.width + c.spacing;
+    std::vector<PanelView> views = backgrounds = backgroundViews(layout.size);
+    for (std::size_t i = 0; i < items.size(); ++i) {
+        addSlot(items[i], layout.slots[i]);
         views.push_back(itemSlotViews.back()->view);
     }
     panel->setViews(std::move(views));
@@ -92,16 +103,14 @@ std::vector<PanelView> NevoBar::backgroundViews(Size size) {
     overlay.background = overlayColor();
     overlay.borderWidth = effectiveBorderWidth();
     overlay.borderColor = effectiveBorderColor();
-    backgroundOverlayView = overlay;
     return {blur, overlay};
 }
 
-void NevoBar::addSlot(const BarItem& item, double x) {
-    const ShelfBarStyleConfiguration& c = configuration();
+void NevoBar::addSlot(const BarItem& item, const Rect& frame) {
     PanelView view;
     view.key = fmt::format("slot:{}", item.windowID);
-    view.frame = {x, c.verticalPadding, slotWidth(item), c.itemHeight};
-    view.cornerRadius = c.slotCornerRadius;
+    view.frame = frame;
+    view.cornerRadius = configuration().slotCornerRadius;
     view.toolTip = item.label;
     auto slot = std::make_shared<ClickableItemView>(std::move(view), normalSlotColor(),
                                                     appearanceTheme.highlightedSlotBackgroundColor);
@@ -172,11 +181,9 @@ Color NevoBar::normalSlotColor() const {
 
 void NevoBar::applyAppearance() {
     if (!panel) return;
-    if (backgroundOverlayView) {
-        backgroundOverlayView->background = overlayColor();
-        backgroundOverlayView->borderWidth = effectiveBorderWidth();
-        backgroundOverlayView->borderColor = effectiveBorderColor();
-        panel->setView(*backgroundOverlayView);
+    if (!backgrounds.empty()) {
+        backgrounds = backgroundViews(layout.size);
+        for (const PanelView& view : backgrounds) panel->setView(view);
     }
     for (const auto& slot : itemTextFields) slot->view.textColor = appearanceTheme.textColor;
     for (const auto& [window, slot] : itemImageViews) {

@@ -45,7 +45,7 @@ void NevoBar::dragBegins(const BarItem& item) {
 void NevoBar::dragged(const BarItem& item, Point inPanel) {
     auto index = indexOf(item);
     if (!isReorderingEnabled || draggingWindowID != item.windowID || !index || !panel) return;
-    std::size_t target = dropIndex(*index, inPanel.x);
+    std::size_t target = dropIndex(*index, inPanel);
     if (target != *index) {
         moveElement(items, *index, target);
         moveElement(itemSlotViews, *index, target);
@@ -54,31 +54,46 @@ void NevoBar::dragged(const BarItem& item, Point inPanel) {
     PanelView& view = itemSlotViews[target]->view;
     double rightmost = panel->frame().width - view.frame.width;
     view.frame.x = std::max(0.0, std::min(inPanel.x - view.frame.width * 0.5, rightmost));
+    view.frame.y = layout.slots[target].y;
     panel->setView(view);
 }
 
-/// Where the dragged slot belongs among the others when the pointer is at `x`.
-std::size_t NevoBar::dropIndex(std::size_t from, double x) const {
+/// Where the dragged slot belongs among the others when the pointer is there: behind those of the
+/// rows above, and those further left in its own. Above the first row counts as in it, below the
+/// last one too.
+std::size_t NevoBar::dropIndex(std::size_t from, Point inPanel) const {
+    double spacing = configuration().spacing;
+    double y = std::clamp(inPanel.y, layout.slots.back().midY(), layout.slots.front().midY());
     std::size_t target = 0;
     for (std::size_t i = 0; i < itemSlotViews.size(); ++i) {
         if (i == from) continue;
-        if (itemSlotViews[i]->view.frame.midX() > x) break;
+        const Rect& slot = itemSlotViews[i]->view.frame;
+        bool isAbove = slot.minY() - spacing / 2 > y;
+        bool isInRow = !isAbove && slot.maxY() + spacing / 2 > y;
+        if (!isAbove && (!isInRow || slot.midX() > inPanel.x)) break;
         ++target;
     }
     return target;
 }
 
+/// Rows of slots that aren't equally wide may break in other places than before, and the bar then
+/// changes its size.
 void NevoBar::slideSlots(std::optional<std::size_t> leftOut) {
-    const ShelfBarStyleConfiguration& c = configuration();
-    double x = c.horizontalPadding;
+    auto screen = panel->screen();
+    if (!screen) return;
+    Size before = layout.size;
+    layout = layoutOn(*screen);
+    if (layout.size != before) {
+        panel->setFrame(frameFor(layout.size, *screen));
+        backgrounds = backgroundViews(layout.size);
+        for (const PanelView& view : backgrounds) panel->setView(view);
+    }
     for (std::size_t i = 0; i < itemSlotViews.size(); ++i) {
         PanelView& view = itemSlotViews[i]->view;
-        if (i != leftOut) {
-            view.frame.x = x;
-            view.frame.y = c.verticalPadding;
-            panel->setView(view, slide);
-        }
-        x += view.frame.width + c.spacing;
+        double x = i == leftOut ? view.frame.x : layout.slots[i].x;
+        view.frame = layout.slots[i];
+        view.frame.x = x;
+        if (i != leftOut) panel->setView(view, slide);
     }
 }
 

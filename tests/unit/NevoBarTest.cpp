@@ -71,7 +71,7 @@ protected:
         scanned.windowID = window;
         scanned.width = width;
         scanned.label = "Längliches";
-        if (hasIcon) scanned.icon = withPixels(2000, 0xFF404040);
+        if (hasIcon) scanned.icon = picture(16, 16, [](int, int) { return 0xFF404040; });
         return BarItem(scanned);
     }
     SimPanel* panel() {
@@ -108,16 +108,57 @@ TEST_F(NevoBarTest, MeasuresItselfByItsStyle) {
         EXPECT_EQ(panel()->view("slot:2")->frame.width, 20);
         EXPECT_EQ(panel()->view("slot:1")->frame.height, each.slotHeight);
     }
-    // Its right edge stays on the screen; a row that is too long is cut off.
+    // Its right edge stays on the screen.
     bar->barStyle = ShelfBarStyle::classic;
     bar->nevoIconX = 1430;
     bar->show({item(1, 30), item(2, 10)});
     EXPECT_EQ(bar->panelFrame().maxX(), 1436);
+    // 41 slots fit into a row; one more makes two of 21.
     std::vector<BarItem> many;
-    for (WindowNumber i = 1; i < 60; ++i) many.push_back(item(i, 30));
+    for (WindowNumber i = 1; i <= 41; ++i) many.push_back(item(i, 30));
     bar->show(many);
-    EXPECT_EQ(bar->panelFrame().minX(), 4);
-    EXPECT_EQ(bar->panelFrame().width, 1432);
+    EXPECT_EQ(bar->panelFrame(), (Rect{36, 836, 1400, 38}));
+    many.push_back(item(42, 30));
+    bar->show(many);
+    EXPECT_EQ(bar->panelFrame(), (Rect{716, 804, 720, 70}));
+    EXPECT_EQ(panel()->view("slot:21")->frame, (Rect{685, 37, 30, 28}));
+    EXPECT_EQ(panel()->view("slot:22")->frame, (Rect{5, 5, 30, 28}));
+}
+
+TEST_F(NevoBarTest, HoldsAnyNumberOfItemsEachInReachOfThePointer) {
+    std::vector<WindowNumber> clicked;
+    bar->onItemClicked = [&](const BarItem& item) { clicked.push_back(item.windowID); };
+    bar->animationsEnabled = false;
+    Rect free = platform.screens.mainScreen()->visibleFrame;
+    struct Case {
+        ShelfBarStyle style;
+        WindowNumber count;
+        double widest;
+    };
+    for (const Case& each : {Case{ShelfBarStyle::classic, 100, 24},
+                             {ShelfBarStyle::capsule, 100, 70},
+                             {ShelfBarStyle::floatingGlass, 130, 24},
+                             {ShelfBarStyle::minimal, 100, 24},
+                             {ShelfBarStyle::classic, 40, 3000},
+                             {ShelfBarStyle::floatingGlass, 3000, 30}}) {
+        bar->barStyle = each.style;
+        std::vector<BarItem> many;
+        for (WindowNumber i = 1; i <= each.count; ++i)
+            many.push_back(item(i, i % 3 == 0 ? each.widest : 24));
+        for (WindowNumber i = 1; i <= each.count; i += each.count > 1000 ? 333 : 1) {
+            bar->show(many);
+            Rect frame = bar->panelFrame();
+            EXPECT_TRUE(frame.x >= free.x && frame.maxX() <= free.maxX()) << each.count;
+            EXPECT_TRUE(frame.y >= free.y && frame.maxY() <= free.maxY()) << each.count;
+            Point place = panel()->view("slot:" + std::to_string(i))->frame.center();
+            desktop.events.move({frame.x + place.x, 900 - frame.y - place.y});
+            desktop.events.press(false);
+            desktop.events.release(false);
+            desktop.loop.runReady();
+            ASSERT_EQ(clicked, std::vector<WindowNumber>{i}) << each.count;
+            clicked.clear();
+        }
+    }
 }
 
 TEST_F(NevoBarTest, LabelsAnItemWithoutAPicture) {
@@ -224,11 +265,41 @@ TEST_F(NevoBarTest, ATrembleIsAClickAndAWayIsADrag) {
     ASSERT_EQ(orders.size(), 2U);
     EXPECT_EQ(orders.back().front().windowID, 2U);
     EXPECT_EQ(panel()->view("slot:1")->shadow.opacity, 0);
+    // From one row into another, at the slot under the pointer; rows break where they have to.
+    auto dragAmong = [&](const std::vector<BarItem>& all, WindowNumber from, WindowNumber to) {
+        bar->show(all);
+        auto middleOf = [&](WindowNumber window) {
+            Point at = panel()->view("slot:" + std::to_string(window))->frame.center();
+            return Point{bar->panelFrame().x + at.x + 1, 900 - bar->panelFrame().y - at.y};
+        };
+        Point goal = middleOf(to);
+        desktop.events.move(middleOf(from));
+        desktop.events.press(false);
+        desktop.events.move(goal);
+        desktop.events.release(false);
+        desktop.loop.runFor(1);
+        std::vector<WindowNumber> order;
+        for (const BarItem& each : orders.back()) order.push_back(each.windowID);
+        return order;
+    };
+    std::vector<BarItem> many;
+    for (WindowNumber i = 1; i <= 100; ++i) many.push_back(item(i, i == 60 ? 300 : 30));
+    auto order = dragAmong(many, 5, 80);
+    EXPECT_EQ(std::find(order.begin(), order.end(), 5U) - order.begin(), 79);
+    EXPECT_EQ(order[4], 6U);
+    EXPECT_EQ(order[78], 80U);
+    order = dragAmong(many, 60, 2);
+    EXPECT_EQ(order[2], 60U);
+    for (const PanelView& view : panel()->views()) {
+        Size size{bar->panelFrame().width, bar->panelFrame().height};
+        EXPECT_TRUE(view.frame.x >= 0 && view.frame.maxX() <= size.width) << view.key;
+        EXPECT_TRUE(view.frame.y >= 0 && view.frame.maxY() <= size.height) << view.key;
+    }
     // Without reordering neither a click nor a new order comes of it.
     bar->isReorderingEnabled = false;
     dragBy(50);
     EXPECT_EQ(clicked.size(), 1U);
-    EXPECT_EQ(orders.size(), 2U);
+    EXPECT_EQ(orders.size(), 4U);
 }
 
 }  // namespace nevo
