@@ -27,7 +27,7 @@ void StatusBarController::shelfAutoHideFired() {
 void StatusBarController::autoHideFired() {
     if (!appState.isExpanded()) return;
     if (isShelfMode()) {
-        startCollapse(false, nullptr);
+        startCollapse(nullptr);
     } else {
         toggle();
     }

@@ -59,13 +59,14 @@ public:
     void tearDown();
 
     // Toggle and collapse.
-    /// The main action, of a click and of every other trigger.
-    void toggle();
+    /// The main action, of a click and of every other trigger. Whoever has called it `byKeys` can
+    /// go on with them in the shelf.
+    void toggle(bool byKeys = false);
     void togglePushMode();
-    void toggleShelfMode();
+    void toggleShelfMode(bool byKeys = false);
     /// Hides what is left of `toggleX` (screen coordinates). The branch is chosen by the mode when
     /// the task starts.
-    static Task<> collapseAfterScan(std::weak_ptr<StatusBarController> owner, bool repair,
+    static Task<> collapseAfterScan(std::weak_ptr<StatusBarController> owner,
                                     std::function<void()> completion, double toggleX);
     /// Hides in push mode, also where nothing is to be hidden yet.
     void collapsePushSection(std::vector<BarItem> hiding);
@@ -148,7 +149,8 @@ private:
     void buttonClicked();
     void permissionsAnswered();
     void iconOrSpacingChanged();
-    void startCollapse(bool repair, std::function<void()> completion);
+    /// `completion` is called in shelf mode, where something was hidden.
+    void startCollapse(std::function<void()> completion);
     /// As the program's own doing: the section closes whatever stands in it.
     void startOwnCollapse();
     static Task<> collapseUnasked(std::weak_ptr<StatusBarController> owner, double toggleX);

@@ -16,7 +16,7 @@ constexpr double shelfSettleTime = 0.3;
 
 }  // namespace
 
-void StatusBarController::toggle() {
+void StatusBarController::toggle(bool byKeys) {
     if (!platform.accessibility.isProcessTrusted()) {
         auto weak = weak_from_this();
         auto ready = [weak] {
@@ -36,7 +36,7 @@ void StatusBarController::toggle() {
     }
     hasUserToggled = true;
     if (isShelfMode()) {
-        toggleShelfMode();
+        toggleShelfMode(byKeys);
     } else {
         togglePushMode();
     }
@@ -54,12 +54,12 @@ void StatusBarController::togglePushMode() {
         expandHiddenSection();
         resetAutoHideTimer();
     } else {
-        startCollapse(false, nullptr);
+        startCollapse(nullptr);
     }
     afterDelay(toggleGuardTime, &StatusBarController::clearIsToggling);
 }
 
-void StatusBarController::toggleShelfMode() {
+void StatusBarController::toggleShelfMode(bool byKeys) {
     if (!services.screenCapture.hasPermission()) {
         showShelfScreenRecordingPrompt();
         return;
@@ -67,27 +67,30 @@ void StatusBarController::toggleShelfMode() {
     auto weak = weak_from_this();
     if (appState.isExpanded() || !sectionManager.isHiddenDividerCollapsed()) {
         debugLog("[Shelf] toggle repairing expanded shelf section before opening");
-        startCollapse(true, [weak] {
-            if (auto self = weak.lock()) self->shelfHasOpened();
+        startCollapse([weak, byKeys] {
+            auto self = weak.lock();
+            if (!self) return;
+            self->shelf().toggle("repairShelf", byKeys);
+            self->shelfHasOpened();
         });
         return;
     }
     // A change of displays may have put the shelf in force.
     shelf().bindBarCallbacks();
     bool wasCollapsed = shelf().isIn(ShelfState::Kind::collapsed);
-    shelf().toggle("toggleShelf");
+    shelf().toggle("toggleShelf", byKeys);
     afterDelay(shelfSettleTime, wasCollapsed ? &StatusBarController::shelfHasOpened
                                              : &StatusBarController::shelfHasClosed);
 }
 
-void StatusBarController::startCollapse(bool repair, std::function<void()> completion) {
+void StatusBarController::startCollapse(std::function<void()> completion) {
     // Without a frame the last known one serves.
     if (auto frame = toggleButtonScreenFrame()) savedItemFrame = *frame;
-    spawn(platform.runLoop, collapseAfterScan(weak_from_this(), repair, std::move(completion),
-                                              savedItemFrame.minX()));
+    spawn(platform.runLoop,
+          collapseAfterScan(weak_from_this(), std::move(completion), savedItemFrame.minX()));
 }
 
-Task<> StatusBarController::collapseAfterScan(std::weak_ptr<StatusBarController> owner, bool repair,
+Task<> StatusBarController::collapseAfterScan(std::weak_ptr<StatusBarController> owner,
                                               std::function<void()> completion, double toggleX) {
     auto self = owner.lock();
     if (!self) co_return;
@@ -115,9 +118,7 @@ Task<> StatusBarController::collapseAfterScan(std::weak_ptr<StatusBarController>
         self->appState.setIsExpanded(false);
         self->performCollapse();
         self->shelf().onItemsPushed(hidden, self->savedItemFrame);
-        if (hidden.empty() || !repair) co_return;
-        self->shelf().toggle("repairShelf");
-        if (completion) completion();
+        if (!hidden.empty() && completion) completion();
         co_return;
     }
     if (items.empty()) {
@@ -135,7 +136,7 @@ void StatusBarController::startOwnCollapse() {
     if (auto frame = toggleButtonScreenFrame()) savedItemFrame = *frame;
     if (isShelfMode()) {
         spawn(platform.runLoop,
-              collapseAfterScan(weak_from_this(), false, nullptr, savedItemFrame.minX()));
+              collapseAfterScan(weak_from_this(), nullptr, savedItemFrame.minX()));
     } else {
         spawn(platform.runLoop, collapseUnasked(weak_from_this(), savedItemFrame.minX()));
     }

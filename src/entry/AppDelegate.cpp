@@ -141,7 +141,7 @@ void AppDelegate::registerHotKey() {
         // The toggle may open a window of its own; the key's event is over by then.
         self->platform.runLoop.post([weak] {
             auto held = weak.lock();
-            if (held && held->statusBarController) held->statusBarController->toggle();
+            if (held && held->statusBarController) held->statusBarController->toggle(true);
         });
     };
     hotKeyService->registerHotKey();

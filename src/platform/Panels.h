@@ -72,6 +72,19 @@ struct PanelEvent {
     ModifierFlags modifiers = 0;
 };
 
+/// Keys that a panel hears of, by what they do in it.
+enum class PanelKey {
+    left,
+    right,
+    up,
+    down,
+    first,   ///< Home
+    last,    ///< End
+    press,   ///< Return, Enter or the space bar
+    menu,    ///< the menu key, or Shift and F10
+    cancel,  ///< Escape
+};
+
 /// How a panel is made (`NSPanel initWithContentRect:styleMask:backing:defer:` and its setters).
 struct PanelConfiguration {
     /// Points, origin at the bottom left of the main display.
@@ -116,16 +129,21 @@ public:
     virtual void animateAlpha(double alpha, Animation animation,
                               std::function<void()> done = nullptr) = 0;
 
-    /// `orderFront:`, which takes no focus from the window in use, and `makeKeyWindow`, after which
-    /// keys go to the panel where the desktop gives a panel keys.
+    /// `orderFront:`, which takes no focus from the window in use.
     virtual void orderFront() = 0;
-    virtual void makeKey() = 0;
+    /// `makeKeyWindow`: from now on the panel hears keys, until `resignKey` or until it is out of
+    /// sight; then they go to the window in use again, which has kept the focus. A menu of this
+    /// program has them while it is open. False when they can't be had now.
+    virtual bool makeKey() = 0;
+    virtual void resignKey() = 0;
     virtual void orderOut() = 0;
     virtual bool isVisible() const = 0;
 
     /// Hears what the pointer does in the views that take it. Called on the main thread; may
     /// destroy the panel.
     std::function<void(const PanelEvent&)> onEvent;
+    /// Hears keys. Called on the main thread; may destroy the panel.
+    std::function<void(PanelKey)> onKey;
 };
 
 class Panels {

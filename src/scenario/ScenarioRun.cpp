@@ -101,7 +101,7 @@ bool ScenarioRun::toggle() {
     if (!held || held->delegate().controller() == nullptr) return false;
     // Like the hot key's handler: at a later turn, for what is still there then.
     world.loop.post([weak = app] {
-        if (auto still = weak.lock()) still->delegate().controller()->toggle();
+        if (auto still = weak.lock()) still->delegate().controller()->toggle(true);
     });
     return true;
 }

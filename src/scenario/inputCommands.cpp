@@ -1,5 +1,7 @@
 #include <fmt/format.h>
 
+#include <map>
+
 #include "scenario/commandSupport.h"
 
 namespace nevo {
@@ -81,6 +83,22 @@ Step readPress(LineReader& reader, bool down) {
     };
 }
 
+Step readKey(LineReader& reader) {
+    static const std::map<std::string, PanelKey> keys{
+        {"left", PanelKey::left},    {"right", PanelKey::right}, {"up", PanelKey::up},
+        {"down", PanelKey::down},    {"home", PanelKey::first},  {"end", PanelKey::last},
+        {"return", PanelKey::press}, {"menu", PanelKey::menu},   {"escape", PanelKey::cancel}};
+    std::vector<std::string> names;
+    for (const auto& [name, key] : keys) names.push_back(name);
+    PanelKey key = keys.at(reader.choice("the key", names));
+    return [key](ScenarioRun& run) {
+        run.desktop().loop.post([&panels = run.desktop().panels, key] {
+            if (SimPanel* panel = panels.key()) panel->deliver(key);
+        });
+        return Outcome{};
+    };
+}
+
 Step readDisableTap(LineReader& reader) {
     bool user = reader.choice("the reason", {"timeout", "user"}) == "user";
     return [user](ScenarioRun& run) {
@@ -146,6 +164,9 @@ std::vector<Command> inputCommands() {
          [](LineReader& reader) { return readPress(reader, false); }},
         {"hold", "[command] [option] [shift] [control]",
          "Holds these keys from now on; none lets go of all.", readHold},
+        {"key", "left|right|up|down|home|end|return|menu|escape",
+         "Presses a key. The shelf gets it if it has taken the keys, else the window in use.",
+         readKey},
         {"disable-tap", "timeout|user", "The system disables Nevo's event tap.", readDisableTap},
         {"drag", "[slot|decoy] ITEM|X Y to X [Y] [bare]",
          "A drag by hand with Command held, or without with bare, to a place: the button goes "

@@ -61,7 +61,8 @@ Step readDecoys(LineReader& reader) {
 
 Step readSlot(LineReader& reader) {
     std::string item = reader.word("ITEM");
-    std::string what = reader.choice("what of it", {"image", "tint", "text", "x", "alpha"});
+    std::string what =
+        reader.choice("what of it", {"image", "tint", "text", "x", "alpha", "focus"});
     std::string expected = reader.word("VALUE");
     return withWindow(item, [=](ScenarioRun& run, WindowNumber window) {
         SimPanel* panel = shelfPanel(run);
@@ -74,6 +75,11 @@ Step readSlot(LineReader& reader) {
         if (what == "text") actual = view->text;
         if (what == "x") actual = fmt::format("{}", view->frame.x);
         if (what == "alpha") actual = fmt::format("{}", view->alpha);
+        if (what == "focus") {
+            const PanelView* ring = panel->view("focus");
+            actual = yesOrNo(ring != nullptr && ring->borderWidth > 0 &&
+                             ring->frame.center() == view->frame.center());
+        }
         return Outcome::compare(what + " of the slot of " + item, expected, actual);
     });
 }
@@ -132,11 +138,10 @@ std::optional<Rect> pictureOf(ScenarioRun& run, const std::string& kind, WindowN
 std::vector<Command> panelCommands() {
     return {
         {"expect shelf", "shown|closed [ITEM]...",
-         "Whether the shelf can be seen, and the items in its slots from left to right.",
-         readShelf},
-        {"expect slot", "ITEM image|tint|text|x|alpha VALUE",
+         "Whether the shelf can be seen, and the items in its slots row by row.", readShelf},
+        {"expect slot", "ITEM image|tint|text|x|alpha|focus VALUE",
          "What the item's slot shows. An image is named by its source; tint is yes when it is "
-         "drawn in the theme's colour.",
+         "drawn in the theme's colour, focus is yes when keys are for it.",
          readSlot},
         {"expect shelf-frame", "X Y WIDTH HEIGHT",
          "The shelf's frame, origin at the top left of the main display.", readShelfFrame},

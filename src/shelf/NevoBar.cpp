@@ -21,8 +21,9 @@ std::shared_ptr<NevoBar> NevoBar::create(const Platform& platform) {
     return std::shared_ptr<NevoBar>(new NevoBar(platform));
 }
 
-void NevoBar::show(std::vector<BarItem> newItems) {
+void NevoBar::show(std::vector<BarItem> newItems, bool takesKeys) {
     dismiss();
+    hasKeys = takesKeys;
     items = std::move(newItems);
     auto screen = platform.screens.mainScreen();
     if (items.empty() || !screen) {
@@ -38,6 +39,7 @@ void NevoBar::show(std::vector<BarItem> newItems) {
 }
 
 void NevoBar::dismiss() {
+    giveKeysBack();
     clearViews();
     if (!panel) return;
     isClosing = true;

@@ -24,8 +24,9 @@ class NevoBar : public std::enable_shared_from_this<NevoBar> {
 public:
     static std::shared_ptr<NevoBar> create(const Platform& platform);
 
-    /// Opens the bar with these items; with none it closes.
-    void show(std::vector<BarItem> items);
+    /// Opens the bar with these items; with none it closes. One that `takesKeys` is operated by
+    /// keys too, and shows which slot they are for.
+    void show(std::vector<BarItem> items, bool takesKeys = false);
     /// Closes the bar. Safe when it is closed.
     void dismiss();
     /// Applies `appearanceTheme` and the style's border to what is on the screen.
@@ -51,6 +52,8 @@ public:
     std::function<void(const BarItem&)> onItemClicked;
     /// With the place on the screen; the bar stays open.
     std::function<void(const BarItem&, Point)> onItemRightClicked;
+    /// The user wants it closed; it is still open.
+    std::function<void()> onCancelled;
     /// All items in their new order.
     std::function<void(const std::vector<BarItem>&)> onItemsReordered;
     /// The toggle's x: the bar's anchor.
@@ -86,10 +89,18 @@ private:
     void dragBegins(const BarItem& item);
     void dragged(const BarItem& item, Point inPanel);
     void dragEnds(const BarItem& item);
-    std::optional<std::size_t> indexOf(const BarItem& item) const;
+    std::optional<std::size_t> indexOf(WindowNumber window) const;
     std::size_t dropIndex(std::size_t from, Point inPanel) const;
     void slideSlots(std::optional<std::size_t> leftOut);
     void settleSlot(WindowNumber window);
+
+    // Keys.
+    void takeKeys();
+    void giveKeysBack();
+    void keyPressed(PanelKey key);
+    std::size_t neighbour(std::size_t of, PanelKey towards) const;
+    void focusSlot(std::size_t index);
+    PanelView focusRing() const;
 
     const Platform& platform;
     std::unique_ptr<Panel> panel;
@@ -106,6 +117,10 @@ private:
     /// The blur, and the tint above it; none without slots.
     std::vector<PanelView> backgrounds;
     std::optional<WindowNumber> draggingWindowID;
+    bool hasKeys = false;
+    /// The slot that keys are for, while the bar has them.
+    std::optional<WindowNumber> focusedWindowID;
+    Registration idleKeysTimer;
     Registration refreshTimer;
     /// The panel fades away.
     bool isClosing = false;

@@ -85,9 +85,10 @@ void NevoBar::buildPanel(const Screen& screen) {
         addSlot(items[i], layout.slots[i]);
         views.push_back(itemSlotViews.back()->view);
     }
+    views.push_back(focusRing());
     panel->setViews(std::move(views));
     panel->orderFront();
-    panel->makeKey();
+    if (hasKeys) takeKeys();
 }
 
 std::vector<PanelView> NevoBar::backgroundViews(Size size) {

@@ -23,16 +23,16 @@ void moveElement(List& list, std::size_t from, std::size_t to) {
 }
 }  // namespace
 
-std::optional<std::size_t> NevoBar::indexOf(const BarItem& item) const {
+std::optional<std::size_t> NevoBar::indexOf(WindowNumber window) const {
     auto found = std::find_if(items.begin(), items.end(),
-                              [&](const BarItem& each) { return each.windowID == item.windowID; });
+                              [&](const BarItem& each) { return each.windowID == window; });
     auto index = static_cast<std::size_t>(found - items.begin());
     if (index >= itemSlotViews.size()) return std::nullopt;
     return index;
 }
 
 void NevoBar::dragBegins(const BarItem& item) {
-    auto index = indexOf(item);
+    auto index = indexOf(item.windowID);
     if (!isReorderingEnabled || !index || !panel) return;
     draggingWindowID = item.windowID;
     PanelView& view = itemSlotViews[*index]->view;
@@ -43,7 +43,7 @@ void NevoBar::dragBegins(const BarItem& item) {
 }
 
 void NevoBar::dragged(const BarItem& item, Point inPanel) {
-    auto index = indexOf(item);
+    auto index = indexOf(item.windowID);
     if (!isReorderingEnabled || draggingWindowID != item.windowID || !index || !panel) return;
     std::size_t target = dropIndex(*index, inPanel);
     if (target != *index) {
@@ -95,10 +95,11 @@ void NevoBar::slideSlots(std::optional<std::size_t> leftOut) {
         view.frame.x = x;
         if (i != leftOut) panel->setView(view, slide);
     }
+    panel->setView(focusRing(), slide);
 }
 
 void NevoBar::dragEnds(const BarItem& item) {
-    auto index = indexOf(item);
+    auto index = indexOf(item.windowID);
     if (!isReorderingEnabled || draggingWindowID != item.windowID || !index || !panel) return;
     draggingWindowID.reset();
     PanelView& view = itemSlotViews[*index]->view;

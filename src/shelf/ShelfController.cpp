@@ -5,6 +5,7 @@
 #include <algorithm>
 #include <limits>
 #include <set>
+#include <utility>
 
 #include "core/debugLog.h"
 #include "core/describe.h"
@@ -53,13 +54,14 @@ std::shared_ptr<ShelfController> ShelfController::create(
     return shelf;
 }
 
-void ShelfController::toggle(const std::string& from) {
+void ShelfController::toggle(const std::string& from, bool byKeys) {
     if (isTransitioning) {
         debugLog(fmt::format("[Shelf] toggle ignored: transition already running (from {})", from));
         return;
     }
     debugLog(fmt::format("[Shelf] toggle START from={} state={}", from, describe(shelfState)));
     isTransitioning = true;
+    opensByKeys = byKeys;
     spawn(platform.runLoop, runToggle(weak_from_this()));
 }
 
@@ -82,6 +84,7 @@ void ShelfController::performToggle() {
         case ShelfState::Kind::panelVisible:
             debugLog("[Shelf] toggle panelVisible -> collapsed (items stay pushed)");
             nevoBar->dismiss();
+            opensByKeys = false;
             shelfState = {};
             break;
         case ShelfState::Kind::presentingItem:
@@ -209,7 +212,8 @@ void ShelfController::showShelfPanel(const ScannedBarItems& items) {
     }
     nevoBar->animationsEnabled = appState.animationsEnabled();
     nevoBar->nevoIconX = savedFrame.x;
-    nevoBar->show(barItems(items));
+    // What opens again by itself leaves the keys to the window in use.
+    nevoBar->show(barItems(items), std::exchange(opensByKeys, false));
     shelfState = {ShelfState::Kind::panelVisible};
     openedAt = platform.runLoop.now();
     ++openings;

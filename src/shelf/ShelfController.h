@@ -53,8 +53,8 @@ public:
     std::function<void()> onClosed;
 
     /// Opens or closes the bar, in a task; `from` names the caller for the log. While one runs
-    /// another is ignored.
-    void toggle(const std::string& from);
+    /// another is ignored. A bar that is opened `byKeys` takes them.
+    void toggle(const std::string& from, bool byKeys);
     /// Takes the hidden items that a collapse has just pushed away, and the toggle's frame.
     void onItemsPushed(const ScannedBarItems& items, const Rect& toggleFrame);
     void updateCachedItemsAfterDrag(const ScannedBarItems& items);
@@ -99,7 +99,7 @@ private:
     void copyAppearance();
 
     void onItemClicked(const BarItem& item);
-    void onItemRightClicked(const BarItem& item);
+    void onItemRightClicked(const BarItem& item, Point onScreen);
     void onSelect(std::size_t index, const BarItem& item);
     void onItemsReordered(const std::vector<BarItem>& items);
 
@@ -131,6 +131,8 @@ private:
     int presentationRun = 0;
     /// From the start of `toggle` to the end of its task.
     bool isTransitioning = false;
+    /// Whether the opening that is under way is for somebody at the keys.
+    bool opensByKeys = false;
     double openedAt;
     /// How often the bar was opened.
     int openings = 0;

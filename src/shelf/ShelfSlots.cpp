@@ -26,8 +26,11 @@ void ShelfController::bindBarCallbacks() {
     nevoBar->onItemClicked = [weak](const BarItem& item) {
         if (auto self = weak.lock()) self->onItemClicked(item);
     };
-    nevoBar->onItemRightClicked = [weak](const BarItem& item, Point) {
-        if (auto self = weak.lock()) self->onItemRightClicked(item);
+    nevoBar->onItemRightClicked = [weak](const BarItem& item, Point onScreen) {
+        if (auto self = weak.lock()) self->onItemRightClicked(item, onScreen);
+    };
+    nevoBar->onCancelled = [weak] {
+        if (auto self = weak.lock()) self->dismissShelf();
     };
     nevoBar->onItemsReordered = [weak](const std::vector<BarItem>& items) {
         if (auto self = weak.lock()) self->onItemsReordered(items);
@@ -54,7 +57,7 @@ void ShelfController::onItemClicked(const BarItem& item) {
     presentItem(record);
 }
 
-void ShelfController::onItemRightClicked(const BarItem& item) {
+void ShelfController::onItemRightClicked(const BarItem& item, Point onScreen) {
     Panel* panel = nevoBar->openPanel();
     if (!isIn(ShelfState::Kind::panelVisible) || panel == nullptr) return;
     std::vector<MenuItem> rows;
@@ -64,7 +67,6 @@ void ShelfController::onItemRightClicked(const BarItem& item) {
         row.title = text(option.key);
         rows.push_back(row);
     }
-    Point mouse = platform.events.mouseLocation();
     Rect frame = panel->frame();
     auto closed = [weak = weak_from_this(), &runLoop = platform.runLoop,
                    item](std::optional<std::size_t> highlighted) {
@@ -74,7 +76,7 @@ void ShelfController::onItemRightClicked(const BarItem& item) {
             if (auto self = weak.lock()) self->onSelect(index, item);
         });
     };
-    platform.menus.popUp(rows, {mouse.x - frame.x, mouse.y - frame.y}, *panel, closed);
+    platform.menus.popUp(rows, {onScreen.x - frame.x, onScreen.y - frame.y}, *panel, closed);
 }
 
 void ShelfController::onSelect(std::size_t index, const BarItem& item) {

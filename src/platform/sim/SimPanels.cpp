@@ -109,6 +109,11 @@ void SimPanel::deliver(const Event& event) {
     handler(told);
 }
 
+void SimPanel::deliver(PanelKey key) {
+    auto handler = onKey;
+    if (handler) handler(key);
+}
+
 std::unique_ptr<Panel> SimPanels::create(const PanelConfiguration& configuration) {
     return std::make_unique<SimPanel>(*this, configuration);
 }
@@ -128,6 +133,12 @@ SimPanel* SimPanels::at(Point place) const {
             return *each;
     }
     return nullptr;
+}
+
+SimPanel* SimPanels::key() const {
+    auto found = std::find_if(all.rbegin(), all.rend(),
+                              [](const SimPanel* panel) { return panel->hasKeys(); });
+    return found == all.rend() ? nullptr : *found;
 }
 
 SimPanel* SimPanels::find(WindowNumber window) const {

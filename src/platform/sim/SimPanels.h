@@ -30,7 +30,8 @@ public:
     void setAlpha(double alpha) override { panelAlpha = alpha; }
     void animateAlpha(double alpha, Animation animation, std::function<void()> done) override;
     void orderFront() override;
-    void makeKey() override { isKey = configuration.canBecomeKey; }
+    bool makeKey() override { return isKey = configuration.canBecomeKey; }
+    void resignKey() override { isKey = false; }
     void orderOut() override;
     bool isVisible() const override;
 
@@ -46,6 +47,7 @@ public:
     /// Hands an event on to the view that it is for; its location has its origin at the bottom
     /// left of the main display.
     void deliver(const Event& event);
+    void deliver(PanelKey key);
 
 private:
     const PanelView* viewAt(Point inPanel) const;
@@ -75,6 +77,8 @@ public:
     std::vector<SimPanel*> visible() const;
     /// The topmost one at a place (origin at the top left) that takes the mouse; nullptr for none.
     SimPanel* at(Point place) const;
+    /// The one that has the keys; nullptr for none.
+    SimPanel* key() const;
     /// nullptr when no panel has that window.
     SimPanel* find(WindowNumber window) const;
     std::size_t count() const { return all.size(); }

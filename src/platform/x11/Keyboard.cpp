@@ -48,6 +48,12 @@ std::optional<xcb_keycode_t> Keyboard::keyFor(xcb_keysym_t symbol) {
     return std::nullopt;
 }
 
+xcb_keysym_t Keyboard::symbolOf(xcb_keycode_t key) {
+    refresh();
+    std::size_t place = static_cast<std::size_t>(key - firstKey) * levels;
+    return key < firstKey || place >= symbols.size() ? 0 : symbols[place];
+}
+
 std::optional<std::uint16_t> Keyboard::stateFor(ModifierFlags flags) {
     refresh();
     std::uint16_t result = 0;

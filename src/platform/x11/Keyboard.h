@@ -17,6 +17,8 @@ public:
     std::vector<xcb_keycode_t> keysFor(ModifierFlags flags);
     /// The key that gives `symbol`, if possible without Shift; nothing when there is none.
     std::optional<xcb_keycode_t> keyFor(xcb_keysym_t symbol);
+    /// What the key gives without any modifier; 0 for nothing.
+    xcb_keysym_t symbolOf(xcb_keycode_t key);
     /// The bits that `flags` set in the state of an event; nothing when a modifier is missing.
     std::optional<std::uint16_t> stateFor(ModifierFlags flags);
     /// The bit of Num Lock in the state of an event; 0 when there is none.

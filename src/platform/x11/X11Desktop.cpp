@@ -90,6 +90,7 @@ struct X11Desktop::Parts {
     X11ScreenCapture capture;
     X11Images images;
     Compositor compositor;
+    PanelKeys panelKeys;
     X11Panels panels;
     X11Menus menus;
     X11Popovers popovers;
@@ -123,8 +124,9 @@ struct X11Desktop::Parts {
           loginSession(workspaceNotifications, log),
           capture(windows),
           compositor(server, pump),
-          panels(server, screens, monitors, numbers, compositor),
-          menus(server, bar, images, compositor),
+          panelKeys(server, pump, keyboard),
+          panels(server, screens, monitors, numbers, compositor, panelKeys),
+          menus(server, bar, images, compositor, panelKeys),
           popovers(server, bar, images, compositor),
           surfaceWindows(images, server, pump),
           loginItem(application.bundlePath()),

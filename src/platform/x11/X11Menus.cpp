@@ -80,8 +80,9 @@ Point hangingPlace(XServer& server, BarClient& bar, const StatusItemButton& butt
     return place;
 }
 
-X11Menus::X11Menus(XServer& x, BarClient& client, const Images& pictures, const Compositor& manager)
-    : server(x), bar(client), images(pictures), compositor(manager) {}
+X11Menus::X11Menus(XServer& x, BarClient& client, const Images& pictures, const Compositor& manager,
+                   PanelKeys& panelKeys)
+    : server(x), bar(client), images(pictures), compositor(manager), keys(panelKeys) {}
 
 void X11Menus::popUp(const std::vector<MenuItem>& items, Point, StatusItemButton& button) {
     auto chosen = choose(items, hangingPlace(server, bar, button, 0));
@@ -108,6 +109,7 @@ std::optional<std::size_t> X11Menus::choose(const std::vector<MenuItem>& items, 
     std::optional<std::size_t> chosen;
     QObject::connect(&menu, &QMenu::triggered, &menu,
                      [&](QAction* action) { chosen = action->data().value<std::size_t>(); });
+    Registration menuHasKeys = keys.lend();
     menu.exec(QtScale::at(root).fromRoot(root));
     return chosen;
 }

@@ -5,12 +5,14 @@
 #include "platform/RunLoop.h"
 #include "platform/x11/BarClient.h"
 #include "platform/x11/Compositor.h"
+#include "platform/x11/PanelKeys.h"
 
 namespace nevo {
 
 class X11Menus : public Menus {
 public:
-    X11Menus(XServer& x, BarClient& client, const Images& pictures, const Compositor& manager);
+    X11Menus(XServer& x, BarClient& client, const Images& pictures, const Compositor& manager,
+             PanelKeys& panelKeys);
     void popUp(const std::vector<MenuItem>& items, Point location,
                StatusItemButton& button) override;
     void popUp(const std::vector<MenuItem>& items, Point location, Panel& panel,
@@ -25,6 +27,7 @@ private:
     BarClient& bar;
     const Images& images;
     const Compositor& compositor;
+    PanelKeys& keys;
 };
 
 class X11Popovers : public Popovers {

@@ -132,8 +132,18 @@ void X11Panel::orderFront() { window->showInFront(); }
 
 void X11Panel::orderOut() {
     window->hide();
+    resignKey();
     leftPressed.clear();
     rightPressed.clear();
+}
+
+bool X11Panel::makeKey() {
+    keys = context->keys.hold([this](PanelKey key) {
+        // From a copy: the handler may destroy the panel.
+        auto call = onKey;
+        if (call) window->whileAlive([&] { call(key); });
+    });
+    return static_cast<bool>(keys);
 }
 
 void X11Panel::setComposited(bool composited) {
@@ -175,9 +185,9 @@ void X11Panel::deliver(EventType type, Point inPanel, ModifierFlags modifiers) {
 }
 
 X11Panels::X11Panels(XServer& x, Screens& screens, LocalMonitors& monitors, WindowNumbers& numbers,
-                     Compositor& compositor)
+                     Compositor& compositor, PanelKeys& keys)
     : context(std::make_shared<PanelContext>(
-          PanelContext{x, screens, monitors, numbers, compositor, {}})) {
+          PanelContext{x, screens, monitors, numbers, compositor, keys, {}})) {
     compositor.changed = [this] {
         bool isRunning = context->compositor.isRunning();
         for (X11Panel* panel : context->panels) panel->setComposited(isRunning);

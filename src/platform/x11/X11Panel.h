@@ -6,6 +6,7 @@
 
 #include "platform/x11/Compositor.h"
 #include "platform/x11/LocalMonitors.h"
+#include "platform/x11/PanelKeys.h"
 #include "platform/x11/PanelMotion.h"
 #include "platform/x11/PanelWindow.h"
 #include "platform/x11/WindowNumbers.h"
@@ -21,6 +22,7 @@ struct PanelContext {
     LocalMonitors& monitors;
     WindowNumbers& numbers;
     Compositor& compositor;
+    PanelKeys& keys;
     std::vector<X11Panel*> panels;
 };
 
@@ -44,8 +46,8 @@ public:
     void setAlpha(double alpha) override;
     void animateAlpha(double alpha, Animation animation, std::function<void()> done) override;
     void orderFront() override;
-    /// Nothing: the keys stay with the window in use.
-    void makeKey() override {}
+    bool makeKey() override;
+    void resignKey() override { keys.reset(); }
     void orderOut() override;
     bool isVisible() const override { return window->isVisible(); }
 
@@ -74,6 +76,7 @@ private:
     /// Where the left button went down, and the right one.
     std::string leftPressed;
     std::string rightPressed;
+    Registration keys;
     PanelWindowOwner window;
     MovingViews views;
     /// Dies with the panel: what runs later sees that.
@@ -83,7 +86,7 @@ private:
 class X11Panels : public Panels {
 public:
     X11Panels(XServer& x, Screens& screens, LocalMonitors& monitors, WindowNumbers& numbers,
-              Compositor& compositor);
+              Compositor& compositor, PanelKeys& keys);
     ~X11Panels() override;
 
     std::unique_ptr<Panel> create(const PanelConfiguration& configuration) override;
