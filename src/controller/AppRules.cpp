@@ -87,7 +87,11 @@ void StatusBarController::restoreAppRuleOverrides() {
     debugLog("[AppRule] Restoring overrides for " + *appRuleActiveForBundleID);
     sectionManager.opacity.removeAll(ItemOpacity::Reason::hiddenInFront);
     sectionManager.opacity.removeAll(ItemOpacity::Reason::shownInFront);
-    if (nevoBar->isPanelVisible()) nevoBar->dismiss();
+    if (isShelfIn(ShelfState::Kind::panelVisible)) {
+        shelfController->dismissShelf();
+    } else if (nevoBar->isPanelVisible()) {
+        nevoBar->dismiss();
+    }
     appRuleActiveForBundleID.reset();
 }
 

@@ -9,6 +9,8 @@ namespace nevo {
 
 namespace {
 
+/// The floating bar has opened or closed by then.
+constexpr double shelfSettleTime = 0.3;
 constexpr Size promptSize{440, 420};
 constexpr double promptSymbolSize = 88;
 /// A moment after this process has gone.
@@ -37,6 +39,9 @@ ShelfController& StatusBarController::shelf() {
     if (!shelfController) {
         shelfController = ShelfController::create(platform, appState, nevoBar, sectionManager,
                                                   services.scanner, services.mover);
+        shelfController->onOpened = [weak = weak_from_this()] {
+            if (auto self = weak.lock()) self->shelfHasOpened();
+        };
         // However the bar has closed, the decoys take its place.
         shelfController->onClosed = [weak = weak_from_this()] {
             auto self = weak.lock();
@@ -63,14 +68,22 @@ void StatusBarController::bindBarForPushMode() {
 }
 
 void StatusBarController::shelfHasOpened() {
-    decoyController->hide();
-    decoyController->stopRefreshing();
     startShelfAutoHideTimer();
+    settleShelfSoon();
 }
 
-void StatusBarController::shelfHasClosed() {
-    spawn(platform.runLoop, DecoyPanelController::rebuild(decoyController));
-    autoHideTimer.reset();
+void StatusBarController::settleShelfSoon() {
+    afterDelay(shelfSettleTime, &StatusBarController::shelfHasSettled);
+}
+
+void StatusBarController::shelfHasSettled() {
+    if (nevoBar->isOpen()) {
+        decoyController->hide();
+        decoyController->stopRefreshing();
+    } else {
+        spawn(platform.runLoop, DecoyPanelController::rebuild(decoyController));
+        autoHideTimer.reset();
+    }
 }
 
 void StatusBarController::showShelfScreenRecordingPrompt() {

@@ -20,6 +20,7 @@ void StatusBarController::updateSnapshot(const ScannedBarItems& items, bool skip
     appState.setHiddenBundleIDs(std::move(hiddenBundles));
     appState.setSnapshotItems(snapshotItemsOf(items));
     noteNewItems();
+    if (shelfController) shelfController->renewSlots();
 }
 
 /// Tells which rules the items' places don't fit; positions never change a rule here.

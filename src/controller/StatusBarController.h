@@ -280,7 +280,8 @@ private:
     void shelfAppearanceChanged();
     /// What a bar that has opened, or closed, means for the decoys and the timer.
     void shelfHasOpened();
-    void shelfHasClosed();
+    void settleShelfSoon();
+    void shelfHasSettled();
     void showShelfScreenRecordingPrompt();
     void restartNevo();
     void clickedOutside();

@@ -11,8 +11,6 @@ namespace {
 constexpr double toggleGuardTime = 0.1;
 /// The bar's layout needs a moment before the toggle's new place can be read.
 constexpr double collapseSettleTime = 0.08;
-/// The floating bar has opened or closed by then.
-constexpr double shelfSettleTime = 0.3;
 
 }  // namespace
 
@@ -64,23 +62,18 @@ void StatusBarController::toggleShelfMode(bool byKeys) {
         showShelfScreenRecordingPrompt();
         return;
     }
+    // A change of displays may have put the shelf in force.
+    shelf().bindBarCallbacks();
     auto weak = weak_from_this();
     if (appState.isExpanded() || !sectionManager.isHiddenDividerCollapsed()) {
         debugLog("[Shelf] toggle repairing expanded shelf section before opening");
         startCollapse([weak, byKeys] {
-            auto self = weak.lock();
-            if (!self) return;
-            self->shelf().toggle("repairShelf", byKeys);
-            self->shelfHasOpened();
+            if (auto self = weak.lock()) self->shelf().toggle("repairShelf", byKeys);
         });
         return;
     }
-    // A change of displays may have put the shelf in force.
-    shelf().bindBarCallbacks();
-    bool wasCollapsed = shelf().isIn(ShelfState::Kind::collapsed);
     shelf().toggle("toggleShelf", byKeys);
-    afterDelay(shelfSettleTime, wasCollapsed ? &StatusBarController::shelfHasOpened
-                                             : &StatusBarController::shelfHasClosed);
+    settleShelfSoon();
 }
 
 void StatusBarController::startCollapse(std::function<void()> completion) {
@@ -176,6 +169,8 @@ void StatusBarController::verifyAfterCollapse() {
 }
 
 void StatusBarController::expandHiddenSection() {
+    // What a rule of the front application has put there is in the row now.
+    nevoBar->dismiss();
     refreshToggleButton();
     cachedHiddenItems.clear();
     appState.setIsExpanded(true);

@@ -162,7 +162,6 @@ const std::vector<std::string>& Probes::texts() {
         "[Shelf] panel visible count=",
         "[Shelf] displayItems: using shelf cache fallback",
         "[Shelf] displayItems: hidden=",
-        "[Shelf] background refresh: items changed",
         "[Shelf] cache was empty; opening panel",
         "[Shelf] No items to show in shelf",
         "[Shelf] dismissShelf",
@@ -173,9 +172,9 @@ const std::vector<std::string>& Probes::texts() {
         "[NevoBar] Item clicked: ... callback=true",
         "[NevoBar] Item right-clicked",
         "[NevoBar] No items found",
+        "[NevoBar] slots renewed",
         // Items that it brings out.
         "[Shelf] presentItem begin",
-        "[Shelf] presentItem ignored",
         "[Shelf] presentItem resolved",
         "[Shelf] presentItem failed: missing hidden bounds",
         "[Shelf] presentItem failed to move",

@@ -27,6 +27,11 @@ public:
     /// Opens the bar with these items; with none it closes. One that `takesKeys` is operated by
     /// keys too, and shows which slot they are for.
     void show(std::vector<BarItem> items, bool takesKeys = false);
+    /// Takes over what has come and gone while the bar is open: the slot of an item without a
+    /// window is empty until the item, known by its identity, is among `latest` again. Items that
+    /// had no slot come at the end if `addsNew`. All other slots stay as they are, where they are.
+    /// While a slot is dragged nothing happens.
+    void renew(const std::vector<BarItem>& latest, bool addsNew);
     /// Closes the bar. Safe when it is closed.
     void dismiss();
     /// Applies `appearanceTheme` and the style's border to what is on the screen.
@@ -66,6 +71,10 @@ private:
     void buildPanel(const Screen& screen);
     std::vector<PanelView> backgroundViews(Size size);
     void addSlot(const BarItem& item, const Rect& frame);
+    void fillPanel();
+    bool takeOver(const std::vector<BarItem>& latest, bool addsNew);
+    static std::string slotKey(const BarItem& item);
+    static bool isEmptySlot(const BarItem& item) { return item.windowID == 0; }
     ShelfLayout layoutOn(const Screen& screen) const;
     Rect frameFor(Size size, const Screen& screen) const;
     void bindSlot(ClickableItemView& slot, const BarItem& item);
@@ -105,7 +114,7 @@ private:
     const Platform& platform;
     std::unique_ptr<Panel> panel;
     ShelfLayout layout;
-    /// In slot order.
+    /// In slot order. One whose program has gone has no window.
     std::vector<BarItem> items;
     /// Same order as `items`.
     std::vector<std::shared_ptr<ClickableItemView>> itemSlotViews;

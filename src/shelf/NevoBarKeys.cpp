@@ -1,5 +1,6 @@
 #include <algorithm>
 #include <cmath>
+#include <iterator>
 #include <tuple>
 
 #include "shelf/NevoBar.h"
@@ -22,7 +23,7 @@ void NevoBar::takeKeys() {
     hasKeys = panel->makeKey();
     if (!hasKeys) return;
     auto index = focusedWindowID ? indexOf(*focusedWindowID) : std::nullopt;
-    focusSlot(index.value_or(0));
+    focusSlot(index.value_or(neighbour(0, PanelKey::first)));
 }
 
 void NevoBar::giveKeysBack() {
@@ -55,19 +56,29 @@ void NevoBar::keyPressed(PanelKey key) {
     }
 }
 
-/// The slot that a key leads to; the same one where there is none. Along the row one comes from its
-/// end into the next; up and down lead to the slot above or below.
+/// The slot that a key leads to, empty ones left out; the same one where there is none. Along the
+/// row one comes from its end into the next; up and down lead to the slot above or below.
 std::size_t NevoBar::neighbour(std::size_t of, PanelKey towards) const {
-    std::size_t last = items.size() - 1;
+    auto isFull = [](const BarItem& item) { return !isEmptySlot(item); };
+    auto begin = items.begin();
+    auto own = begin + static_cast<std::ptrdiff_t>(of);
+    auto after = [&](auto from) {
+        auto found = std::find_if(from, items.end(), isFull);
+        return found == items.end() ? of : static_cast<std::size_t>(found - begin);
+    };
+    auto before = [&](auto end) {
+        auto found = std::find_if(std::make_reverse_iterator(end), items.rend(), isFull);
+        return found == items.rend() ? of : static_cast<std::size_t>(items.rend() - found - 1);
+    };
     switch (towards) {
         case PanelKey::left:
-            return of == 0 ? of : of - 1;
+            return before(own);
         case PanelKey::right:
-            return std::min(of + 1, last);
+            return after(own + 1);
         case PanelKey::first:
-            return 0;
+            return after(begin);
         case PanelKey::last:
-            return last;
+            return before(items.end());
         default:
             break;
     }
@@ -78,8 +89,8 @@ std::size_t NevoBar::neighbour(std::size_t of, PanelKey towards) const {
                           std::abs(slots[i].midX() - slots[of].midX()));
     };
     std::size_t best = of;
-    for (std::size_t i = 0; i <= last; ++i) {
-        bool isBeyond = std::get<0>(distance(i)) > 0;
+    for (std::size_t i = 0; i < items.size(); ++i) {
+        bool isBeyond = isFull(items[i]) && std::get<0>(distance(i)) > 0;
         if (isBeyond && (best == of || distance(i) < distance(best))) best = i;
     }
     return best;
@@ -99,9 +110,8 @@ PanelView NevoBar::focusRing() const {
     ring.key = "focus";
     auto index = focusedWindowID ? indexOf(*focusedWindowID) : std::nullopt;
     if (!index) return ring;
-    ring.frame = layout.slots[*index].grownBy(ringWidth / 2);
-    ring.cornerRadius = configuration().slotCornerRadius + ringWidth / 2;
-    ring.background = appearanceTheme.highlightedSlotBackgroundColor;
+    ring.frame = layout.slots[*index].grownBy(ringWidth);
+    ring.cornerRadius = configuration().slotCornerRadius;
     ring.borderWidth = ringWidth;
     ring.borderColor = appearanceTheme.textColor;
     return ring;

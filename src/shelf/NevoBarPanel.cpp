@@ -42,6 +42,8 @@ double slotWidth(const BarItem& item) {
 
 }  // namespace
 
+std::string NevoBar::slotKey(const BarItem& item) { return fmt::format("slot:{}", item.windowID); }
+
 /// What the items take, in one row or in several.
 ShelfLayout NevoBar::layoutOn(const Screen& screen) const {
     const ShelfBarStyleConfiguration& c = configuration();
@@ -80,15 +82,20 @@ void NevoBar::buildPanel(const Screen& screen) {
         if (auto self = weak.lock()) self->handle(event);
     };
 
-    std::vector<PanelView> views = backgrounds = backgroundViews(layout.size);
+    for (std::size_t i = 0; i < items.size(); ++i) addSlot(items[i], layout.slots[i]);
+    fillPanel();
+    panel->orderFront();
+    if (hasKeys) takeKeys();
+}
+
+void NevoBar::fillPanel() {
+    backgrounds = backgroundViews(layout.size);
+    std::vector<PanelView> views = backgrounds;
     for (std::size_t i = 0; i < items.size(); ++i) {
-        addSlot(items[i], layout.slots[i]);
-        views.push_back(itemSlotViews.back()->view);
+        if (!isEmptySlot(items[i])) views.push_back(itemSlotViews[i]->view);
     }
     views.push_back(focusRing());
     panel->setViews(std::move(views));
-    panel->orderFront();
-    if (hasKeys) takeKeys();
 }
 
 std::vector<PanelView> NevoBar::backgroundViews(Size size) {
@@ -109,13 +116,14 @@ std::vector<PanelView> NevoBar::backgroundViews(Size size) {
 
 void NevoBar::addSlot(const BarItem& item, const Rect& frame) {
     PanelView view;
-    view.key = fmt::format("slot:{}", item.windowID);
+    view.key = slotKey(item);
     view.frame = frame;
     view.cornerRadius = configuration().slotCornerRadius;
     view.toolTip = item.label;
     auto slot = std::make_shared<ClickableItemView>(std::move(view), normalSlotColor(),
                                                     appearanceTheme.highlightedSlotBackgroundColor);
     itemSlotViews.push_back(slot);
+    if (isEmptySlot(item)) return;
     if (item.icon) {
         setImage(*slot, item.windowID, *item.icon);
         itemImageViews[item.windowID] = slot;

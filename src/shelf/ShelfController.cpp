@@ -14,12 +14,6 @@ namespace nevo {
 
 namespace {
 constexpr double snapshotAge = 3.0;
-
-std::set<WindowNumber> windowsOf(const ScannedBarItems& items) {
-    std::set<WindowNumber> windows;
-    for (const ScannedBarItem& item : items) windows.insert(item.windowID);
-    return windows;
-}
 }  // namespace
 
 std::string describe(ShelfState state) {
@@ -183,15 +177,11 @@ Task<> ShelfController::refresh(std::weak_ptr<ShelfController> owner, ScannedBar
     if (!self) co_return;
     self->sectionManager.lastExpandedSnapshot = self->sectionManager.classify(items);
     self->cachedItems = self->snapshotSection(SectionName::hidden);
-    ScannedBarItems latest = self->displayItems();
     if (self->nevoBar->isPanelVisible()) {
-        bool same = reference.size() == latest.size() && windowsOf(reference) == windowsOf(latest);
-        if (!same)
-            debugLog(
-                "[Shelf] background refresh: items changed but skipping re-render to avoid flash "
-                "(wait for next open)");
+        self->renewSlots();
         co_return;
     }
+    ScannedBarItems latest = self->displayItems();
     // The toggle found nothing to show and the user still waits for it: nothing was opened, closed
     // or presented since. A bar that did open and is closed now was closed by the user.
     bool stillWanted = reference.empty() && wasCollapsed && self->openedAt == openedBefore &&
@@ -219,6 +209,13 @@ void ShelfController::showShelfPanel(const ScannedBarItems& items) {
     ++openings;
     debugLog(fmt::format("[Shelf] panel visible count={} panelFrame={}", items.size(),
                          describe(nevoBar->panelFrame())));
+    if (onOpened) onOpened();
+}
+
+/// A bar that only shows what a rule of the front application has put into it gets nothing new.
+void ShelfController::renewSlots() {
+    if (nevoBar->isOpen())
+        nevoBar->renew(barItems(displayItems()), isIn(ShelfState::Kind::panelVisible));
 }
 
 void ShelfController::onItemsPushed(const ScannedBarItems& items, const Rect& toggleFrame) {
@@ -226,7 +223,8 @@ void ShelfController::onItemsPushed(const ScannedBarItems& items, const Rect& to
     cachedItems = items;
     nevoBar->nevoIconX = toggleFrame.x;
     copyAppearance();
-    shelfState = {};
+    // Another collapse may have been under way when the user opened the bar.
+    if (!isIn(ShelfState::Kind::panelVisible) || !nevoBar->isOpen()) shelfState = {};
     debugLog(fmt::format("[Shelf] onItemsPushed cached={} frame={}", items.size(),
                          describe(toggleFrame)));
 }

@@ -49,6 +49,8 @@ public:
     /// Seconds on the run loop's clock; long ago before the first opening.
     double panelOpenedAt() const { return openedAt; }
 
+    /// Called when the bar has opened, by whatever.
+    std::function<void()> onOpened;
     /// Called when the bar has closed, or an item been taken back, by anything but `toggle`.
     std::function<void()> onClosed;
 
@@ -58,6 +60,8 @@ public:
     /// Takes the hidden items that a collapse has just pushed away, and the toggle's frame.
     void onItemsPushed(const ScannedBarItems& items, const Rect& toggleFrame);
     void updateCachedItemsAfterDrag(const ScannedBarItems& items);
+    /// Brings the slots of an open bar up to date with the snapshot of the sections.
+    void renewSlots();
     /// Copies the current appearance settings into the bar.
     void refreshBarAppearance();
     /// Closes the bar if it is open.
@@ -100,6 +104,8 @@ private:
 
     void onItemClicked(const BarItem& item);
     void onItemRightClicked(const BarItem& item, Point onScreen);
+    void presentSlot(const ScannedBarItem& item);
+    static Task<> presentRenewed(std::weak_ptr<ShelfController> owner, ScannedBarItem item);
     void onSelect(std::size_t index, const BarItem& item);
     void onItemsReordered(const std::vector<BarItem>& items);
 

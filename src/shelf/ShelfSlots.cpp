@@ -6,6 +6,7 @@
 #include "core/Texts.h"
 #include "core/debugLog.h"
 #include "core/describe.h"
+#include "discovery/ItemIdentity.h"
 #include "shelf/ShelfController.h"
 
 namespace nevo {
@@ -18,6 +19,9 @@ struct RuleOption {
     IconRule rule;
 };
 constexpr std::array<RuleOption, 1> ruleOptions{{{"icon_rule.always_show", IconRule::alwaysShow}}};
+
+/// The row's layout takes a moment when an item comes; the bar fades meanwhile.
+constexpr double returnTime = 0.1;
 
 }  // namespace
 
@@ -54,7 +58,39 @@ void ShelfController::onItemClicked(const BarItem& item) {
         record.icon = item.icon;
         record.windowID = item.windowID;
     }
-    presentItem(record);
+    if (mover.readableFrame(record.windowID)) {
+        presentSlot(record);
+    } else {
+        spawn(platform.runLoop, presentRenewed(weak_from_this(), record));
+    }
+}
+
+/// The item of a slot whose window is gone may have come again, and nobody has told of it yet.
+Task<> ShelfController::presentRenewed(std::weak_ptr<ShelfController> owner, ScannedBarItem item) {
+    auto self = owner.lock();
+    if (!self) co_return;
+    MenuBarScanner& itemScanner = self->scanner;
+    std::set<WindowNumber> own = self->sectionManager.ownWindowIDs();
+    self.reset();
+    co_await sleep(returnTime);
+    ScannedBarItems items = co_await itemScanner.scanCached(own, 0.0);
+    self = owner.lock();
+    if (!self) co_return;
+    if (!items.empty()) {
+        self->sectionManager.lastExpandedSnapshot = self->sectionManager.classify(items);
+        self->cachedItems = self->snapshotSection(SectionName::hidden);
+    }
+    const ScannedBarItem* again = findByPersistedID(items, item.persistedID);
+    self->presentSlot(again != nullptr ? *again : item);
+}
+
+void ShelfController::presentSlot(const ScannedBarItem& item) {
+    if (isIn(ShelfState::Kind::panelVisible)) {
+        presentItem(item);
+    } else {
+        // Out of a bar that a rule of the front application has opened.
+        bringOut(item);
+    }
 }
 
 void ShelfController::onItemRightClicked(const BarItem& item, Point onScreen) {
@@ -110,6 +146,8 @@ void ShelfController::onItemsReordered(const std::vector<BarItem>& items) {
     for (const BarItem& item : items) ids.push_back(item.persistedID);
     appState.rules.saveShelfItemOrder(ids);
     debugLog(fmt::format("[Shelf] saved custom order count={}", ids.size()));
+    // What has changed during the drag.
+    renewSlots();
 }
 
 }  // namespace nevo

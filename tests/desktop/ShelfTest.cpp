@@ -142,6 +142,88 @@ TEST_F(Shelf, opensAndClosesUnderTheToggleAndLeavesTheWindowInUseAlone) {
     EXPECT_EQ(names(), all);
 }
 
+TEST_F(Shelf, eachOfSixtyItemsIsReachedByKeysAndTheKeysGoBack) {
+    startProgram("openbox");
+    startDesktop();
+    std::vector<std::unique_ptr<Probe>> crowd;
+    auto colorOf = [](std::size_t i) { return static_cast<std::uint32_t>(0x400000 + i * 3); };
+    for (std::size_t i = 0; i < 60; ++i) {
+        crowd.push_back(std::make_unique<Probe>());
+        crowd.back()->paint(colorOf(i), yellow);
+    }
+    waitForItems(65);
+    startUsing(R"(, "displayMode": "shelf", "animationsEnabled": false,
+                  "nevo_shelf_appearance": "highContrast")");
+    Process& inUse = startProgram("xev");
+    waitFor("a window is in use", [&] { return focused() == inUse.pid(); });
+
+    auto placeInRow = [&](std::size_t i) {
+        auto row = programItems();
+        return std::find_if(row.begin(), row.end(),
+                            [&](const Item& item) { return item.client == crowd[i]->window(); }) -
+               row.begin();
+    };
+    /// The ring around a slot is white in this theme.
+    auto waitForFocus = [&](std::size_t i) {
+        waitFor("the ring is around the item's slot", [&] {
+            auto slot = shelf() ? iconIn(*shelf(), colorOf(i), yellow) : std::nullopt;
+            return slot &&
+                   screenshot().pixels({slot->x - 1, slot->midY(), 1, 1}).front() == 0xffffff;
+        });
+    };
+    auto waitForKeys = [&] {
+        waitFor("the shelf has the keys", [&] {
+            return shelf() &&
+                   screenshot().pixels({shelf()->x + 4, shelf()->y + 12, 1, 1}).front() == 0xffffff;
+        });
+    };
+    for (std::size_t i : {0U, 23U, 42U, 59U}) {
+        pressShortcut();
+        waitForKeys();
+        EXPECT_TRUE(isInSight(*shelf()));
+        bool fromEnd = placeInRow(i) > 32;
+        hand->press(fromEnd ? endKey : homeKey);
+        for (auto step = fromEnd ? placeInRow(i) : 0; step < (fromEnd ? 64 : placeInRow(i)); ++step)
+            hand->press(fromEnd ? leftKey : rightKey);
+        waitForFocus(i);
+        EXPECT_EQ(focused(), inUse.pid());
+        hand->press(returnKey);
+        waitForNoShelf();
+        waitFor("the item is out", [&] {
+            auto row = items();
+            auto out = std::find_if(row.begin(), row.end(), [&](const Item& item) {
+                return item.client == crowd[i]->window();
+            });
+            return out->onScreen && out->place.x > toggleItem().place.maxX();
+        });
+        EXPECT_EQ(namesOnScreen().size(), 1U);
+    }
+
+    // A menu has the keys for its own time, and the hot key counts while the shelf has them.
+    pressShortcut();
+    waitForKeys();
+    auto before = windowsBelowBar().size();
+    hand->press(menuKey);
+    waitFor("the menu is open", [&] { return windowsBelowBar().size() > before; });
+    hand->press(escapeKey);
+    waitFor("the menu has closed", [&] { return windowsBelowBar().size() == before; });
+    ASSERT_TRUE(shelf());
+    hand->press(endKey);
+    hand->press(homeKey);
+    waitForKeys();
+    pressShortcut();
+    waitForNoShelf();
+    pressShortcut();
+    waitForKeys();
+    hand->press(escapeKey);
+    waitForNoShelf();
+    EXPECT_EQ(focused(), inUse.pid());
+    EXPECT_EQ(inUse.output().find("keysym 0xff0d, Return"), std::string::npos);
+    hand->press(returnKey);
+    waitFor("the window in use has the keys again",
+            [&] { return inUse.output().find("keysym 0xff0d, Return") != std::string::npos; });
+}
+
 TEST_F(Shelf, aSlotShowsWhatItsProgramDraws) {
     startShelf();
     Rect open = openShelf();
