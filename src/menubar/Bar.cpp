@@ -258,16 +258,23 @@ MenuBarRow::Room Bar::room() const {
 void Bar::publishGeometry() {
     systemAreaWidth =
         std::max({systemAreaWidth, smallestSystemArea, clockFace.width() + 2 * clockMargin});
-    const PixelRect& bar = windows.front()->rect();
     std::vector<std::uint32_t> values;
-    for (int value : {bar.x, bar.y, bar.width, bar.height, systemAreaLeft()}) {
-        values.push_back(static_cast<std::uint32_t>(value));
+    auto add = [&values](int value) { values.push_back(static_cast<std::uint32_t>(value)); };
+    for (const auto& window : windows) {
+        const PixelRect& bar = window->rect();
+        for (int value : {bar.x, bar.y, bar.width, bar.height}) add(value);
+        if (window == windows.front()) add(systemAreaLeft());
     }
     if (values == publishedGeometry) return;
     publishedGeometry = values;
     xcb_window_t control = host->controlWindow();
-    xcb::writeNumbers(display.get(), control, display.atom(barprotocol::geometry), XCB_ATOM_INTEGER,
-                      values);
+    constexpr std::size_t numbersOfFirst = 5;
+    auto write = [&](const char* property, std::span<const std::uint32_t> numbers) {
+        xcb::writeNumbers(display.get(), control, display.atom(property), XCB_ATOM_INTEGER,
+                          numbers);
+    };
+    write(barprotocol::geometry, std::span(values).first(numbersOfFirst));
+    write(barprotocol::otherBars, std::span(values).subspan(numbersOfFirst));
     xcb_window_t window = windows.front()->window();
     xcb::writeNumbers(display.get(), control, display.atom(barprotocol::barWindow), XCB_ATOM_WINDOW,
                       std::span(&window, 1));

@@ -1,5 +1,7 @@
 #include "desktop/ContractSessions.h"
 
+#include <fmt/format.h>
+
 #include <csignal>
 #include <cstdlib>
 
@@ -47,6 +49,11 @@ bool SimSession::soon(const std::function<bool()>& condition) {
     return condition();
 }
 
+void SimSession::setScreens(Size main, const Rect& second) {
+    desktop.putDisplay({1, {0, 0, main.width, main.height}, 0, 1});
+    desktop.putDisplay({2, second, 0, 1});
+}
+
 void X11Session::SetUp() {
     DesktopSession::SetUp();
     startBar();
@@ -85,6 +92,17 @@ Item X11Session::itemOf(const std::string& label) const {
         if (item.pid == shown.at(label)->pid()) return item;
     }
     throw Failed("there is no item of " + label);
+}
+
+void X11Session::setScreens(Size main, const Rect& second) {
+    auto geometry = [](const Rect& place) {
+        return fmt::format("{}/200x{}/100+{}+{}", place.width, place.height, place.x, place.y);
+    };
+    // The main one needn't be in the corner.
+    constexpr Point origin{600, 100};
+    setMonitor(geometry({origin.x, origin.y, main.width, main.height}));
+    addSecondMonitor(
+        geometry({origin.x + second.x, origin.y + second.y, second.width, second.height}));
 }
 
 bool X11Session::soon(const std::function<bool()>& condition) {

@@ -33,6 +33,10 @@ protected:
     void drag(Point from, Point to);
     void movePointer(Point to) { desktop.events.move(to); }
     bool soon(const std::function<bool()>& condition);
+    /// Another size for the main screen, and a second one beside it: origin at the top left of the
+    /// main one.
+    void setScreens(Size main, const Rect& second);
+    void removeSecondScreen() { desktop.removeDisplay(2); }
 
 private:
     SimDesktop desktop;
@@ -51,6 +55,8 @@ protected:
     void drag(Point from, Point to) { hand->superDrag(from, to); }
     void movePointer(Point to) { hand->moveTo(to); }
     bool soon(const std::function<bool()>& condition);
+    void setScreens(Size main, const Rect& second);
+    void removeSecondScreen() { removeSecondMonitor(); }
 
 private:
     Item itemOf(const std::string& label) const;

@@ -133,6 +133,31 @@ TYPED_TEST(Contract, anEndedProgramsItemGoesAndItsNumberIsNeverUsedAgain) {
     EXPECT_NE(this->number("left"), window);
 }
 
+template <class Session>
+class ScreenContract : public Session {};
+TYPED_TEST_SUITE(ScreenContract, Desktops);
+
+TYPED_TEST(ScreenContract, eachScreenHasItsBarAndTheLastNotificationComesWhenAllStand) {
+    auto values = [this] {
+        std::vector<std::pair<Rect, Rect>> result;
+        for (const Screen& screen : this->platform().screens.screens())
+            result.emplace_back(screen.frame, screen.visibleFrame);
+        return result;
+    };
+    decltype(values()) seen;
+    auto observer = this->platform().notifications.addObserver(
+        screenParametersChangedNotification, [&](const Notification&) { seen = values(); });
+    decltype(seen) both{{{0, 0, 800, 400}, {0, 0, 800, 376}},
+                        {{-600, 200, 500, 300}, {-600, 200, 500, 276}}};
+    this->setScreens({800, 400}, {-600, -100, 500, 300});
+    EXPECT_TRUE(this->soon([&] { return seen == both; })) << testing::PrintToString(seen.size());
+    EXPECT_EQ(values(), both);
+    EXPECT_EQ(this->platform().screens.mainScreen()->frame, both.front().first);
+    this->removeSecondScreen();
+    both.pop_back();
+    EXPECT_TRUE(this->soon([&] { return seen == both; }));
+}
+
 class ContractOnX11 : public Contract<X11Session> {
 protected:
     Item barItem(const std::string& label) {

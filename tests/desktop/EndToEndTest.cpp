@@ -156,6 +156,39 @@ TEST_F(EndToEnd, worksBesideAMonitorThatIsLeftOfAndAboveTheMainOne) {
     EXPECT_EQ(nevo().waitForEnd(), 0);
 }
 
+TEST_F(EndToEnd, coversTheBarOfEachOtherMonitor) {
+    setMonitor("900/250x600/150+700+0");
+    addSecondMonitor("600/150x400/100+0+100");
+    startAll(R"(, "hideSecondaryMenuBar": true)");
+    const Rect secondBar{0, 100, 600, 24};
+    auto showsBar = [&] {
+        Picture now = screenshot();
+        return now.pixels({10, 110, 1, 1}) == now.pixels({710, 10, 1, 1});
+    };
+    auto isCovered = [&] {
+        auto windows = topWindows();
+        auto top = std::find_if(windows.rbegin(), windows.rend(), [&](const TopWindow& window) {
+            return window.place.intersects(secondBar);
+        });
+        return top != windows.rend() && top->name == "Nevo" && top->place == secondBar &&
+               !showsBar();
+    };
+    waitFor("the other monitor's bar is covered", isCovered);
+    toggle(names());
+
+    removeSecondMonitor();
+    waitFor("the cover has gone", [&] { return !isCovered(); });
+    addSecondMonitor("600/150x400/100+0+100");
+    waitFor("it comes back with the monitor", isCovered);
+    // A bar that is started again is covered, too.
+    Names all = names();
+    kill(bar(), SIGKILL);
+    waitFor("the items are back", [&] { return names() == all; });
+    waitFor("the new bar is covered", isCovered);
+    kill(nevo(), SIGTERM);
+    waitFor("the bar can be seen", showsBar);
+}
+
 TEST_F(EndToEnd, refusesInPlainWordsWhatItCannotDo) {
     startAll();
     Names all = names();

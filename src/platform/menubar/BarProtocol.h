@@ -23,6 +23,8 @@ inline constexpr const char* barWindow = "_NEVO_BAR_WINDOW";
 /// INTEGER[5] on the control window: bar's x, y, width, height (root coordinates, pixels), x of the
 /// system area.
 inline constexpr const char* geometry = "_NEVO_BAR_GEOMETRY";
+/// INTEGER[4n] on the control window: x, y, width, height of the bar on each other monitor.
+inline constexpr const char* otherBars = "_NEVO_BAR_OTHERS";
 
 // On a frame.
 inline constexpr const char* itemPid = "_NEVO_ITEM_PID";  ///< CARDINAL; absent when unknown

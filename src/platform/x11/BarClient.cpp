@@ -25,6 +25,12 @@ double asSigned(std::uint32_t value) {
     return static_cast<double>(static_cast<std::int32_t>(value));
 }
 
+/// Four of `values`, from `first` on.
+Rect rectAt(const std::vector<std::uint32_t>& values, std::size_t first) {
+    return {asSigned(values[first]), asSigned(values[first + 1]), asSigned(values[first + 2]),
+            asSigned(values[first + 3])};
+}
+
 void select(XServer& server, xcb_window_t window) {
     const std::uint32_t mask = XCB_EVENT_MASK_PROPERTY_CHANGE | XCB_EVENT_MASK_STRUCTURE_NOTIFY;
     xcb_change_window_attributes(server.get(), window, XCB_CW_EVENT_MASK, &mask);
@@ -69,6 +75,11 @@ const BarItemInfo* BarClient::itemOfNumber(WindowNumber number) {
 Rect BarClient::barFrame() {
     refresh();
     return frameOfBar;
+}
+
+const std::vector<Rect>& BarClient::otherBars() {
+    refresh();
+    return framesOfOthers;
 }
 
 std::optional<double> BarClient::systemAreaLeft() {
@@ -180,6 +191,7 @@ void BarClient::detach() {
     numbers.drop(theBarWindow);
     controlWindow = theBarWindow = 0;
     frameOfBar = {};
+    framesOfOthers.clear();
     leftOfSystemArea.reset();
     barIsStale = anyItemIsStale = false;
 }
@@ -203,6 +215,7 @@ void BarClient::readBar() {
     PropertyRead itemsRead(server.get(), controlWindow, server.atom(bar::items), mostItemBytes);
     PropertyRead windowRead(server.get(), controlWindow, server.atom(bar::barWindow));
     PropertyRead geometryRead(server.get(), controlWindow, server.atom(bar::geometry));
+    PropertyRead othersRead(server.get(), controlWindow, server.atom(bar::otherBars));
     auto frames = itemsRead.numbers().value_or(std::vector<std::uint32_t>{});
     xcb_window_t window = windowRead.number().value_or(0);
     auto geometry = geometryRead.numbers();
@@ -211,10 +224,11 @@ void BarClient::readBar() {
         theBarWindow = window;
         if (window != 0) select(server, window);
     }
-    frameOfBar = geometry && geometry->size() >= 4
-                     ? Rect{asSigned((*geometry)[0]), asSigned((*geometry)[1]),
-                            asSigned((*geometry)[2]), asSigned((*geometry)[3])}
-                     : Rect{};
+    auto others = othersRead.numbers().value_or(std::vector<std::uint32_t>{});
+    frameOfBar = geometry && geometry->size() >= 4 ? rectAt(*geometry, 0) : Rect{};
+    framesOfOthers.clear();
+    for (std::size_t i = 0; i + 4 <= others.size(); i += 4)
+        framesOfOthers.push_back(rectAt(others, i));
     leftOfSystemArea.reset();
     if (geometry && geometry->size() >= 5) leftOfSystemArea = asSigned((*geometry)[4]);
     // A bar that is away for a moment comes back as high as it was.
@@ -269,8 +283,7 @@ struct BarClient::Reading {
 
     void finish(const XServer& x, BarItemInfo& item) {
         if (auto values = slot.numbers(); values && values->size() >= 5) {
-            item.slot = {asSigned((*values)[0]), asSigned((*values)[1]), asSigned((*values)[2]),
-                         asSigned((*values)[3])};
+            item.slot = rectAt(*values, 0);
             item.floats = (*values)[4] != 0;
             item.roomShift = values->size() >= 6 ? asSigned((*values)[5]) : 0;
         }

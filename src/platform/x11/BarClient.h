@@ -58,6 +58,8 @@ public:
     const BarItemInfo* itemOfNumber(WindowNumber number);
     /// The primary monitor's bar; empty while there is none.
     Rect barFrame();
+    /// Those on the other monitors.
+    const std::vector<Rect>& otherBars();
     /// Where its row ends; nothing while there is none.
     std::optional<double> systemAreaLeft();
     xcb_window_t barWindow();
@@ -99,6 +101,7 @@ private:
     xcb_window_t controlWindow = 0;
     xcb_window_t theBarWindow = 0;
     Rect frameOfBar;
+    std::vector<Rect> framesOfOthers;
     std::optional<double> leftOfSystemArea;
     std::map<xcb_window_t, Item> known;
     std::vector<xcb_window_t> order;

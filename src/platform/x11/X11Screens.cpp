@@ -53,6 +53,11 @@ X11Screens::X11Screens(XServer& x, EventPump& pump, NotificationCenter& center)
     announced = monitors;
 }
 
+void X11Screens::setBar(BarClient* client) {
+    bar = client;
+    announcedBars = bar->otherBars();
+}
+
 std::vector<X11Screens::Monitor> X11Screens::readMonitors() const {
     std::vector<Monitor> result;
     if (!hasMonitors) return result;
@@ -92,7 +97,9 @@ void X11Screens::read() {
 bool X11Screens::isOfRow(const xcb_generic_event_t& event) const {
     if (bar == nullptr || (event.response_type & 0x7f) != XCB_PROPERTY_NOTIFY) return false;
     const auto& change = reinterpret_cast<const xcb_property_notify_event_t&>(event);
-    return change.window == bar->control() && change.atom == server.atom(barprotocol::items);
+    // The items are written last: whatever else has changed stands by then.
+    return change.window == bar->control() && (change.atom == server.atom(barprotocol::items) ||
+                                               change.atom == server.atom(barprotocol::otherBars));
 }
 
 std::optional<X11Screens::Row> X11Screens::readRow() const {
@@ -110,6 +117,7 @@ std::optional<X11Screens::Row> X11Screens::readRow() const {
 }
 
 void X11Screens::noteRow() {
+    if (bar->otherBars() != announcedBars) settled.start();
     auto row = readRow();
     if (!row || row == seenRow) return;
     seenRow = row;
@@ -126,14 +134,17 @@ void X11Screens::reconsider() {
     settled.stop();
     overdue.stop();
     read();
-    if (monitors == announced && seenRow == announcedRow) return;
+    auto bars = bar ? bar->otherBars() : std::vector<Rect>{};
+    if (monitors == announced && bars == announcedBars && seenRow == announcedRow) return;
     announced = monitors;
+    announcedBars = bars;
     announcedRow = seenRow;
     notifications.post(screenParametersChangedNotification);
 }
 
 std::vector<Screen> X11Screens::screens() const {
-    Rect barFrame = bar ? bar->barFrame() : Rect{};
+    std::vector<Rect> bars = bar ? bar->otherBars() : std::vector<Rect>{};
+    if (bar) bars.push_back(bar->barFrame());
     std::vector<Screen> result;
     for (const Monitor& monitor : monitors) {
         const auto& coordinates = server.coordinates;
@@ -142,9 +153,9 @@ std::vector<Screen> X11Screens::screens() const {
         screen.backingScale = coordinates.scale;
         screen.frame = coordinates.flipped(coordinates.fromRoot(monitor.frame));
         screen.visibleFrame = screen.frame;
-        if (monitor.frame.intersects(barFrame)) {
-            screen.visibleFrame.height -= barFrame.height / coordinates.scale;
-        }
+        auto own = std::find_if(bars.begin(), bars.end(),
+                                [&](const Rect& each) { return monitor.frame.intersects(each); });
+        if (own != bars.end()) screen.visibleFrame.height -= own->height / coordinates.scale;
         result.push_back(screen);
     }
     return result;

@@ -9,16 +9,16 @@
 namespace nevo {
 
 /// The active RandR monitors, the primary one first. Posts
-/// `screenParametersChangedNotification` once a change of them has settled, or one
-/// of the bar's row: an item has come or gone, or stands elsewhere in the order. Opacity, width and
-/// what dividers do are no such change.
+/// `screenParametersChangedNotification` once a change of them has settled, one of the bars on the
+/// others, or one of the bar's row: an item has come or gone, or stands elsewhere in the order.
+/// Opacity, width and what dividers do are no such change.
 class X11Screens : public Screens {
 public:
     X11Screens(XServer& x, EventPump& pump, NotificationCenter& center);
 
-    /// The bar takes its height off the visible frame of its monitor, and its row is watched; set
-    /// once it is known.
-    void setBar(BarClient* client) { bar = client; }
+    /// The bars take their height off the visible frames of their monitors, and the row is watched;
+    /// set once the bar is known.
+    void setBar(BarClient* client);
 
     std::vector<Screen> screens() const override;
     std::optional<Screen> mainScreen() const override;
@@ -45,6 +45,7 @@ private:
     BarClient* bar = nullptr;
     std::vector<Monitor> monitors;
     std::vector<Monitor> announced;
+    std::vector<Rect> announcedBars;
     std::optional<Row> seenRow;
     std::optional<Row> announcedRow;
     QTimer settled;
