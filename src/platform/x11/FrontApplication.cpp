@@ -59,8 +59,9 @@ void FrontApplication::begin() {
 void FrontApplication::reconsider() {
     xcb::PropertyRead read(server.get(), server.root(), server.atom(activeWindow));
     xcb_window_t window = read.number().value_or(0);
-    if (window != 0 && isOfBar(processOf(window))) return;
-    auto owner = window == 0 || !isListed(window) ? std::nullopt : ownerOf(window);
+    bool isThere = window != 0 && isListed(window);
+    if (isThere && isOfBar(processOf(window))) return;
+    auto owner = isThere ? ownerOf(window) : std::nullopt;
     if (owner == announced) return;
     if (!owner && isFocusOurs()) {
         settled.start(focusPollMilliseconds);
