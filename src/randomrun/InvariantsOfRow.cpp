@@ -184,11 +184,12 @@ std::optional<Broken> Invariants::checkRoom() const {
         const SimBar::Item& item = *desktop.bar.find(window);
         // An item that a rule hides stands left of all others.
         bool isPinned = !item.own && isMovedByRule(window, pinned);
-        bool isOut = isPinned && desktop.windows.find(window)->alpha == 0;
+        bool isInBar = item.slot.x >= start && item.slot.maxX() <= end;
+        // One that only looks like the rule's, and is transparent for another reason, takes room.
+        bool isOut = isPinned && desktop.windows.find(window)->alpha == 0 && !isInBar;
         if (isOut && !isMovedByRule(window, shown)) continue;
         room -= item.length;
         if (room < 0) break;
-        bool isInBar = item.slot.x >= start && item.slot.maxX() <= end;
         if (isInBar || isPinned) continue;
         return Broken{
             "room", fmt::format("there is room in the bar for {}: {}", item.label, describedRow())};
