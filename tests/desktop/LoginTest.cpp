@@ -95,9 +95,10 @@ void Login::pinAndFree(const std::string& pinned) {
         // Past the heading, which can't be chosen.
         hand->press(downKey);
         hand->press(returnKey);
-        waitFor("the pinned icon has come out beside the toggle", [&] {
+        // The pointer rests on the toggle, which isn't moved from under it.
+        waitFor("the pinned icon has come out left of the toggle", [&] {
             Item now = item(pinned);
-            return now.onScreen && now.place.x >= toggleItem().place.maxX();
+            return now.onScreen && now.place.maxX() == toggleItem().place.x;
         });
         toggle(others);
         toggle(otherKept);
