@@ -25,7 +25,6 @@ Task<> StatusBarController::applyAlwaysHide(std::weak_ptr<StatusBarController> o
     auto self = owner.lock();
     if (!self) co_return;
     bool ok = self->sectionManager.opacity.setRule(window, true, false);
-    self->decoyController->handleRuleChange(id, IconRule::alwaysHide);
     debugLog(fmt::format("[Rules] alwaysHide wid={} alpha=0 ok={}", window, describe(ok)));
     // Its place in the row, also while it is brought out.
     auto frame = self->platform.windows.slotFrame(window);
@@ -50,7 +49,6 @@ Task<> StatusBarController::applyAlwaysHide(std::weak_ptr<StatusBarController> o
     if (!self) co_return;
     self->updateSnapshot(items, false);
     self->sectionManager.opacity.reassert(window);
-    self->decoyController->handleRuleChange(id, IconRule::alwaysHide);
 }
 
 /// Drags an item that stands on the bar to the left of all ordinary ones. A closed section is

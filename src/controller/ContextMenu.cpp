@@ -9,7 +9,13 @@ namespace {
 
 MenuItem row(const std::string& key, const std::string& keyEquivalent, const std::string& symbol,
              std::function<void()> action) {
-    return {key, text(key), keyEquivalent, symbol, std::move(action)};
+    MenuItem made;
+    made.key = key;
+    made.title = text(key);
+    made.keyEquivalent = keyEquivalent;
+    made.symbol = symbol;
+    made.action = std::move(action);
+    return made;
 }
 
 }  // namespace

@@ -59,7 +59,7 @@ void StatusBarController::screenChanged() {
         auto ownIDs = sectionManager.ownWindowIDs();
         enforceAlwaysHide(ownIDs);
         reassertAlpha(ownIDs);
-        decoyController->followToggle();
+        decoyController->update();
         spawn(platform.runLoop, takeInRow(weak_from_this()));
         return;
     }
@@ -105,7 +105,7 @@ void StatusBarController::pollAfterScreenChange(int attempt, bool reapplyHide) {
                 "[Nevo] Screen change: toggle stable at x={}, waiting 500ms for items to settle",
                 describe(frame->x)));
             savedItemFrame = *frame;
-            decoyController->followToggle();
+            decoyController->update();
             platform.runLoop.postAfter(itemsSettle, [weak = weak_from_this(), reapplyHide] {
                 if (auto self = weak.lock()) self->finishScreenChange(reapplyHide);
             });

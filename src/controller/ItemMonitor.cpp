@@ -28,6 +28,7 @@ void StatusBarController::monitorPass() {
     if (isBarInMotion()) return;
     if (shelfController) shelfController->endLostPresentation();
     watchRow();
+    decoyController->update();
     if (isShelfIn(ShelfState::Kind::presentingItem)) return;
     auto ownIDs = sectionManager.ownWindowIDs();
     enforceAlwaysShow(ownIDs);

@@ -184,8 +184,6 @@ Task<> StatusBarController::applyAutomatic(std::weak_ptr<StatusBarController> ow
     }
     self.reset();
     co_await arrangeAlwaysHidden(owner);
-    self = owner.lock();
-    if (self) self->decoyController->handleRuleChange(id, IconRule::automatic);
 }
 
 /// Takes an item whose rule has ended back to where it stood before. The place stays remembered
@@ -228,7 +226,6 @@ Task<> StatusBarController::applyAlwaysShow(std::weak_ptr<StatusBarController> o
         self = carryingOut(owner, change);
         if (!self) co_return;
     }
-    self->decoyController->handleRuleChange(change.persistedID, IconRule::alwaysShow);
     self.reset();
     co_await arrangeAlwaysHidden(owner);
 }

@@ -44,11 +44,7 @@ Task<> StatusBarController::replayAllRulesOnStartup(std::weak_ptr<StatusBarContr
     }
     co_await sleep(replaySettle);
     co_await refreshSnapshot(owner, 3.0);
-    auto self = owner.lock();
-    if (!self) co_return;
-    self->decoyController->hide();
-    self->decoyController->clearEntries();
-    debugLog("[Rules] replayAllRulesOnStartup: done");
+    if (owner.lock()) debugLog("[Rules] replayAllRulesOnStartup: done");
 }
 
 /// A fresh or recent scan becomes the snapshot, without a report on the rules.

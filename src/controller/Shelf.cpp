@@ -68,6 +68,7 @@ void StatusBarController::bindBarForPushMode() {
 }
 
 void StatusBarController::shelfHasOpened() {
+    decoyController->update();
     startShelfAutoHideTimer();
     settleShelfSoon();
 }
@@ -78,8 +79,7 @@ void StatusBarController::settleShelfSoon() {
 
 void StatusBarController::shelfHasSettled() {
     if (nevoBar->isOpen()) {
-        decoyController->hide();
-        decoyController->stopRefreshing();
+        decoyController->update();
     } else {
         spawn(platform.runLoop, DecoyPanelController::rebuild(decoyController));
         autoHideTimer.reset();

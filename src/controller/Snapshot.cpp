@@ -21,6 +21,7 @@ void StatusBarController::updateSnapshot(const ScannedBarItems& items, bool skip
     appState.setSnapshotItems(snapshotItemsOf(items));
     noteNewItems();
     if (shelfController) shelfController->renewSlots();
+    decoyController->update();
 }
 
 /// Tells which rules the items' places don't fit; positions never change a rule here.

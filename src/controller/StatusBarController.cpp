@@ -187,7 +187,6 @@ void StatusBarController::tearDown() {
     shelf().endPresentation();
     nevoBar->dismiss();
     decoyController->hide();
-    decoyController->stopRefreshing();
     refreshToggleButton();
     sectionManager.expand(true);
     sectionManager.opacity.end();

@@ -3,7 +3,6 @@
 #include <algorithm>
 #include <map>
 #include <nlohmann/json.hpp>
-#include <set>
 
 #include "core/StoredValues.h"
 #include "core/notificationNames.h"
@@ -15,6 +14,7 @@ namespace {
 constexpr const char* iconRulesKey = "nevo_icon_rules";
 constexpr const char* appRulesKey = "nevo_app_rules";
 constexpr const char* shelfOrderKey = "nevo_shelf_item_order";
+constexpr const char* decoyItemsKey = "decoyItems";
 
 using Json = nlohmann::json;
 
@@ -123,11 +123,13 @@ void RuleStore::appRulesChanged(const std::string& bundleID) {
     notifications.post(nevoAppRulesChanged, {{"appBundleID", bundleID}});
 }
 
-std::vector<std::string> RuleStore::shelfItemOrder() const {
-    auto value = store.object(shelfOrderKey);
-    auto* ids = value ? std::get_if<std::vector<std::string>>(&*value) : nullptr;
-    return ids ? *ids : std::vector<std::string>{};
+std::vector<std::string> RuleStore::storedStrings(const char* key) const {
+    auto value = store.object(key);
+    auto* strings = value ? std::get_if<std::vector<std::string>>(&*value) : nullptr;
+    return strings ? *strings : std::vector<std::string>{};
 }
+
+std::vector<std::string> RuleStore::shelfItemOrder() const { return storedStrings(shelfOrderKey); }
 
 void RuleStore::saveShelfItemOrder(const std::vector<std::string>& ids) {
     std::vector<std::string> kept;
@@ -152,6 +154,22 @@ ScannedBarItems RuleStore::orderedShelfItems(const ScannedBarItems& items) const
                          return positionOf(a) < positionOf(b);
                      });
     return ordered;
+}
+
+std::set<std::string> RuleStore::decoyItems() const {
+    std::vector<std::string> ids = storedStrings(decoyItemsKey);
+    return {ids.begin(), ids.end()};
+}
+
+void RuleStore::setDecoyItem(bool isOne, const std::string& persistedID) {
+    std::set<std::string> ids = decoyItems();
+    if (isOne) {
+        ids.insert(persistedID);
+    } else {
+        ids.erase(persistedID);
+    }
+    store.set(decoyItemsKey, std::vector<std::string>(ids.begin(), ids.end()));
+    objectWillChange.send();
 }
 
 }  // namespace nevo

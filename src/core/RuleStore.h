@@ -1,6 +1,7 @@
 #pragma once
 
 #include <optional>
+#include <set>
 #include <string>
 #include <utility>
 #include <vector>
@@ -13,8 +14,9 @@
 
 namespace nevo {
 
-/// The user's rules for single items and for applications, and the order of the shelf. Nothing is
-/// kept in memory: every operation reads the store, every change writes the whole map back. Bytes
+/// The user's rules for single items and for applications, the order of the shelf, and which items
+/// have a picture in the bar. Nothing is kept in memory: every operation reads the store, every
+/// change writes the whole of it back. Bytes
 /// that don't decode read as no rules, silently; the next change replaces them.
 class RuleStore {
 public:
@@ -38,7 +40,13 @@ public:
     /// The stored order first, then the rest as they come.
     ScannedBarItems orderedShelfItems(const ScannedBarItems& items) const;
 
+    /// The items of which a picture stands in the bar while they are hidden, by persisted id; also
+    /// such as aren't there.
+    std::set<std::string> decoyItems() const;
+    void setDecoyItem(bool isOne, const std::string& persistedID);
+
 private:
+    std::vector<std::string> storedStrings(const char* key) const;
     void appRulesChanged(const std::string& bundleID);
 
     DefaultsDomain& store;

@@ -70,8 +70,10 @@ void SectionManager::configureToggle(std::optional<Image> image, std::function<v
 }
 
 void SectionManager::setDividerLength(StatusItem& divider, bool collapsed) {
+    bool changes = isCollapsed(divider) != collapsed;
     divider.setLength(collapsed ? collapsedLength : 0.0);
     blank(divider);
+    if (changes && &divider == hiddenDivider.get()) hiddenDividerDidChange.send();
 }
 
 void SectionManager::expand(bool restoreAlpha) {

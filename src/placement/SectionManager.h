@@ -10,6 +10,7 @@
 
 #include "core/ScannedBarItem.h"
 #include "core/SectionName.h"
+#include "core/Signal.h"
 #include "placement/ItemOpacity.h"
 #include "placement/StatusItemPreferenceRepair.h"
 #include "platform/Platform.h"
@@ -74,6 +75,9 @@ public:
     SectionSnapshot lastExpandedSnapshot;
     /// What is transparent, and why.
     ItemOpacity opacity;
+    /// Sent when the hidden divider has been told to open or to close, whoever wanted it, before
+    /// the bar has moved anything.
+    Signal hiddenDividerDidChange;
 
 private:
     struct Split {

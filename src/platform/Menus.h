@@ -2,6 +2,7 @@
 
 #include <functional>
 #include <memory>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -23,6 +24,8 @@ struct MenuItem {
     std::function<void()> action;
     /// A row that can't be chosen now is shown dimmed.
     bool isEnabled = true;
+    /// A row that says what is on, or off: with a tick, or room for one (`NSMenuItem.state`).
+    std::optional<bool> isOn;
 
     bool isSeparator() const { return key.empty(); }
 };

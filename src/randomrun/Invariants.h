@@ -69,6 +69,9 @@ private:
     std::optional<Broken> checkOpenSection();
     std::optional<Broken> checkShelf();
     std::optional<Broken> checkDecoys() const;
+    std::vector<WindowNumber> decoysWanted() const;
+    /// Whether decoys of them fit left of the toggle.
+    bool haveRoom(const std::vector<WindowNumber>& windows) const;
     std::optional<Broken> checkPresentation();
     std::optional<Broken> checkGrowth() const;
 

@@ -8,7 +8,6 @@ namespace nevo {
 
 namespace {
 constexpr const char* slotViews = "slot:";
-constexpr const char* decoyViews = "decoy:";
 }  // namespace
 
 void Invariants::noteShelf(const std::string& line) {
@@ -60,16 +59,6 @@ std::optional<Broken> Invariants::checkShelf() {
     if (!inForce || mayBarDiffer) return std::nullopt;
     return Broken{"shelf", fmt::format("the shelf's state is {} while it is {}", describe(state),
                                        isBarShown() ? "shown" : "closed")};
-}
-
-/// They stand for items that can be seen neither in the bar nor in the shelf.
-std::optional<Broken> Invariants::checkDecoys() const {
-    if (panelWith(run, decoyViews) == nullptr) return std::nullopt;
-    if (run.ownItem("divider")->length() == 0)
-        return Broken{"decoys", "decoys stand beside an open section"};
-    if (isBarShown() && !mayBarDiffer)
-        return Broken{"decoys", "decoys stand in the bar while the shelf is open"};
-    return std::nullopt;
 }
 
 std::optional<Broken> Invariants::checkPresentation() {

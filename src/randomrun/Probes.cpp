@@ -199,7 +199,6 @@ const std::vector<std::string>& Probes::texts() {
         "[Decoy] click: entry not found",
         "[Decoy] click: failed to create events",
         "[Decoy] capture failed",
-        "[Decoy] pruning disappeared item",
         // Rules of applications.
         "[AppRule] Applied",
         "[AppRule] Hide ",

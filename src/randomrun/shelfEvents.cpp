@@ -81,6 +81,14 @@ Lines clickDecoy(Stage& stage) {
     return {"click decoy " + item + keys, shortWait(stage)};
 }
 
+/// The user wants other items in sight.
+Lines markItems(Stage& stage) {
+    std::string line = "set nevo decoyItems list";
+    for (int count = stage.random.between(1, 4); count > 0; --count)
+        line += " " + stage.anyRuleId();
+    return {line};
+}
+
 Lines answerPrompt(Stage& stage) {
     if (stage.desktop.controlWindows.named("screen-recording-prompt") == nullptr) return {};
     const char* button = stage.random.oneOf({"open_settings", "not_now", "restart"});
@@ -112,6 +120,7 @@ std::vector<EventKind> shelfEvents() {
         {"slot menu", 16, openSlotMenu},
         {"drag slot", 16, dragSlot},
         {"click decoy", 8, clickDecoy},
+        {"mark items", 6, markItems},
         {"answer prompt", 20, answerPrompt, either},
         {"deny recording", 1, denyRecording},
     };

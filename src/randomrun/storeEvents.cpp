@@ -62,7 +62,7 @@ Lines brokenValue(Stage& stage) {
     const char* key = stage.random.oneOf(
         {"nevo_icon_rules", "nevo_app_rules", "displayMode", "autoHideDelay", "hoverDelay",
          "autoHideEnabled", "nevo_trigger_mode", "nevo_custom_icon_name", "nevo_custom_icon_data",
-         "nevo_shelf_item_order", "toggleShortcut", "nevo_onboarding_completed"});
+         "nevo_shelf_item_order", "decoyItems", "toggleShortcut", "nevo_onboarding_completed"});
     const char* value = stage.random.oneOf(
         {"bytes 00ff", "bytes 7b7d", "bytes 7b2261223a317d", "string \"\"", "string nonsense",
          "int -1", "number -3.5", "number 1e300", "int 30", "bool true", "list a b"});

@@ -84,19 +84,19 @@ Step readSlot(LineReader& reader) {
     });
 }
 
-Step readShelfFrame(LineReader& reader) {
+Step readPanelFrame(LineReader& reader, const char* prefix, const char* name) {
     double x = reader.number("X");
     double y = reader.number("Y");
     double width = reader.number("WIDTH");
     double height = reader.number("HEIGHT");
     return [=](ScenarioRun& run) {
-        SimPanel* panel = shelfPanel(run);
-        if (panel == nullptr) return Outcome::failed("the shelf is closed");
+        SimPanel* panel = panelWith(run, prefix);
+        if (panel == nullptr) return Outcome::failed("there is no such panel");
         Rect frame = run.desktop().screens.flipped(panel->frame());
         auto words = [](const Rect& r) {
             return fmt::format("{} {} {} {}", r.x, r.y, r.width, r.height);
         };
-        return Outcome::compare("the shelf's frame", words({x, y, width, height}), words(frame));
+        return Outcome::compare(name, words({x, y, width, height}), words(frame));
     };
 }
 
@@ -144,9 +144,17 @@ std::vector<Command> panelCommands() {
          "drawn in the theme's colour, focus is yes when keys are for it.",
          readSlot},
         {"expect shelf-frame", "X Y WIDTH HEIGHT",
-         "The shelf's frame, origin at the top left of the main display.", readShelfFrame},
+         "The shelf's frame, origin at the top left of the main display.",
+         [](LineReader& reader) {
+             return readPanelFrame(reader, slotPrefix, "the shelf's frame");
+         }},
         {"expect decoys", "[ITEM]...", "The items that decoys stand for, from left to right.",
          readDecoys},
+        {"expect decoys-frame", "X Y WIDTH HEIGHT",
+         "The frame of the panel that decoys stand in, origin at the top left of the main display.",
+         [](LineReader& reader) {
+             return readPanelFrame(reader, decoyPrefix, "the decoys' frame");
+         }},
         {"expect covers", "COUNT", "How many displays have their menu bar covered.", readCovers},
     };
 }

@@ -1,9 +1,12 @@
 #include "shelf/DecoyPanelController.h"
 
+#include <fmt/format.h>
+
 #include <algorithm>
 #include <utility>
 
 #include "core/debugLog.h"
+#include "core/screenOf.h"
 
 namespace nevo {
 
@@ -11,7 +14,8 @@ namespace {
 /// The bar's layout has settled by then.
 constexpr double collapseSettle = 0.4;
 constexpr double snapshotAge = 3.0;
-constexpr double refreshInterval = 10.0;
+/// A picture is taken again when it is older.
+constexpr double pictureAge = 10.0;
 }  // namespace
 
 DecoyPanelController::DecoyPanelController(const Platform& desktop, AppState& state,
@@ -24,30 +28,53 @@ std::shared_ptr<DecoyPanelController> DecoyPanelController::create(const Platfor
                                                                    MenuBarScanner& scanner) {
     std::shared_ptr<DecoyPanelController> decoys(
         new DecoyPanelController(platform, appState, sectionManager, scanner));
-    decoys->expandedCancellable =
-        appState.isExpandedDidChange.observe([weak = std::weak_ptr(decoys)] {
-            if (auto self = weak.lock()) self->isExpandedChanged();
-        });
+    decoys->observe();
     return decoys;
 }
 
-void DecoyPanelController::isExpandedChanged() {
-    if (!appState.isExpanded()) {
-        spawn(platform.runLoop, rebuildAfterCollapse(weak_from_this()));
+void DecoyPanelController::observe() {
+    auto changed = [weak = weak_from_this()] {
+        if (auto self = weak.lock()) self->sectionChanged();
+    };
+    observers.push_back(appState.isExpandedDidChange.observe(changed));
+    // A drag or a rule may open the section while it counts as closed.
+    observers.push_back(sectionManager.hiddenDividerDidChange.observe(changed));
+    // What the user wants in sight, rules and the mode, whoever has written them.
+    observers.push_back(platform.notifications.addObserver(
+        userDefaultsDidChangeNotification, [weak = weak_from_this()](const Notification&) {
+            if (auto self = weak.lock()) self->updateSoon();
+        }));
+}
+
+void DecoyPanelController::sectionChanged() {
+    if (!isClosed()) {
+        // Before the bar has moved anything: no decoy stands above a real item.
+        update();
         return;
     }
+    isSettling = true;
+    spawn(platform.runLoop, rebuildWhenSettled(weak_from_this(), ++closings));
+}
+
+void DecoyPanelController::updateSoon() {
+    // Settings are often written several at a time.
+    if (std::exchange(isUpdatePending, true)) return;
     platform.runLoop.post([weak = weak_from_this()] {
         auto self = weak.lock();
         if (!self) return;
-        self->hide();
-        self->stopRefreshing();
+        self->isUpdatePending = false;
+        self->update();
     });
 }
 
-Task<> DecoyPanelController::rebuildAfterCollapse(std::weak_ptr<DecoyPanelController> owner) {
+Task<> DecoyPanelController::rebuildWhenSettled(std::weak_ptr<DecoyPanelController> owner,
+                                                int closing) {
     co_await sleep(collapseSettle);
     auto self = owner.lock();
-    if (self) spawn(self->platform.runLoop, rebuild(owner));
+    if (!self || self->closings != closing) co_return;
+    self->isSettling = false;
+    self.reset();
+    co_await rebuild(owner);
 }
 
 Task<> DecoyPanelController::rebuild(std::weak_ptr<DecoyPanelController> owner) {
@@ -60,107 +87,105 @@ Task<> DecoyPanelController::rebuild(std::weak_ptr<DecoyPanelController> owner) 
     self = owner.lock();
     if (!self) co_return;
     self->sectionManager.lastExpandedSnapshot = self->sectionManager.classify(items);
-    self->hide();
-    auto former = std::exchange(self->entries, {});
-    self->refreshTimer = self->platform.runLoop.timer(refreshInterval, true, [owner] {
-        auto held = owner.lock();
-        if (!held) return;
-        held->platform.runLoop.post([owner] {
-            if (auto later = owner.lock()) later->refresh();
-        });
-    });
-    self->makeEntries(former);
-    self->updatePanel();
+    self->update();
 }
 
-/// Decoys stand for the items that only the shelf would show: in push mode a click brings the real
-/// ones back. One that a rule hides is to stay out of sight, and of items with the same id a click
-/// could only ever reach the first.
-void DecoyPanelController::makeEntries(const std::vector<DecoyEntry>& former) {
-    if (!isShelfMode(platform.screens, appState) || appState.isExpanded()) return;
-    auto find = [](const std::vector<DecoyEntry>& all, const std::string& id) {
-        return std::find_if(all.begin(), all.end(),
-                            [&](const DecoyEntry& each) { return each.persistedID == id; });
-    };
-    IconRules rules = appState.rules.loadIconRules();
-    for (const ScannedBarItem& item : sectionManager.lastExpandedSnapshot[SectionName::hidden]) {
-        auto rule = rules.find(item.persistedID);
-        bool isRuledOut = rule != rules.end() && rule->second == IconRule::alwaysHide;
-        if (isRuledOut || find(entries, item.persistedID) != entries.end()) continue;
-        DecoyEntry entry;
-        entry.persistedID = item.persistedID;
-        entry.ownerPID = item.ownerPID;
-        entry.windowID = item.windowID;
-        entry.realCenterX = item.centerX;
-        entry.realWidth = item.width;
-        // The shelf may be opened and closed many times while a picture stays good.
-        auto known = find(former, item.persistedID);
-        if (known != former.end() && known->windowID == item.windowID && isCurrent(*known)) {
-            entry.image = known->image;
-            entry.state = known->state;
-            entry.lastCaptureTime = known->lastCaptureTime;
-        } else {
-            capture(entry);
-        }
-        entries.push_back(entry);
-    }
-}
-
-void DecoyPanelController::handleRuleChange(const std::string& persistedID, IconRule rule) {
-    if (rule == IconRule::alwaysShow) {
+void DecoyPanelController::update() {
+    if (!isWanted()) {
         hide();
-        entries.clear();
         return;
     }
-    std::erase_if(entries,
-                  [&](const DecoyEntry& entry) { return entry.persistedID == persistedID; });
-    updatePanel();
+    bool hasNewPicture = takeEntries(itemsToShow());
+    showPanel(hasNewPicture);
 }
 
-ScannedBarItems DecoyPanelController::snapshotItems() const {
-    ScannedBarItems items;
-    for (SectionName section : {SectionName::hidden, SectionName::visible}) {
-        auto part = sectionManager.lastExpandedSnapshot.find(section);
-        if (part == sectionManager.lastExpandedSnapshot.end()) continue;
-        items.insert(items.end(), part->second.begin(), part->second.end());
+/// A rule may have closed a section that counts as open: whoever opens it tells no change then.
+bool DecoyPanelController::isClosed() const {
+    return sectionManager.isHiddenDividerCollapsed() && !appState.isExpanded();
+}
+
+/// In push mode a click brings the real items back.
+bool DecoyPanelController::isWanted() const {
+    return isShelfMode(platform.screens, appState) && isClosed() && !isSettling &&
+           !(isBarOpen && isBarOpen());
+}
+
+ScannedBarItems DecoyPanelController::snapshotSection(SectionName section) const {
+    auto found = sectionManager.lastExpandedSnapshot.find(section);
+    return found == sectionManager.lastExpandedSnapshot.end() ? ScannedBarItems{} : found->second;
+}
+
+/// The hidden items that the user has marked. One that a rule always hides is to stay out of sight,
+/// whichever of the two was set last: its mark waits for the rule's end.
+ScannedBarItems DecoyPanelController::itemsToShow() const {
+    std::set<std::string> marked = appState.rules.decoyItems();
+    ScannedBarItems result;
+    if (marked.empty()) return result;
+    IconRules rules = appState.rules.loadIconRules();
+    ScannedBarItems hidden = snapshotSection(SectionName::hidden);
+    ScannedBarItems all = hidden;
+    ScannedBarItems visible = snapshotSection(SectionName::visible);
+    all.insert(all.end(), visible.begin(), visible.end());
+    for (const ScannedBarItem& item : hidden) {
+        if (!marked.contains(item.persistedID)) continue;
+        auto match = matchIconRule(item, rules, all);
+        bool isRuledOut = match && match->second == IconRule::alwaysHide;
+        if (!isRuledOut && !placeInSight(item)) result.push_back(item);
     }
-    return items;
+    return result;
 }
 
-void DecoyPanelController::refresh() {
-    if (!panel || !panel->isVisible()) return;
-    ScannedBarItems all = snapshotItems();
-    bool changed = false;
-    for (DecoyEntry& entry : entries) {
-        if (entry.state == DecoyState::nonDecoyable) continue;
-        changed = updateEntry(entry, findByPersistedID(all, entry.persistedID)) || changed;
+/// Where the item can be seen on the toggle's screen: brought out, or too narrow to be made
+/// transparent. Nothing when it can't.
+std::optional<Rect> DecoyPanelController::placeInSight(const ScannedBarItem& item) const {
+    auto toggle = SectionManager::frame(*sectionManager.toggleItem);
+    auto screen = toggle ? screenOf(platform.screens, *toggle) : std::nullopt;
+    if (!screen || sectionManager.opacity.isTransparent(item.windowID)) return std::nullopt;
+    // An item that gets a forwarded click is in the bar for a moment, unseen; its slot isn't.
+    bool isOut = sectionManager.opacity.has(ItemOpacity::Reason::broughtOut, item.windowID);
+    auto place = isOut ? platform.windows.windowFrame(item.windowID)
+                       : platform.windows.slotFrame(item.windowID);
+    bool isOnScreen =
+        place && place->maxX() > screen->frame.minX() && place->minX() < screen->frame.maxX();
+    return isOnScreen ? place : std::nullopt;
+}
+
+/// One entry an item; pictures are kept as long as they are good. True when there is a new one.
+bool DecoyPanelController::takeEntries(const ScannedBarItems& items) {
+    auto former = std::exchange(entries, {});
+    bool hasNewPicture = false;
+    for (const ScannedBarItem& item : items) {
+        auto known = std::find_if(former.begin(), former.end(), [&](const DecoyEntry& each) {
+            return each.windowID == item.windowID;
+        });
+        DecoyEntry entry;
+        if (known != former.end()) entry = *known;
+        entry.persistedID = item.persistedID;
+        entry.windowID = item.windowID;
+        entry.width = item.width;
+        bool isOld = platform.runLoop.now() - entry.captureTime > pictureAge;
+        if (!entry.image || isOld) hasNewPicture = capture(entry) || hasNewPicture;
+        entries.push_back(std::move(entry));
     }
-    std::erase_if(entries, [&](const DecoyEntry& entry) {
-        if (findByPersistedID(all, entry.persistedID) != nullptr) return false;
-        debugLog("[Decoy] pruning disappeared item: " + entry.persistedID);
-        return true;
-    });
-    if (changed || entries.empty()) updatePanel();
+    return hasNewPicture;
 }
 
-bool DecoyPanelController::updateEntry(DecoyEntry& entry, const ScannedBarItem* item) {
-    bool changed = false;
-    if (item == nullptr) {
-        entry.state = DecoyState::dirty;
-    } else if (item->windowID != entry.windowID) {
-        entry.windowID = item->windowID;
-        entry.ownerPID = item->ownerPID;
-        entry.state = DecoyState::dirty;
-        changed = true;
+/// True when the item looks different from its picture so far.
+bool DecoyPanelController::capture(DecoyEntry& entry) const {
+    auto image = platform.windows.windowImage(entry.windowID);
+    if (!image) {
+        debugLog(
+            fmt::format("[Decoy] capture failed for {} wid={}", entry.persistedID, entry.windowID));
+        return false;
     }
-    if (isCurrent(entry)) return changed;
-    capture(entry);
-    return true;
-}
-
-bool DecoyPanelController::isCurrent(const DecoyEntry& entry) const {
-    bool isOld = platform.runLoop.now() - entry.lastCaptureTime > refreshInterval;
-    return entry.state != DecoyState::dirty && !isOld;
+    double scale = platform.windows.pixelsPerPoint();
+    image->size = {image->bitmap->width / scale, image->bitmap->height / scale};
+    image->isTemplate = false;
+    entry.captureTime = platform.runLoop.now();
+    bool isSame =
+        entry.image && entry.image->size == image->size && *entry.image->bitmap == *image->bitmap;
+    if (!isSame) entry.image = std::move(image);
+    return !isSame;
 }
 
 }  // namespace nevo

@@ -1,7 +1,6 @@
 #pragma once
 
 #include <functional>
-#include <map>
 #include <memory>
 #include <optional>
 #include <string>
@@ -13,94 +12,91 @@
 
 namespace nevo {
 
-enum class DecoyState {
-    /// The picture is current.
-    clean,
-    /// It is to be taken again at the next refresh.
-    dirty,
-    /// Counts as a state with a picture; nothing sets it.
-    needsScromble,
-    /// The item is left out of the panel.
-    nonDecoyable
-};
-
 /// A picture of a hidden item.
 struct DecoyEntry {
     std::string persistedID;
-    ProcessId ownerPID = 0;
     WindowNumber windowID = 0;
+    /// The item's; points.
+    double width = 0;
     std::optional<Image> image;
-    DecoyState state = DecoyState::dirty;
-    /// Seconds on the run loop's clock.
-    double lastCaptureTime = 0;
-    /// Where a click goes when the item's window can't be found.
-    double realCenterX = 0;
-    double realWidth = 0;
+    /// When the picture was taken; seconds on the run loop's clock.
+    double captureTime = 0;
 };
 
 /// Keeps the section snapshot fresh while the hidden section is closed, and in shelf mode shows
-/// pictures of the hidden items in the menu bar, left of the toggle. A click on one is sent on to
-/// the real item, which stays where it is. Main thread only; its tasks hold it weakly.
+/// pictures of the items that the user wants in sight in the menu bar, left of the toggle. A click
+/// on one is sent on to the real item, which stays where it is. Main thread only; its tasks hold it
+/// weakly.
 class DecoyPanelController : public std::enable_shared_from_this<DecoyPanelController> {
 public:
-    /// From here on each change of `isExpanded` counts. The arguments outlive it, or their owner
-    /// keeps it no longer than them.
+    /// From here on each change of the section and of the settings counts. The arguments outlive
+    /// it, or their owner keeps it no longer than them.
     static std::shared_ptr<DecoyPanelController> create(const Platform& platform,
                                                         AppState& appState,
                                                         SectionManager& sectionManager,
                                                         MenuBarScanner& scanner);
 
-    /// Takes the panel away. The entries stay.
+    /// Shows what is to be seen now: by the snapshot, the settings and the places of what stands in
+    /// the bar. To be called whenever one of these may have changed, and now and then.
+    void update();
+    /// Takes the panel away, until the next update.
     void hide();
-    void stopRefreshing() { refreshTimer.reset(); }
-    void clearEntries() { entries.clear(); }
-    /// Puts the panel beside the toggle again after the bar's row has changed, lest it cover it.
-    void followToggle();
     /// Whether a decoy can be seen there; origin at the bottom left.
     bool shows(Point place) const {
         return panel && panel->isVisible() && panel->frame().contains(place);
     }
-    /// Takes a recent scan into the snapshot, and in shelf mode shows what it says is hidden.
+    /// Takes a recent scan into the snapshot, and updates.
     static Task<> rebuild(std::weak_ptr<DecoyPanelController> owner);
-    /// To be called when a rule has been applied to an item.
-    void handleRuleChange(const std::string& persistedID, IconRule rule);
 
     /// Whether the floating bar is open: it shows the same items, so that no decoy does.
     std::function<bool()> isBarOpen;
 
 private:
+    /// What is free in the bar left of the toggle.
+    struct Room {
+        double left = 0;
+        double right = 0;
+        double y = 0;
+        double height = 0;
+    };
+
     DecoyPanelController(const Platform& platform, AppState& appState,
                          SectionManager& sectionManager, MenuBarScanner& scanner);
-    void isExpandedChanged();
-    static Task<> rebuildAfterCollapse(std::weak_ptr<DecoyPanelController> owner);
-    void makeEntries(const std::vector<DecoyEntry>& former);
-    void updatePanel();
-    void showPanel(const std::vector<DecoyEntry>& shown);
-    std::vector<DecoyEntry> shownEntries() const;
-    void installClickMonitors();
-    std::optional<double> offsetInPanel() const;
-    void forwardClickAt(double offset);
-    void forwardClick(const std::string& persistedID);
-    void refresh();
-    bool updateEntry(DecoyEntry& entry, const ScannedBarItem* item);
-    bool isCurrent(const DecoyEntry& entry) const;
-    void capture(DecoyEntry& entry);
-    ScannedBarItems snapshotItems() const;
+    void observe();
+    void sectionChanged();
+    void updateSoon();
+    static Task<> rebuildWhenSettled(std::weak_ptr<DecoyPanelController> owner, int closing);
+    bool isClosed() const;
+    bool isWanted() const;
+    ScannedBarItems itemsToShow() const;
+    std::optional<Rect> placeInSight(const ScannedBarItem& item) const;
+    ScannedBarItems snapshotSection(SectionName section) const;
+    bool takeEntries(const ScannedBarItems& items);
+    bool capture(DecoyEntry& entry) const;
+
+    // The panel.
+    std::optional<Room> room() const;
+    void showPanel(bool hasNewPicture);
+    void makePanel(const Rect& frame);
+    void forwardClick(WindowNumber window);
 
     const Platform& platform;
     AppState& appState;
     SectionManager& sectionManager;
     MenuBarScanner& scanner;
+    /// Of the items that are to be seen, from left to right.
     std::vector<DecoyEntry> entries;
     std::unique_ptr<Panel> panel;
-    /// The item that each view of the panel stands for, whatever its window is by now.
-    std::map<std::string, std::string> itemViews;
+    /// What the panel's views show, from left to right.
+    std::vector<WindowNumber> shownWindows;
     /// From the press of a forwarded click to its release.
     bool isForwardingClick = false;
-    Registration refreshTimer;
-    Registration globalClickMonitor;
-    Registration localClickMonitor;
-    Registration expandedCancellable;
+    /// The section has just closed, and the bar may still move its items away.
+    bool isSettling = false;
+    /// Counts how often it has.
+    int closings = 0;
+    bool isUpdatePending = false;
+    std::vector<Registration> observers;
 };
 
 }  // namespace nevo

@@ -106,6 +106,9 @@ private:
     void onItemRightClicked(const BarItem& item, Point onScreen);
     void presentSlot(const ScannedBarItem& item);
     static Task<> presentRenewed(std::weak_ptr<ShelfController> owner, ScannedBarItem item);
+    std::vector<MenuItem> slotMenu(const BarItem& item) const;
+    /// As scanned last, with what the bar knows where it wasn't.
+    ScannedBarItem recordOf(const BarItem& item) const;
     void onSelect(std::size_t index, const BarItem& item);
     void onItemsReordered(const std::vector<BarItem>& items);
 

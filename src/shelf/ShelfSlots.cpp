@@ -19,6 +19,8 @@ struct RuleOption {
     IconRule rule;
 };
 constexpr std::array<RuleOption, 1> ruleOptions{{{"icon_rule.always_show", IconRule::alwaysShow}}};
+/// The row below them.
+constexpr const char* pictureInBar = "icon_rule.picture_in_bar";
 
 /// The row's layout takes a moment when an item comes; the bar fades meanwhile.
 constexpr double returnTime = 0.1;
@@ -42,22 +44,7 @@ void ShelfController::bindBarCallbacks() {
 }
 
 void ShelfController::onItemClicked(const BarItem& item) {
-    auto cached =
-        std::find_if(cachedItems.begin(), cachedItems.end(),
-                     [&](const ScannedBarItem& each) { return each.windowID == item.windowID; });
-    ScannedBarItem record;
-    if (cached != cachedItems.end()) {
-        record = *cached;
-    } else {
-        record.bundleID = item.bundleID;
-        record.ownerPID = item.ownerPID;
-        record.label = item.label;
-        record.persistedID = item.persistedID;
-        record.centerX = item.centerX;
-        record.width = item.width;
-        record.icon = item.icon;
-        record.windowID = item.windowID;
-    }
+    ScannedBarItem record = recordOf(item);
     if (mover.readableFrame(record.windowID)) {
         presentSlot(record);
     } else {
@@ -93,9 +80,24 @@ void ShelfController::presentSlot(const ScannedBarItem& item) {
     }
 }
 
-void ShelfController::onItemRightClicked(const BarItem& item, Point onScreen) {
-    Panel* panel = nevoBar->openPanel();
-    if (!isIn(ShelfState::Kind::panelVisible) || panel == nullptr) return;
+ScannedBarItem ShelfController::recordOf(const BarItem& item) const {
+    auto cached =
+        std::find_if(cachedItems.begin(), cachedItems.end(),
+                     [&](const ScannedBarItem& each) { return each.windowID == item.windowID; });
+    if (cached != cachedItems.end()) return *cached;
+    ScannedBarItem record;
+    record.bundleID = item.bundleID;
+    record.ownerPID = item.ownerPID;
+    record.label = item.label;
+    record.persistedID = item.persistedID;
+    record.centerX = item.centerX;
+    record.width = item.width;
+    record.icon = item.icon;
+    record.windowID = item.windowID;
+    return record;
+}
+
+std::vector<MenuItem> ShelfController::slotMenu(const BarItem& item) const {
     std::vector<MenuItem> rows;
     for (const RuleOption& option : ruleOptions) {
         MenuItem row;
@@ -103,6 +105,21 @@ void ShelfController::onItemRightClicked(const BarItem& item, Point onScreen) {
         row.title = text(option.key);
         rows.push_back(row);
     }
+    MenuItem picture;
+    picture.key = pictureInBar;
+    picture.title = text(pictureInBar);
+    picture.isOn = appState.rules.decoyItems().contains(item.persistedID);
+    // It would show nothing: the rule keeps the item out of sight.
+    ScannedBarItem record = recordOf(item);
+    auto match = matchIconRule(record, appState.rules.loadIconRules(), cachedItems);
+    picture.isEnabled = !match || match->second != IconRule::alwaysHide;
+    rows.push_back(picture);
+    return rows;
+}
+
+void ShelfController::onItemRightClicked(const BarItem& item, Point onScreen) {
+    Panel* panel = nevoBar->openPanel();
+    if (!isIn(ShelfState::Kind::panelVisible) || panel == nullptr) return;
     Rect frame = panel->frame();
     auto closed = [weak = weak_from_this(), &runLoop = platform.runLoop,
                    item](std::optional<std::size_t> highlighted) {
@@ -112,11 +129,20 @@ void ShelfController::onItemRightClicked(const BarItem& item, Point onScreen) {
             if (auto self = weak.lock()) self->onSelect(index, item);
         });
     };
-    platform.menus.popUp(rows, {onScreen.x - frame.x, onScreen.y - frame.y}, *panel, closed);
+    Point place{onScreen.x - frame.x, onScreen.y - frame.y};
+    platform.menus.popUp(slotMenu(item), place, *panel, closed);
 }
 
 void ShelfController::onSelect(std::size_t index, const BarItem& item) {
-    if (index >= ruleOptions.size()) return;
+    if (index >= ruleOptions.size()) {
+        bool isOne = !appState.rules.decoyItems().contains(item.persistedID);
+        appState.rules.setDecoyItem(isOne, item.persistedID);
+        debugLog(fmt::format("[Shelf] picture in the bar: {} for {}", describe(isOne),
+                             item.persistedID));
+        // So that it can be seen.
+        dismissShelf();
+        return;
+    }
     const RuleOption& option = ruleOptions[index];
     debugLog(
         fmt::format("[Shelf] context menu applied: {} for {}", text(option.key), item.persistedID));

@@ -54,6 +54,9 @@ Control RulesSettingsTab::rowOfItem(const MenuBarIconItem& item, IconRule rule) 
         show.key = "bring-out " + item.id;
         row.children.push_back(show);
     }
+    // Elsewhere a click brings all items back, and no picture is shown.
+    if (isShelfMode(services.platform.screens, services.appState))
+        row.children.push_back(pictureToggle(item, rule));
     if (rule != IconRule::automatic) {
         Control remove =
             buttonOf("remove-rule " + item.id, [&state = services.appState, id = item.id] {
@@ -68,6 +71,19 @@ Control RulesSettingsTab::rowOfItem(const MenuBarIconItem& item, IconRule rule) 
     // Last, so that the pickers of all rows stand below each other.
     row.children.push_back(picker(item, rule));
     return row;
+}
+
+/// Whether a picture of the item stands in the bar while it is hidden.
+Control RulesSettingsTab::pictureToggle(const MenuBarIconItem& item, IconRule rule) const {
+    Control made =
+        toggleOf("icon_rule.picture_in_bar", services.appState.rules.decoyItems().contains(item.id),
+                 [&state = services.appState, id = item.id](bool isOn) {
+                     state.rules.setDecoyItem(isOn, id);
+                 });
+    made.key = "picture-in-bar " + item.id;
+    // The rule keeps it out of sight; the mark counts again when that has ended.
+    made.isEnabled = rule != IconRule::alwaysHide;
+    return made;
 }
 
 Control RulesSettingsTab::picker(const MenuBarIconItem& item, IconRule rule) const {

@@ -14,6 +14,7 @@ public:
 
 private:
     Control rowOfItem(const MenuBarIconItem& item, IconRule rule) const;
+    Control pictureToggle(const MenuBarIconItem& item, IconRule rule) const;
     Control picker(const MenuBarIconItem& item, IconRule rule) const;
 
     const SettingsServices& services;

@@ -1,7 +1,11 @@
 // Hidden items as live pictures, on a real display.
 
+#include <QJsonArray>
+#include <QJsonDocument>
+#include <QJsonObject>
 #include <algorithm>
 #include <csignal>
+#include <fstream>
 
 #include "desktop/NevoSession.h"
 #include "desktop/TestClients.h"
@@ -17,18 +21,52 @@ constexpr std::uint32_t yellow = 0xe0d020;
 
 class Shelf : public NevoSession {
 protected:
-    /// Five tray programs and a probe, red and blue, that are hidden in shelf mode.
-    void startShelf() {
+    /// Five tray programs and a probe, red and blue, that are hidden in shelf mode, without a
+    /// trace.
+    void startHidden() {
         startDesktop();
         probe = std::make_unique<Probe>();
         probe->paint(red, blue);
         waitForItems(6);
         startUsing(R"(, "displayMode": "shelf")");
-        waitFor("the hidden items have their pictures in the bar", [this] {
+    }
+    /// The same, with a picture of each in the bar.
+    void startShelf() {
+        startHidden();
+        mark(programItems());
+        waitForDecoys(6);
+    }
+    /// The user wants pictures of exactly these in the bar.
+    void mark(const std::vector<Item>& items) {
+        QJsonArray ids;
+        for (const Item& item : items) ids.append(QString::fromStdString(idOf(item.pid)));
+        auto path = defaultsFile("com.nevoapp.Nevo");
+        QJsonObject stored =
+            QJsonDocument::fromJson(QByteArray::fromStdString(readFile(path))).object();
+        stored["decoyItems"] = ids;
+        auto written = path;
+        written += ".new";
+        std::ofstream(written) << QJsonDocument(stored).toJson().toStdString();
+        std::filesystem::rename(written, path);
+    }
+    /// What Nevo knows the item of that process by, as its log tells.
+    std::string idOf(ProcessId pid) const {
+        std::string told = "pid=" + std::to_string(pid) + " id=";
+        auto isTold = [&] { return nevo().output().find(told) != std::string::npos; };
+        waitFor("Nevo has seen the item", isTold);
+        std::string output = nevo().output();
+        auto from = output.find(told) + told.size();
+        return output.substr(from, output.find('\n', from) - from);
+    }
+    /// With the probe's among them.
+    void waitForDecoys(std::size_t count) const {
+        waitFor("so many items have their pictures in the bar", [&] {
             auto shown = decoys();
-            return shown && iconIn(*shown, red, blue);
+            return shown && shown->width == decoysWidth(count) && iconIn(*shown, red, blue);
         });
     }
+    /// Of a panel with so many, of which none is wider than 30 pixels, and its edges.
+    static double decoysWidth(std::size_t count) { return static_cast<double>(count) * 30 + 4; }
     void TearDown() override {
         probe.reset();
         NevoSession::TearDown();
@@ -134,10 +172,11 @@ TEST_F(Shelf, opensAndClosesUnderTheToggleAndLeavesTheWindowInUseAlone) {
         waitFor("the pictures are back in the bar", [this] { return decoys().has_value(); });
     }
     openShelf();
-    // By now a click isn't that which opened it.
-    waitFor("the pictures in the bar have gone", [this] { return !decoys(); });
-    hand->click({20, 500});
-    waitForNoShelf();
+    // At first a click may be that which opened it.
+    waitFor("a click beside the shelf has closed it", [this] {
+        hand->click({20, 500});
+        return !shelf();
+    });
     waitFor("the pictures are back in the bar", [this] { return decoys().has_value(); });
     EXPECT_EQ(names(), all);
 }
@@ -222,6 +261,49 @@ TEST_F(Shelf, eachOfSixtyItemsIsReachedByKeysAndTheKeysGoBack) {
     hand->press(returnKey);
     waitFor("the window in use has the keys again",
             [&] { return inUse.output().find("keysym 0xff0d, Return") != std::string::npos; });
+}
+
+TEST_F(Shelf, ofHiddenItemsNothingIsSeenButWhatTheUserHasMarked) {
+    startHidden();
+    auto leftOfToggle = [this] {
+        // The bar's corner has a colour of its own.
+        Rect bar = barView->frame();
+        return Rect{bar.x + 1, bar.y, toggleItem().place.x - bar.x - 1, bar.height};
+    };
+    waitFor("the bar is empty left of the toggle",
+            [&] { return screenshot().isEmptyBar(leftOfToggle()); });
+    openShelf();
+    pressShortcut();
+    waitForNoShelf();
+    EXPECT_FALSE(decoys());
+    waitFor("the bar is empty left of the toggle",
+            [&] { return screenshot().isEmptyBar(leftOfToggle()); });
+
+    // Programs come and go.
+    mark({probeItem(), item("parcellite")});
+    waitForDecoys(2);
+    EXPECT_EQ(decoys()->maxX(), toggleItem().place.x - 2);
+    kill(program("parcellite"), SIGTERM);
+    waitForDecoys(1);
+    startProgram("pnmixer");
+    startProgram("parcellite");
+    waitForDecoys(2);
+    EXPECT_EQ(namesOnScreen(), Names());
+    probe->setShown(false);
+    waitFor("the probe's picture has gone", [this] {
+        auto shown = decoys();
+        return shown && shown->width == decoysWidth(1) && !iconIn(*shown, red, blue);
+    });
+    probe->setShown(true);
+    waitForDecoys(2);
+
+    // As after each login.
+    kill(nevo(), SIGTERM);
+    waitForItems(7);
+    EXPECT_TRUE(becomesDense());
+    startNevo();
+    waitForOnScreen({});
+    waitForDecoys(2);
 }
 
 TEST_F(Shelf, aSlotShowsWhatItsProgramDraws) {

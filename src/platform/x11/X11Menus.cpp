@@ -55,6 +55,8 @@ QAction* addRow(QMenu& menu, const Images& images, const MenuItem& item) {
                                      QString::fromStdString(item.title).replace('&', "&&"));
     action->setIconVisibleInMenu(true);
     action->setEnabled(item.isEnabled);
+    action->setCheckable(item.isOn.has_value());
+    action->setChecked(item.isOn.value_or(false));
     if (!item.keyEquivalent.empty()) {
         // What is Command there is Control in the menus of this desktop.
         action->setShortcut(QKeySequence("Ctrl+" + QString::fromStdString(item.keyEquivalent)));
