@@ -55,8 +55,12 @@ Control RulesSettingsTab::rowOfItem(const MenuBarIconItem& item, IconRule rule) 
         row.children.push_back(show);
     }
     // Elsewhere a click brings all items back, and no picture is shown.
-    if (isShelfMode(services.platform.screens, services.appState))
+    if (isShelfMode(services.platform.screens, services.appState)) {
+        row.children.push_back(plainText("picture-in-bar-of " + item.id,
+                                         text("icon_rule.picture_in_bar"),
+                                         Control::TextStyle::note));
         row.children.push_back(pictureToggle(item, rule));
+    }
     if (rule != IconRule::automatic) {
         Control remove =
             buttonOf("remove-rule " + item.id, [&state = services.appState, id = item.id] {
@@ -75,12 +79,14 @@ Control RulesSettingsTab::rowOfItem(const MenuBarIconItem& item, IconRule rule) 
 
 /// Whether a picture of the item stands in the bar while it is hidden.
 Control RulesSettingsTab::pictureToggle(const MenuBarIconItem& item, IconRule rule) const {
-    Control made =
-        toggleOf("icon_rule.picture_in_bar", services.appState.rules.decoyItems().contains(item.id),
-                 [&state = services.appState, id = item.id](bool isOn) {
-                     state.rules.setDecoyItem(isOn, id);
-                 });
-    made.key = "picture-in-bar " + item.id;
+    Control made = toggleOf("picture-in-bar " + item.id,
+                            services.appState.rules.decoyItems().contains(item.id),
+                            [&state = services.appState, id = item.id](bool isOn) {
+                                state.rules.setDecoyItem(isOn, id);
+                            });
+    made.title =
+        fmt::format(fmt::runtime(text("settings.rules.menu_bar_icons.picture_format")), item.label);
+    made.hidesTitle = true;
     // The rule keeps it out of sight; the mark counts again when that has ended.
     made.isEnabled = rule != IconRule::alwaysHide;
     return made;

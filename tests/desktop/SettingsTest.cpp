@@ -116,6 +116,25 @@ TEST_F(Settings, rulesForAnItem) {
     EXPECT_FALSE(has("push button", "Remove the rule of Parcellite"));
 }
 
+TEST_F(Settings, aPictureInTheBar) {
+    Names all = names();
+    goTo("Bar");
+    clickOn("radio button", "In the shelf, a floating bar");
+    waitForStored(R"("displayMode": "shelf")");
+    waitForModeChange(all);
+    goTo("Rules");
+    double toggleX = toggleItem().place.x;
+    Rect beside{toggleX - 34, 0, 32, 24};
+    waitFor("nothing is in the bar beside the toggle",
+            [&] { return screenshot().isEmptyBar(beside); });
+    clickOn("check box", "Picture of Parcellite in the bar");
+    waitForStored("Parcellite >>> parcellite");
+    waitFor("a picture stands beside the toggle", [&] { return !screenshot().isEmptyBar(beside); });
+    choose("Parcellite", "Always hide");
+    waitFor("the rule is stronger", [&] { return screenshot().isEmptyBar(beside); });
+    EXPECT_FALSE(control("check box", "Picture of Parcellite in the bar").is(Accessible::enabled));
+}
+
 TEST_F(Settings, rulesForAProgramInFront) {
     toggle(names());
     goTo("Rules");
