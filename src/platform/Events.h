@@ -20,6 +20,10 @@ enum class EventType : std::uint32_t {
     rightMouseUp = 4,
     mouseMoved = 5,
     leftMouseDragged = 6,
+    scrollWheel = 22,
+    /// Of the middle button.
+    otherMouseDown = 25,
+    otherMouseUp = 26,
     /// A tap hears these when the system has disabled it, for being slow or at a person's wish.
     tapDisabledByTimeout = 0xFFFFFFFE,
     tapDisabledByUserInput = 0xFFFFFFFF
@@ -44,19 +48,24 @@ struct Event {
     ModifierFlags modifiers = 0;
     /// The window of this program that the event is for; 0 for another program's.
     WindowNumber window = 0;
+    /// Of scrollWheel: whole notches, up and to the left above 0.
+    Point scroll = {};
 };
 
 /// Fields of a synthetic event (`CGEventField`).
 enum class EventField {
     clickState = 1,
+    /// Notches of the wheel, up and to the left above 0.
+    scrollDeltaY = 11,
+    scrollDeltaX = 12,
     targetProcess = 40,
     windowNumber = 51,
     windowUnderPointer = 91,
     windowUnderPointerThatCanHandle = 92
 };
 
-/// A synthetic mouse event with the left button, not yet posted. Location: points, origin at the
-/// top left of the main display.
+/// A synthetic mouse event, not yet posted. Location: points, origin at the top left of the main
+/// display. One of another button than the left, or of the wheel, has to name a window of the bar.
 struct MouseEvent {
     EventType type = EventType::leftMouseDown;
     Point location;
@@ -110,7 +119,7 @@ public:
 
     /// `CGEventSourceCreate(1)`, the HID system state; nullptr on failure.
     virtual std::unique_ptr<EventSource> createEventSource() = 0;
-    /// `CGEventCreateMouseEvent`; nothing on failure.
+    /// `CGEventCreateMouseEvent`, `CGEventCreateScrollWheelEvent`; nothing on failure.
     virtual std::optional<MouseEvent> createMouseEvent(EventSource& source, EventType type,
                                                        Point location) = 0;
     /// `CGEventPost(0, event)`, the HID tap: what the window server does with an event of a hand.

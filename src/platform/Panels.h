@@ -64,12 +64,15 @@ struct PanelView {
 /// What the pointer does in a view. A view in which a button went down hears of everything until it
 /// comes up, wherever the pointer is.
 struct PanelEvent {
-    /// leftMouseDown, leftMouseDragged, leftMouseUp, rightMouseDown or rightMouseUp.
+    /// leftMouseDown, leftMouseDragged, leftMouseUp, rightMouseDown, rightMouseUp, otherMouseDown,
+    /// otherMouseUp or scrollWheel.
     EventType type = EventType::leftMouseDown;
     std::string view;
     /// In the panel: points, origin at its bottom left.
     Point location;
     ModifierFlags modifiers = 0;
+    /// Of scrollWheel: whole notches, up and to the left above 0.
+    Point scroll = {};
 };
 
 /// Keys that a panel hears of, by what they do in it.

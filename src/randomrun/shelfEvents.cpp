@@ -77,8 +77,10 @@ Lines dragSlot(Stage& stage) {
 Lines clickDecoy(Stage& stage) {
     std::string item = stage.anyPicture("decoy");
     if (item.empty()) return {};
-    const char* keys = stage.random.oneOf({"", "", "", " command", " control"});
-    return {"click decoy " + item + keys, shortWait(stage)};
+    const char* form = stage.random.oneOf(
+        {"click decoy {}", "click decoy {}", "click decoy {} command", "click decoy {} control",
+         "right-click decoy {}", "middle-click decoy {}", "scroll decoy {} up"});
+    return {fmt::format(fmt::runtime(form), item), shortWait(stage)};
 }
 
 /// The user wants other items in sight.

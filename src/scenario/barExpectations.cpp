@@ -123,9 +123,10 @@ Step readFront(LineReader& reader) {
 Step readClicks(LineReader& reader) {
     std::string item = reader.word("ITEM");
     int expected = reader.whole("COUNT");
+    std::string kind = reader.takeOneOf({"left", "right", "middle", "wheel"}).value_or("");
     return withWindow(item, [=](ScenarioRun& run, WindowNumber) {
         return Outcome::compare("clicks on " + item, std::to_string(expected),
-                                std::to_string(run.desktop().events.clickCount(item)));
+                                std::to_string(run.desktop().events.clickCount(item, kind)));
     });
 }
 
@@ -203,8 +204,8 @@ std::vector<Command> barExpectations() {
          "What is stored under a key.", readDefault},
         {"expect running", "APP yes|no", "Whether another program runs.", readRunning},
         {"expect front", "APP|nevo", "The program that was brought to the front last.", readFront},
-        {"expect clicks", "ITEM COUNT", "How often another program's item was clicked.",
-         readClicks},
+        {"expect clicks", "ITEM COUNT [left|right|middle|wheel]",
+         "How often another program's item was clicked.", readClicks},
         {"expect pointer", "X Y", "Where the pointer is.", readPointerAt},
         {"expect cursor", "shown|hidden", "Whether the cursor can be seen.", readCursor},
     };

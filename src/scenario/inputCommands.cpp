@@ -74,6 +74,22 @@ Step readClick(LineReader& reader, bool right) {
     });
 }
 
+Step readMiddleClick(LineReader& reader) {
+    return atTarget(readTarget(reader), [](ScenarioRun& run, Point place) {
+        run.desktop().events.move(place);
+        run.desktop().events.clickMiddle();
+    });
+}
+
+Step readScroll(LineReader& reader) {
+    Target target = readTarget(reader);
+    bool isUp = reader.choice("the way", {"up", "down"}) == "up";
+    return atTarget(target, [isUp](ScenarioRun& run, Point place) {
+        run.desktop().events.move(place);
+        run.desktop().events.scroll({0, isUp ? 1.0 : -1.0});
+    });
+}
+
 Step readPress(LineReader& reader, bool down) {
     bool right = reader.take("right");
     return [right, down](ScenarioRun& run) {
@@ -158,6 +174,9 @@ std::vector<Command> inputCommands() {
          "A left click, keys held.", [](LineReader& reader) { return readClick(reader, false); }},
         {"right-click", "[slot|decoy] ITEM|X Y [command] [option] [shift] [control]",
          "A right click, keys held.", [](LineReader& reader) { return readClick(reader, true); }},
+        {"middle-click", "[slot|decoy] ITEM|X Y", "A click with the middle button.",
+         readMiddleClick},
+        {"scroll", "[slot|decoy] ITEM|X Y up|down", "Turns the wheel by a notch.", readScroll},
         {"press", "[right]", "Presses a button where the pointer is.",
          [](LineReader& reader) { return readPress(reader, true); }},
         {"release", "[right]", "Lets go of a button.",

@@ -1,6 +1,7 @@
 #include <fmt/format.h>
 
 #include <algorithm>
+#include <cmath>
 
 #include "core/debugLog.h"
 #include "core/describe.h"
@@ -29,6 +30,20 @@ constexpr Color touchable = Color::white(1, 0.001);
 constexpr const char* viewPrefix = "decoy:";
 
 double slotWidth(const DecoyEntry& entry) { return std::max(smallestSlot, entry.width); }
+
+/// What follows a press; nothing for what is no press.
+std::optional<EventType> releaseOf(EventType type) {
+    switch (type) {
+        case EventType::leftMouseDown:
+            return EventType::leftMouseUp;
+        case EventType::rightMouseDown:
+            return EventType::rightMouseUp;
+        case EventType::otherMouseDown:
+            return EventType::otherMouseUp;
+        default:
+            return std::nullopt;
+    }
+}
 
 /// As many as fit, whole, the ones beside the toggle first; in their order.
 std::vector<DecoyEntry> fitting(const std::vector<DecoyEntry>& entries, double width) {
@@ -115,14 +130,14 @@ void DecoyPanelController::makePanel(const Rect& frame) {
     panel->onEvent = [weak = weak_from_this()](const PanelEvent& event) {
         auto self = weak.lock();
         // A forwarded click may land on the panel itself; sent on again it would never end.
-        bool isClick = event.type == EventType::leftMouseDown;
+        bool isClick = event.type == EventType::scrollWheel || releaseOf(event.type);
         if (!self || !isClick || self->isForwardingClick) return;
         std::string number = event.view.substr(std::string(viewPrefix).size());
-        self->forwardClick(static_cast<WindowNumber>(std::stoul(number)));
+        self->forward(event, static_cast<WindowNumber>(std::stoul(number)));
     };
 }
 
-void DecoyPanelController::forwardClick(WindowNumber window) {
+void DecoyPanelController::forward(const PanelEvent& event, WindowNumber window) {
     auto entry = std::find_if(entries.begin(), entries.end(),
                               [&](const DecoyEntry& each) { return each.windowID == window; });
     auto frame = platform.windows.windowFrame(window);
@@ -131,31 +146,34 @@ void DecoyPanelController::forwardClick(WindowNumber window) {
         return;
     }
     Point at = frame->center();
+    std::vector<EventType> types{event.type};
+    if (auto release = releaseOf(event.type)) types.push_back(*release);
     auto source = platform.events.createEventSource();
-    std::optional<MouseEvent> down;
-    std::optional<MouseEvent> up;
-    if (source) {
-        down = platform.events.createMouseEvent(*source, EventType::leftMouseDown, at);
-        up = platform.events.createMouseEvent(*source, EventType::leftMouseUp, at);
-    }
-    if (!down || !up) {
-        debugLog("[Decoy] click: failed to create events for " + entry->persistedID);
-        return;
-    }
-    for (MouseEvent* event : {&*down, &*up}) {
+    std::vector<MouseEvent> made;
+    for (EventType type : types) {
+        auto one = source ? platform.events.createMouseEvent(*source, type, at) : std::nullopt;
+        if (!one) {
+            debugLog("[Decoy] click: failed to create events for " + entry->persistedID);
+            return;
+        }
         for (EventField field :
              {EventField::windowUnderPointer, EventField::windowUnderPointerThatCanHandle,
               EventField::windowNumber})
-            event->fields[field] = window;
-        event->fields[EventField::clickState] = 1;
+            one->fields[field] = window;
+        one->fields[EventField::clickState] = 1;
+        one->fields[EventField::scrollDeltaX] = std::llround(event.scroll.x);
+        one->fields[EventField::scrollDeltaY] = std::llround(event.scroll.y);
+        made.push_back(*one);
     }
-    isForwardingClick = true;
-    platform.events.post(*down);
-    platform.runLoop.postAfter(clickHold,
-                               [weak = weak_from_this(), &events = platform.events, release = *up] {
-                                   events.post(release);
-                                   if (auto self = weak.lock()) self->isForwardingClick = false;
-                               });
+    platform.events.post(made.front());
+    if (made.size() > 1) {
+        isForwardingClick = true;
+        platform.runLoop.postAfter(
+            clickHold, [weak = weak_from_this(), &events = platform.events, release = made.back()] {
+                events.post(release);
+                if (auto self = weak.lock()) self->isForwardingClick = false;
+            });
+    }
     debugLog(fmt::format("[Decoy] click forwarded: {} wid={} at={}", entry->persistedID, window,
                          describe(at)));
 }

@@ -78,7 +78,8 @@ private:
     std::optional<Room> room() const;
     void showPanel(bool hasNewPicture);
     void makePanel(const Rect& frame);
-    void forwardClick(WindowNumber window);
+    /// Sends a press, or a turn of the wheel, on to the item of that window.
+    void forward(const PanelEvent& event, WindowNumber window);
 
     const Platform& platform;
     AppState& appState;

@@ -398,6 +398,26 @@ TEST_F(Shelf, aClickOnAPictureInTheBarReachesItsProgram) {
             [this] { return names().size() == 6 && probeItem().place == probeItem().slot; });
 }
 
+TEST_F(Shelf, aPicturePassesEachButtonAndTheWheelOn) {
+    startShelf();
+    Point picture = iconIn(*decoys(), red, blue)->center();
+    std::vector<int> sent;
+    for (int button : {3, 2}) {
+        hand->click(picture, button);
+        sent.push_back(button);
+        waitFor("the probe gets the click", [&] { return probe->buttons() == sent; });
+    }
+    // A turn of several notches is a quick thing.
+    for (int button : {4, 4, 5, 5, 5, 6}) {
+        hand->click(picture, button);
+        sent.push_back(button);
+    }
+    waitFor("the probe gets each notch", [&] { return probe->buttons() == sent; });
+    EXPECT_EQ(namesOnScreen(), Names());
+    waitFor("the item is back in its slot", [&] { return probeItem().place == probeItem().slot; });
+    EXPECT_EQ(probe->buttons(), sent);
+}
+
 TEST_F(Shelf, aManagerKilledInTheMiddleOfAClickLeavesNothingOutOfPlace) {
     startShelf();
     auto before = names();

@@ -86,11 +86,14 @@ void Probe::paint(std::uint32_t left, std::uint32_t right) {
     connection->flush();
 }
 
-int Probe::clicks() {
+int Probe::clicks() { return static_cast<int>(buttons().size()); }
+
+const std::vector<int>& Probe::buttons() {
     while (Reply<xcb_generic_event_t> event{xcb_poll_for_event(connection->get())}) {
-        if ((event->response_type & 0x7f) == XCB_BUTTON_PRESS) ++clickCount;
+        if ((event->response_type & 0x7f) != XCB_BUTTON_PRESS) continue;
+        pressed.push_back(reinterpret_cast<xcb_button_press_event_t*>(event.get())->detail);
     }
-    return clickCount;
+    return pressed;
 }
 
 LeaseHolder::LeaseHolder() : connection(connect()) {

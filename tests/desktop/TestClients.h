@@ -20,6 +20,8 @@ public:
     explicit Probe(bool isShownFirst = false);
     xcb_window_t window() const { return iconWindow; }
     int clicks();
+    /// The button of each, those of the wheel too.
+    const std::vector<int>& buttons();
     /// Withdraws its icon, or shows it again.
     void setShown(bool shown);
 
@@ -33,7 +35,7 @@ public:
 private:
     std::unique_ptr<xcb::Connection> connection;
     xcb_window_t iconWindow = 0;
-    int clickCount = 0;
+    std::vector<int> pressed;
 };
 
 /// Another program that asks the bar for something: its requests hold until it goes.

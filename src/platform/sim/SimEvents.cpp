@@ -15,11 +15,22 @@ bool onAnyDisplay(const SimScreens& screens, Point place) {
 }
 
 bool isPress(EventType type) {
-    return type == EventType::leftMouseDown || type == EventType::rightMouseDown;
+    return type == EventType::leftMouseDown || type == EventType::rightMouseDown ||
+           type == EventType::otherMouseDown;
 }
 
 bool isRelease(EventType type) {
-    return type == EventType::leftMouseUp || type == EventType::rightMouseUp;
+    return type == EventType::leftMouseUp || type == EventType::rightMouseUp ||
+           type == EventType::otherMouseUp;
+}
+
+/// What a program does something at.
+bool isClick(EventType type) { return isPress(type) || type == EventType::scrollWheel; }
+
+std::string kindOf(EventType type) {
+    if (type == EventType::scrollWheel) return "wheel";
+    if (type == EventType::otherMouseDown) return "middle";
+    return type == EventType::rightMouseDown ? "right" : "left";
 }
 }  // namespace
 
@@ -121,6 +132,11 @@ void SimEvents::post(const MouseEvent& event) {
     auto field = event.fields.find(EventField::windowNumber);
     auto named =
         field == event.fields.end() ? WindowNumber{0} : static_cast<WindowNumber>(field->second);
+    const SimBar::Item* turnedOver = bar.find(named);
+    if (event.type == EventType::scrollWheel && turnedOver != nullptr) {
+        noteClick(*turnedOver, event.type);
+        return;
+    }
     // Outside every display there is no place for the pointer: the event goes to the window that it
     // names, and to nobody else. A drag that begins so goes on without the pointer.
     bool isUnseenDrag = bar.isDragging() && !bar.isPointerDragging() &&
@@ -131,9 +147,9 @@ void SimEvents::post(const MouseEvent& event) {
         if (draggedBefore == 0 || draggedBefore == named)
             handleBar(event.type, event.flags, named, event.location, false);
         const SimBar::Item* item = bar.find(named);
-        bool isClick =
-            isPress(event.type) && draggedBefore != named && bar.draggedWindow() != named;
-        if (isClick && item != nullptr && !item->own) noteClick(*item, event.type);
+        bool isFree = draggedBefore != named && bar.draggedWindow() != named;
+        if (isClick(event.type) && isFree && item != nullptr && !item->own)
+            noteClick(*item, event.type);
         return;
     }
     pointer.location = event.location;
@@ -158,7 +174,16 @@ void SimEvents::release(bool right) {
     handle(right ? EventType::rightMouseUp : EventType::leftMouseUp, pointer.modifiers, 0);
 }
 
-void SimEvents::handle(EventType type, ModifierFlags flags, WindowNumber named) {
+void SimEvents::clickMiddle() {
+    handle(EventType::otherMouseDown, pointer.modifiers, 0);
+    handle(EventType::otherMouseUp, pointer.modifiers, 0);
+}
+
+void SimEvents::scroll(Point notches) {
+    handle(EventType::scrollWheel, pointer.modifiers, 0, notches);
+}
+
+void SimEvents::handle(EventType type, ModifierFlags flags, WindowNumber named, Point notches) {
     bool draggingBefore = bar.isPointerDragging();
     // A panel covers the bar, but not from what was made for one of its windows.
     bool covered = named == 0 && panels.at(pointer.location) != nullptr;
@@ -169,13 +194,14 @@ void SimEvents::handle(EventType type, ModifierFlags flags, WindowNumber named) 
     WindowNumber own = barTookIt ? 0 : ownWindowUnder();
     if (isPress(type)) pressedWindow = own;
     const SimBar::Item* under = bar.itemAt(pointer.location);
-    if (!barTookIt && own == 0 && under != nullptr && isPress(type)) noteClick(*under, type);
+    if (!barTookIt && own == 0 && under != nullptr && isClick(type)) noteClick(*under, type);
     if (isPress(type) && own == 0 && pressedElsewhere) pressedElsewhere();
 
     Event event;
     event.type = type;
     event.location = screens.flipped(pointer.location);
     event.modifiers = flags;
+    event.scroll = notches;
     bool follows = isRelease(type) || type == EventType::leftMouseDragged;
     event.window = follows ? pressedWindow : own;
     if (isRelease(type)) pressedWindow = 0;
@@ -207,9 +233,9 @@ void SimEvents::handleBar(EventType type, ModifierFlags flags, WindowNumber name
 }
 
 void SimEvents::noteClick(const SimBar::Item& item, EventType type) {
-    ++clicks[item.label];
-    trace.note("click", fmt::format("{}{}", item.label,
-                                    type == EventType::rightMouseDown ? " (right)" : ""));
+    std::string kind = kindOf(type);
+    ++clicks[item.label][kind];
+    trace.note("click", item.label + (kind == "left" ? "" : " (" + kind + ")"));
 }
 
 void SimEvents::deliver(const Event& event) {
@@ -266,9 +292,14 @@ void SimEvents::hear(const Event& event) {
     }
 }
 
-int SimEvents::clickCount(const std::string& label) const {
+int SimEvents::clickCount(const std::string& label, const std::string& kind) const {
     auto found = clicks.find(label);
-    return found == clicks.end() ? 0 : found->second;
+    int count = 0;
+    if (found == clicks.end()) return count;
+    for (const auto& [each, times] : found->second) {
+        if (kind.empty() || kind == each) count += times;
+    }
+    return count;
 }
 
 std::size_t SimEvents::monitorCount() const {

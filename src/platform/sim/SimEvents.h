@@ -48,14 +48,18 @@ public:
     void move(Point location);
     void press(bool right);
     void release(bool right);
+    void clickMiddle();
+    /// Turns the wheel by so many notches, up and to the left above 0.
+    void scroll(Point notches);
     void setModifiers(ModifierFlags modifiers) { pointer.modifiers = modifiers; }
 
     /// The system disables all taps and tells their callbacks by an event of this kind.
     void disableTaps(EventType reason);
 
     const SimPointer& state() const { return pointer; }
-    /// How often another program's item was clicked, by label; left and right clicks together.
-    int clickCount(const std::string& label) const;
+    /// How often another program's item was clicked, by label, and by what if that is told: left,
+    /// right, middle or wheel.
+    int clickCount(const std::string& label, const std::string& kind = {}) const;
     /// Monitors and taps that are installed.
     std::size_t monitorCount() const;
 
@@ -85,7 +89,7 @@ private:
     class OwnedTap;
 
     /// What the window server does with one event; `named` is the window that it was made for.
-    void handle(EventType type, ModifierFlags flags, WindowNumber named);
+    void handle(EventType type, ModifierFlags flags, WindowNumber named, Point notches = {});
     void handleBar(EventType type, ModifierFlags flags, WindowNumber named, Point place,
                    bool usesPointer);
     void noteClick(const SimBar::Item& item, EventType type);
@@ -104,7 +108,7 @@ private:
     SimTrace& trace;
     SimPointer pointer;
     std::shared_ptr<Monitors> monitors;
-    std::map<std::string, int> clicks;
+    std::map<std::string, std::map<std::string, int>> clicks;
     /// The own window that a button went down on: it gets the release too.
     WindowNumber pressedWindow = 0;
 };

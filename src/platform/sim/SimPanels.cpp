@@ -94,15 +94,24 @@ const PanelView* SimPanel::viewAt(Point inPanel) const {
 
 void SimPanel::deliver(const Event& event) {
     Point place{event.location.x - configuration.frame.x, event.location.y - configuration.frame.y};
-    bool isPress =
-        event.type == EventType::leftMouseDown || event.type == EventType::rightMouseDown;
+    if (event.type == EventType::scrollWheel) {
+        const PanelView* under = viewAt(place);
+        auto scrolled = onEvent;
+        if (under != nullptr && scrolled)
+            scrolled({event.type, under->key, place, event.modifiers, event.scroll});
+        return;
+    }
+    bool isPress = event.type == EventType::leftMouseDown ||
+                   event.type == EventType::rightMouseDown ||
+                   event.type == EventType::otherMouseDown;
     if (isPress) {
         const PanelView* under = viewAt(place);
         pressedView = under != nullptr ? under->key : "";
     }
     if (pressedView.empty() || event.type == EventType::mouseMoved || !onEvent) return;
     PanelEvent told{event.type, pressedView, place, event.modifiers};
-    bool isRelease = event.type == EventType::leftMouseUp || event.type == EventType::rightMouseUp;
+    bool isRelease = event.type == EventType::leftMouseUp ||
+                     event.type == EventType::rightMouseUp || event.type == EventType::otherMouseUp;
     if (isRelease) pressedView.clear();
     // A copy: the handler may destroy the panel, and itself with it.
     auto handler = onEvent;

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <utility>
 
 #include "platform/menubar/BarProtocol.h"
 #include "platform/x11/PanelWindow.h"
@@ -18,6 +19,8 @@ constexpr int mostLooks = 500;
 constexpr int visitMilliseconds = 1000;
 /// Of this program's own windows, one upon the other.
 constexpr std::size_t mostCovers = 8;
+/// That wait for their item.
+constexpr double mostNotches = 20;
 }  // namespace
 
 ItemClick::ItemClick(XServer& x, BarClient& client, SyntheticInput& input)
@@ -27,13 +30,14 @@ ItemClick::ItemClick(XServer& x, BarClient& client, SyntheticInput& input)
 
 ItemClick::~ItemClick() { end(); }
 
-void ItemClick::press(WindowNumber item) {
+void ItemClick::press(WindowNumber item, std::uint8_t button) {
     end();
     auto state = queryPointer(server);
     if (!state || bar.itemOfNumber(item) == nullptr) return;
     number = item;
     step = Step::coming;
     patience = mostLooks;
+    buttons = {button};
     sendVisit(true, state->root.x);
 }
 
@@ -42,6 +46,29 @@ void ItemClick::release() {
     step = Step::waiting;
     timer.start(lookMilliseconds);
     advance();
+}
+
+void ItemClick::scroll(WindowNumber item, Point notches) {
+    constexpr std::uint8_t up = 4, down = 5, left = 6, right = 7;
+    std::vector<std::uint8_t> turns;
+    auto add = [&](double count, std::uint8_t button) {
+        turns.insert(turns.end(), static_cast<std::size_t>(std::min(std::abs(count), mostNotches)),
+                     button);
+    };
+    add(notches.y, notches.y > 0 ? up : down);
+    add(notches.x, notches.x > 0 ? left : right);
+    if (turns.empty()) return;
+    if (step == Step::none || number != item) {
+        press(item, turns.front());
+        if (step == Step::none) return;
+        buttons.clear();
+    }
+    if (buttons.size() < static_cast<std::size_t>(mostNotches))
+        buttons.insert(buttons.end(), turns.begin(), turns.end());
+    // It is here, or on its way.
+    step = Step::waiting;
+    patience = mostLooks;
+    timer.start(lookMilliseconds);
 }
 
 void ItemClick::advance() {
@@ -64,9 +91,10 @@ void ItemClick::clickAt(Point place) {
         cover->letMouseThrough(true);
         waitForQt();
     }
-    synthetic.click(place);
+    auto made = std::exchange(buttons, {});
+    synthetic.click(place, made);
     for (PanelWindow* cover : covers) cover->letMouseThrough(false);
-    if (clicked) clicked();
+    if (clicked) clicked(static_cast<int>(made.size()));
 }
 
 /// The panel of this program's that would take the mouse there.

@@ -22,14 +22,18 @@ public:
     ItemClick(const ItemClick&) = delete;
     ItemClick& operator=(const ItemClick&) = delete;
 
-    /// The item comes. A click that hasn't been made by then is dropped.
-    void press(WindowNumber item);
+    /// The item comes, for a click with that button of X's. One that hasn't been made by then is
+    /// dropped.
+    void press(WindowNumber item, std::uint8_t button);
     /// The click is made when the item has come and no hand holds a button: only then can a program
     /// open a menu.
     void release();
+    /// The same for notches of the wheel, one way or the other. None of them is dropped while they
+    /// are for the same item.
+    void scroll(WindowNumber item, Point notches);
 
-    /// Called when the click has been made, before anybody has heard of it.
-    std::function<void()> clicked;
+    /// Called when so many clicks have been made, before anybody has heard of them.
+    std::function<void(int count)> clicked;
 
 private:
     enum class Step { none, coming, waiting, done };
@@ -46,6 +50,8 @@ private:
     QTimer timer;
     Step step = Step::none;
     WindowNumber number = 0;
+    /// What is still to be made, in this order.
+    std::vector<std::uint8_t> buttons;
     int patience = 0;
 };
 

@@ -48,6 +48,7 @@ void PanelWindow::Release::operator()(PanelWindow* window) const {
     window->draw = nullptr;
     window->drawShape = nullptr;
     window->onMouse = nullptr;
+    window->onWheel = nullptr;
     window->toolTipAt = nullptr;
     window->isReleased = true;
     window->hide();
@@ -213,11 +214,25 @@ void PanelWindow::showToolTip(const QHelpEvent& help) {
 void PanelWindow::mousePressEvent(QMouseEvent* event) {
     if (event->button() == Qt::LeftButton) tell(EventType::leftMouseDown, *event);
     if (event->button() == Qt::RightButton) tell(EventType::rightMouseDown, *event);
+    if (event->button() == Qt::MiddleButton) tell(EventType::otherMouseDown, *event);
 }
 
 void PanelWindow::mouseReleaseEvent(QMouseEvent* event) {
     if (event->button() == Qt::LeftButton) tell(EventType::leftMouseUp, *event);
     if (event->button() == Qt::RightButton) tell(EventType::rightMouseUp, *event);
+    if (event->button() == Qt::MiddleButton) tell(EventType::otherMouseUp, *event);
+}
+
+void PanelWindow::wheelEvent(QWheelEvent* event) {
+    constexpr int notch = QWheelEvent::DefaultDeltasPerStep;
+    turned += event->angleDelta();
+    QPoint notches(turned.x() / notch, turned.y() / notch);
+    turned -= notches * notch;
+    auto call = onWheel;
+    if (!call || notches.isNull()) return;
+    QPointF place = event->position();
+    Point turns{static_cast<double>(notches.x()), static_cast<double>(notches.y())};
+    whileAlive([&] { call(turns, inPicture(place), modifiersOf(event->modifiers())); });
 }
 
 void PanelWindow::mouseMoveEvent(QMouseEvent* event) {

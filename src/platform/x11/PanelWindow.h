@@ -38,6 +38,8 @@ public:
     std::function<QImage(QSize)> drawShape;
     /// `place` in pixels from the picture's bottom left.
     std::function<void(EventType type, Point place, ModifierFlags modifiers)> onMouse;
+    /// The wheel has turned by so many whole notches, up and to the left above 0.
+    std::function<void(Point notches, Point place, ModifierFlags modifiers)> onWheel;
     std::function<ToolTip(Point place)> toolTipAt;
 
     /// Root pixels, of the picture alone.
@@ -67,6 +69,7 @@ protected:
     /// A second press is one, too.
     void mouseDoubleClickEvent(QMouseEvent* event) override { mousePressEvent(event); }
     void mouseMoveEvent(QMouseEvent* event) override;
+    void wheelEvent(QWheelEvent* event) override;
 
 private:
     void arrange();
@@ -97,6 +100,8 @@ private:
     Outline outline;
     bool isStale = true;
     int handling = 0;
+    /// What fine wheels have turned since the last whole notch.
+    QPoint turned;
     bool isReleased = false;
     bool letsMouseThrough = false;
 };

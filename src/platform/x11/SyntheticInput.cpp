@@ -65,12 +65,14 @@ void SyntheticInput::post(EventType type, Point root, ModifierFlags flags, xcb_w
     server.flush();
 }
 
-void SyntheticInput::click(Point root) {
+void SyntheticInput::click(Point root, const std::vector<std::uint8_t>& buttons) {
     auto state = queryPointer(server);
     if (!hasXTest || !state) return;
     fakeMotion(root);
-    fake(XCB_BUTTON_PRESS, leftButton);
-    fake(XCB_BUTTON_RELEASE, leftButton);
+    for (std::uint8_t button : buttons) {
+        fake(XCB_BUTTON_PRESS, button);
+        fake(XCB_BUTTON_RELEASE, button);
+    }
     fakeMotion(state->root);
     // The answer comes after all that.
     queryPointer(server);

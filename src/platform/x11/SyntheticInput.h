@@ -21,9 +21,9 @@ public:
     /// `frame`, if not 0, is the item that a Command press is meant for, whatever lies under the
     /// pointer. `isOnScreen` tells whether the place can be reached by the pointer.
     void post(EventType type, Point root, ModifierFlags flags, xcb_window_t frame, bool isOnScreen);
-    /// A click there, made when this returns; the pointer is where it was. For when no button is
-    /// held.
-    void click(Point root);
+    /// A click there with each of these buttons, made when this returns; the pointer is where it
+    /// was. For when no button is held.
+    void click(Point root, const std::vector<std::uint8_t>& buttons);
 
 private:
     void press(Point root, ModifierFlags flags, xcb_window_t frame);

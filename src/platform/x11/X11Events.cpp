@@ -27,7 +27,7 @@ X11Events::X11Events(XServer& x, EventPump& pump, Keyboard& keyboard, BarClient&
     motionTimer.setSingleShot(true);
     motionTimer.setInterval(motionMilliseconds);
     QObject::connect(&motionTimer, &QTimer::timeout, &motionTimer, [this] { tellMotion(); });
-    itemClick.clicked = [this] { unheard = raw.listens() ? 2 : 0; };
+    itemClick.clicked = [this](int count) { unheard = raw.listens() ? 2 * count : 0; };
     releaseSyntheticDevices(server);
     const auto* fixes = xcb_get_extension_data(server.get(), &xcb_xfixes_id);
     if (fixes == nullptr || fixes->present == 0) return;
@@ -166,12 +166,35 @@ const BarItemInfo* X11Events::itemNamedBy(const MouseEvent& event) const {
     return bar.itemOfNumber(static_cast<WindowNumber>(field->second));
 }
 
+void X11Events::clickItem(WindowNumber item, const MouseEvent& event) {
+    auto notches = [&](EventField field) {
+        auto found = event.fields.find(field);
+        return found == event.fields.end() ? 0.0 : static_cast<double>(found->second);
+    };
+    switch (event.type) {
+        case EventType::leftMouseDown:
+            return itemClick.press(item, XCB_BUTTON_INDEX_1);
+        case EventType::otherMouseDown:
+            return itemClick.press(item, XCB_BUTTON_INDEX_2);
+        case EventType::rightMouseDown:
+            return itemClick.press(item, XCB_BUTTON_INDEX_3);
+        case EventType::leftMouseUp:
+        case EventType::otherMouseUp:
+        case EventType::rightMouseUp:
+            return itemClick.release();
+        case EventType::scrollWheel:
+            return itemClick.scroll(
+                item, {notches(EventField::scrollDeltaX), notches(EventField::scrollDeltaY)});
+        default:
+            return;
+    }
+}
+
 void X11Events::post(const MouseEvent& event) {
     const auto* item = itemNamedBy(event);
     // With Command it is dragged.
     if (item != nullptr && (event.flags & commandModifier) == 0) {
-        if (event.type == EventType::leftMouseDown) itemClick.press(item->number);
-        if (event.type == EventType::leftMouseUp) itemClick.release();
+        clickItem(item->number, event);
         return;
     }
     // An item that has gone leaves its place to another, which isn't meant.

@@ -39,6 +39,7 @@ private:
     bool isForOwn(EventType type, Point root) const;
     /// Whether one of this program's windows takes the mouse there.
     bool isOverOwnWindow(Point root) const;
+    void clickItem(WindowNumber item, const MouseEvent& event);
     /// Nothing when it names none, or one that has gone.
     const BarItemInfo* itemNamedBy(const MouseEvent& event) const;
 

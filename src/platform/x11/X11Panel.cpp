@@ -47,6 +47,9 @@ X11Panel::X11Panel(const std::shared_ptr<PanelContext>& shared,
     window->onMouse = [this](EventType type, Point pixel, ModifierFlags modifiers) {
         hear(type, {pixel.x / scale(), pixel.y / scale()}, modifiers);
     };
+    window->onWheel = [this](Point notches, Point pixel, ModifierFlags modifiers) {
+        deliverWheel(notches, {pixel.x / scale(), pixel.y / scale()}, modifiers);
+    };
     window->toolTipAt = [this](Point pixel) {
         const auto* view = views.at({pixel.x / scale(), pixel.y / scale()},
                                     [](const PanelView& each) { return !each.toolTip.empty(); });
@@ -135,6 +138,7 @@ void X11Panel::orderOut() {
     resignKey();
     leftPressed.clear();
     rightPressed.clear();
+    otherPressed.clear();
 }
 
 bool X11Panel::makeKey() {
@@ -170,18 +174,30 @@ bool X11Panel::isSwallowed(EventType type, Point inPanel, ModifierFlags modifier
 
 void X11Panel::deliver(EventType type, Point inPanel, ModifierFlags modifiers) {
     bool isRight = type == EventType::rightMouseDown || type == EventType::rightMouseUp;
-    bool isPress = type == EventType::leftMouseDown || type == EventType::rightMouseDown;
-    bool isRelease = type == EventType::leftMouseUp || type == EventType::rightMouseUp;
+    bool isOther = type == EventType::otherMouseDown || type == EventType::otherMouseUp;
+    bool isPress = type == EventType::leftMouseDown || type == EventType::rightMouseDown ||
+                   type == EventType::otherMouseDown;
+    bool isRelease = type == EventType::leftMouseUp || type == EventType::rightMouseUp ||
+                     type == EventType::otherMouseUp;
     if (!isPress && !isRelease && type != EventType::leftMouseDragged) return;
-    std::string& pressed = isRight ? rightPressed : leftPressed;
-    if (isPress) {
-        const auto* view = views.at(inPanel, [](const PanelView& each) { return each.takesMouse; });
-        pressed = view ? view->key : std::string();
-    }
+    std::string& pressed = isRight ? rightPressed : isOther ? otherPressed : leftPressed;
+    if (isPress) pressed = viewAt(inPanel);
     std::string key = isRelease ? std::exchange(pressed, {}) : pressed;
     // From a copy: the handler may destroy the panel.
     auto call = onEvent;
     if (!key.empty() && call) call({type, key, inPanel, modifiers});
+}
+
+void X11Panel::deliverWheel(Point notches, Point inPanel, ModifierFlags modifiers) {
+    std::string key = viewAt(inPanel);
+    auto call = onEvent;
+    if (!key.empty() && call) call({EventType::scrollWheel, key, inPanel, modifiers, notches});
+}
+
+/// The key of the view that takes the mouse there; empty for none.
+std::string X11Panel::viewAt(Point inPanel) const {
+    const auto* view = views.at(inPanel, [](const PanelView& each) { return each.takesMouse; });
+    return view ? view->key : std::string();
 }
 
 X11Panels::X11Panels(XServer& x, Screens& screens, LocalMonitors& monitors, WindowNumbers& numbers,

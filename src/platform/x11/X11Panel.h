@@ -64,6 +64,8 @@ private:
     void hear(EventType type, Point inPanel, ModifierFlags modifiers);
     bool isSwallowed(EventType type, Point inPanel, ModifierFlags modifiers) const;
     void deliver(EventType type, Point inPanel, ModifierFlags modifiers);
+    void deliverWheel(Point notches, Point inPanel, ModifierFlags modifiers);
+    std::string viewAt(Point inPanel) const;
 
     std::shared_ptr<PanelContext> context;
     Rect currentFrame;
@@ -73,9 +75,10 @@ private:
     /// Those that may still have to tell their end, and the one among them that is followed.
     std::vector<std::unique_ptr<QVariantAnimation>> fades;
     const QVariantAnimation* fade = nullptr;
-    /// Where the left button went down, and the right one.
+    /// Where each button went down.
     std::string leftPressed;
     std::string rightPressed;
+    std::string otherPressed;
     Registration keys;
     PanelWindowOwner window;
     MovingViews views;
