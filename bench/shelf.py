@@ -13,6 +13,7 @@ OPENINGS = 40
 COUNTS = (10, 50)  # hidden items
 MOST_TO_OPEN = 30  # milliseconds
 MOST_OF_A_CORE = 0.02
+MOST_WAKEUPS = 0.75  # a second: the item monitor's one in two seconds, and few of the shelf's
 WARM_UP = 5  # seconds
 BELOW_THE_BAR = "1280x100+0+30"
 SHELF = {"displayMode": "shelf", "animationsEnabled": False}
@@ -77,7 +78,7 @@ def livePictures(programs, seconds):
                 watched[f"{name}'s X server", kind] = desktop.server
         time.sleep(WARM_UP)
         works = proc.idle([process.pid for process in watched.values()], seconds)
-    work = {who: each.milliseconds for who, each in zip(watched, works)}
+    work = dict(zip(watched, works))
     return [row for kind in kinds for row in liveRows(work, kind, seconds)]
 
 
@@ -109,8 +110,11 @@ def screenBelowBar(desktop):
 
 def liveRows(work, kind, seconds):
     def row(name, peer=None):
-        return Row(f"{name}, shelf open, {kind}: CPU in {seconds} s", work[name, kind], "ms",
-                   work[peer, kind] if peer else None, peer or "",
+        return Row(f"{name}, shelf open, {kind}: CPU in {seconds} s",
+                   work[name, kind].milliseconds, "ms",
+                   work[peer, kind].milliseconds if peer else None, peer or "",
                    most=seconds * 1000 * MOST_OF_A_CORE if name == "nevo" else None)
-    return [row("nevo", "trayer"), row("nevo", "tint2"), row("its bar"),
+    wakeups = Row(f"nevo, shelf open, {kind}: wake-ups in {seconds} s", work["nevo", kind].wakeups, "",
+                  most=seconds * MOST_WAKEUPS if kind == "none changes" else None)
+    return [row("nevo", "trayer"), row("nevo", "tint2"), wakeups, row("its bar"),
             row("its X server", "trayer's X server"), row("its X server", "tint2's X server")]

@@ -1,11 +1,13 @@
 #pragma once
 
+#include <functional>
 #include <optional>
 #include <string>
 #include <vector>
 
 #include "platform/Geometry.h"
 #include "platform/Image.h"
+#include "platform/Registration.h"
 
 namespace nevo {
 
@@ -71,6 +73,9 @@ public:
     /// The picture of one window (`CGWindowListCreateImage(CGRectNull, 8, window, 9)`), in pixels;
     /// nothing when it can't be had.
     virtual std::optional<Image> windowImage(WindowNumber window) const = 0;
+    /// Calls `changed`, on the main thread, when the picture may be another than it was at the last
+    /// `windowImage` of that window; once until the next one. Empty where that can't be told.
+    virtual Registration watchImage(WindowNumber window, std::function<void()> changed) = 0;
     /// How many pixels of such a picture make a point: 2 where pictures come at the best
     /// resolution whatever the display, else what the items are drawn at.
     virtual double pixelsPerPoint() const = 0;

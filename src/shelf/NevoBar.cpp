@@ -2,6 +2,7 @@
 
 #include <fmt/format.h>
 
+#include <algorithm>
 #include <utility>
 
 #include "core/debugLog.h"
@@ -32,7 +33,7 @@ void NevoBar::show(std::vector<BarItem> newItems, bool takesKeys) {
     }
     // A panel that still fades goes at once: its fade must not end in the new one's place.
     buildPanel(*screen);
-    startRefreshTimer();
+    watchPictures();
     if (!animationsEnabled) return;
     panel->setAlpha(0.0);
     panel->animateAlpha(1.0, fadeIn);
@@ -61,6 +62,8 @@ void NevoBar::dismiss() {
 
 void NevoBar::clearViews() {
     refreshTimer.reset();
+    pictureWatches.clear();
+    stalePictures.clear();
     itemImageViews.clear();
     itemRenderPolicies.clear();
     itemSlotViews.clear();
@@ -87,10 +90,32 @@ void NevoBar::relayoutForStyle() {
     clearViews();
     closePanel();
     buildPanel(*screen);
-    startRefreshTimer();
+    watchPictures();
 }
 
-void NevoBar::startRefreshTimer() {
+/// Also what the slots were given isn't from now: each picture is read once, and then when it has
+/// changed.
+void NevoBar::watchPictures() {
+    std::erase_if(pictureWatches, [&](const auto& watch) { return !indexOf(watch.first); });
+    for (const auto& [window, slot] : itemImageViews) {
+        if (pictureWatches.contains(window)) continue;
+        pictureWatches[window] =
+            platform.windows.watchImage(window, [weak = weak_from_this(), number = window] {
+                if (auto self = weak.lock()) self->pictureChanged(number);
+            });
+        stalePictures.insert(window);
+    }
+    refreshSoon();
+}
+
+void NevoBar::pictureChanged(WindowNumber window) {
+    stalePictures.insert(window);
+    refreshSoon();
+}
+
+/// However often pictures change, they are read twice a second at most.
+void NevoBar::refreshSoon() {
+    if (refreshTimer || stalePictures.empty()) return;
     refreshTimer = platform.runLoop.timer(refreshInterval, true, [weak = weak_from_this()] {
         auto self = weak.lock();
         if (!self) return;
@@ -102,19 +127,23 @@ void NevoBar::startRefreshTimer() {
 
 void NevoBar::refreshPictures() {
     if (!isPanelVisible()) return;
-    for (const auto& [window, slot] : itemImageViews) {
+    for (WindowNumber window : std::exchange(stalePictures, {})) {
+        auto found = itemImageViews.find(window);
+        if (found == itemImageViews.end()) continue;
         auto picture = platform.windows.windowImage(window);
-        // Most of the time nothing has changed, and looking at each pixel again would be for
-        // nothing.
-        const auto& shown = slot->view.image;
+        if (!picture || !pictureWatches[window]) stalePictures.insert(window);
         if (!picture) continue;
+        // Looking at each pixel again would be for nothing where it is the same after all.
+        ClickableItemView& slot = *found->second;
+        const auto& shown = slot.view.image;
         double scale = platform.windows.pixelsPerPoint();
         picture->size = {picture->bitmap->width / scale, picture->bitmap->height / scale};
         bool isSame = shown && shown->size == picture->size && *shown->bitmap == *picture->bitmap;
         if (isSame) continue;
-        setImage(*slot, window, *picture);
-        panel->setView(slot->view);
+        setImage(slot, window, *picture);
+        panel->setView(slot.view);
     }
+    if (stalePictures.empty()) refreshTimer.reset();
 }
 
 void NevoBar::setImage(ClickableItemView& slot, WindowNumber window, const Image& image) {

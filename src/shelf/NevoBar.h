@@ -88,7 +88,9 @@ private:
     const ShelfBarStyleConfiguration& configuration() const { return configurationOf(barStyle); }
 
     // Pictures.
-    void startRefreshTimer();
+    void watchPictures();
+    void pictureChanged(WindowNumber window);
+    void refreshSoon();
     void refreshPictures();
     void setImage(ClickableItemView& slot, WindowNumber window, const Image& image);
 
@@ -130,6 +132,9 @@ private:
     /// The slot that keys are for, while the bar has them.
     std::optional<WindowNumber> focusedWindowID;
     Registration idleKeysTimer;
+    std::map<WindowNumber, Registration> pictureWatches;
+    /// To be read at the next refresh: those that have changed, and those of which nobody tells.
+    std::set<WindowNumber> stalePictures;
     Registration refreshTimer;
     /// The panel fades away.
     bool isClosing = false;

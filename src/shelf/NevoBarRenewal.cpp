@@ -36,6 +36,7 @@ void NevoBar::renew(const std::vector<BarItem>& latest, bool addsNew) {
     if (focusedWindowID && !indexOf(*focusedWindowID)) focusedWindowID.reset();
     panel->setFrame(frameFor(layout.size, *screen));
     fillPanel();
+    watchPictures();
     if (hasKeys && !focusedWindowID) focusSlot(neighbour(0, PanelKey::first));
 }
 

@@ -190,7 +190,7 @@ TEST_F(Shelf, eachOfSixtyItemsIsReachedByKeysAndTheKeysGoBack) {
         crowd.push_back(std::make_unique<Probe>());
         crowd.back()->paint(colorOf(i), yellow);
     }
-    waitForItems(65);
+    waitFor("all have an item", [this] { return names().size() == 65; });
     startUsing(R"(, "displayMode": "shelf", "animationsEnabled": false,
                   "nevo_shelf_appearance": "highContrast")");
     Process& inUse = startProgram("xev");

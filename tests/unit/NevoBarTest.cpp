@@ -201,6 +201,22 @@ TEST_F(NevoBarTest, KeepsItsPicturesFreshWhileItIsOpen) {
     EXPECT_EQ(panel()->view(key)->image->size, (Size{30, 24}));
     // A window that can't be pictured keeps what it has.
     EXPECT_EQ(panel()->view("slot:999")->image->source, "test");
+
+    // What doesn't change isn't read, what does is, twice a second at most.
+    bar->show({item(window, 30)});
+    desktop.loop.runFor(1);
+    int reads = desktop.windowServer.imageReads();
+    desktop.loop.runFor(60);
+    EXPECT_EQ(desktop.windowServer.imageReads(), reads);
+    EXPECT_EQ(desktop.loop.programTimerCount(), 0U);
+    for (int i = 0; i < 50; ++i) {
+        desktop.windowServer.repaint(window);
+        desktop.loop.runFor(0.1);
+    }
+    desktop.loop.runFor(0.5);
+    EXPECT_LE(desktop.windowServer.imageReads(), reads + 11);
+    auto now = desktop.windowServer.picture(window, 2);
+    EXPECT_EQ(*panel()->view(key)->image->bitmap, *now->bitmap);
 }
 
 TEST_F(NevoBarTest, DressesInStyleAndTheme) {

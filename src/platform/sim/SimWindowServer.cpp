@@ -166,6 +166,8 @@ double SimWindowServer::scale() const {
 }
 
 std::optional<Image> SimWindowServer::windowImage(WindowNumber window) const {
+    ++reads;
+    for (auto& [id, watch] : *watches) watch.isSpent = watch.isSpent && watch.window != window;
     bool failed = faults.strikes(SimOperation::windowImage, window);
     if (failed || !mayPicture(window)) return std::nullopt;
     return picture(window, scale());
@@ -179,9 +181,30 @@ std::optional<Image> SimWindowServer::picture(WindowNumber window, double pixels
                             fmt::format("window:{}", window));
     if (!image) return std::nullopt;
     auto bitmap = std::make_shared<Bitmap>(*image->bitmap);
-    std::fill(bitmap->pixels.begin(), bitmap->pixels.end(), colorOf(window));
+    auto drawn = repaints.find(window);
+    std::uint32_t painted = drawn == repaints.end() ? 0 : drawn->second * 1000;
+    std::fill(bitmap->pixels.begin(), bitmap->pixels.end(), colorOf(window + painted));
     image->bitmap = std::move(bitmap);
     return image;
+}
+
+Registration SimWindowServer::watchImage(WindowNumber window, std::function<void()> changed) {
+    if (windows.find(window) == nullptr) return {};
+    std::size_t id = ++nextWatch;
+    watches->emplace(id, Watch{window, std::move(changed)});
+    return Registration([weak = std::weak_ptr(watches), id] {
+        if (auto all = weak.lock()) all->erase(id);
+    });
+}
+
+void SimWindowServer::repaint(WindowNumber window) {
+    ++repaints[window];
+    auto before = *watches;
+    for (const auto& [id, watch] : before) {
+        auto still = watches->find(id);
+        if (watch.window != window || still == watches->end()) continue;
+        if (!std::exchange(still->second.isSpent, true)) watch.changed();
+    }
 }
 
 std::optional<Image> SimWindowServer::compositeImage(

@@ -1,5 +1,8 @@
 #pragma once
 
+#include <map>
+#include <memory>
+
 #include "platform/WindowServer.h"
 #include "platform/sim/SimBar.h"
 #include "platform/sim/SimFaults.h"
@@ -39,6 +42,7 @@ public:
 
     /// Without the screen recording permission a program sees only its own windows' pictures.
     std::optional<Image> windowImage(WindowNumber window) const override;
+    Registration watchImage(WindowNumber window, std::function<void()> changed) override;
     std::optional<Image> compositeImage(const std::vector<WindowNumber>& numbers) const override;
     double pixelsPerPoint() const override { return 2; }
     void setSetsCursorInBackground(bool sets) override { cursorInBackground = sets; }
@@ -46,6 +50,10 @@ public:
     /// The picture of a window, whoever asks: one colour, the window's own.
     std::optional<Image> picture(WindowNumber window, double scale) const;
     bool setsCursorInBackground() const { return cursorInBackground; }
+    /// A program draws another picture into its window.
+    void repaint(WindowNumber window);
+    /// How often the program has read a window's picture.
+    int imageReads() const { return reads; }
 
     /// Whether direct moves of the program's own items are obeyed; the real bar refuses them.
     bool ownMovesAllowed = false;
@@ -64,6 +72,17 @@ private:
     const SimPermissions& permissions;
     SimTrace& trace;
     bool cursorInBackground = false;
+    struct Watch {
+        WindowNumber window;
+        std::function<void()> changed;
+        /// Told, and the picture not read since.
+        bool isSpent = false;
+    };
+    using Watches = std::map<std::size_t, Watch>;
+    std::shared_ptr<Watches> watches = std::make_shared<Watches>();
+    std::size_t nextWatch = 0;
+    std::map<WindowNumber, std::uint32_t> repaints;
+    mutable int reads = 0;
 };
 
 }  // namespace nevo

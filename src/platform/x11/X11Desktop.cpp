@@ -81,6 +81,7 @@ struct X11Desktop::Parts {
     Keyboard keyboard;
     X11Events events;
     X11HotKeys hotKeys;
+    PictureWatch pictureWatch;
     X11WindowServer windows;
     X11StatusBar statusBar;
     X11Workspace workspace;
@@ -116,7 +117,8 @@ struct X11Desktop::Parts {
           keyboard(server, pump),
           events(server, pump, keyboard, bar, screens, monitors),
           hotKeys(server, pump, keyboard, log),
-          windows(server, bar, clients, screens, numbers),
+          pictureWatch(server, pump),
+          windows(server, bar, clients, screens, numbers, pictureWatch),
           statusBar(server, pump, bar, loop, screens, monitors,
                     [this] { defaults.standard().flush(); }),
           workspace(bar, clients, entries),

@@ -24,12 +24,14 @@ std::uint32_t coordinate(double value) {
 }  // namespace
 
 X11WindowServer::X11WindowServer(XServer& x, BarClient& client, ClientWindows& clientWindows,
-                                 Screens& theScreens, WindowNumbers& windowNumbers)
+                                 Screens& theScreens, WindowNumbers& windowNumbers,
+                                 PictureWatch& pictureWatch)
     : server(x),
       barClient(client),
       clients(clientWindows),
       screens(theScreens),
-      numbers(windowNumbers) {}
+      numbers(windowNumbers),
+      watches(pictureWatch) {}
 
 bool X11WindowServer::isBar(WindowNumber window) const {
     xcb_window_t own = barClient.barWindow();
@@ -186,6 +188,7 @@ bool X11WindowServer::moveWindow(WindowNumber window, Point origin) {
 std::optional<Image> X11WindowServer::windowImage(WindowNumber window) const {
     std::optional<Image> image;
     if (const auto* item = barClient.itemOfNumber(window)) {
+        watches.willRead(item->frame);
         image = pictureOfFrame(server, item->frame);
     } else if (windowLevel(window)) {
         image = pictureOfWindow(server, numbers.window(window).value_or(0));
@@ -194,6 +197,11 @@ std::optional<Image> X11WindowServer::windowImage(WindowNumber window) const {
     image->size = {image->size.width / pixelsPerPoint(), image->size.height / pixelsPerPoint()};
     image->source = "window:" + std::to_string(window);
     return image;
+}
+
+Registration X11WindowServer::watchImage(WindowNumber window, std::function<void()> changed) {
+    const auto* item = barClient.itemOfNumber(window);
+    return item == nullptr ? Registration() : watches.watch(item->frame, std::move(changed));
 }
 
 std::optional<Image> X11WindowServer::compositeImage(

@@ -6,6 +6,7 @@
 #include "platform/WindowServer.h"
 #include "platform/x11/BarClient.h"
 #include "platform/x11/ClientWindows.h"
+#include "platform/x11/PictureWatch.h"
 
 namespace nevo {
 
@@ -14,7 +15,7 @@ namespace nevo {
 class X11WindowServer : public WindowServer {
 public:
     X11WindowServer(XServer& x, BarClient& bar, ClientWindows& clientWindows, Screens& theScreens,
-                    WindowNumbers& windowNumbers);
+                    WindowNumbers& windowNumbers, PictureWatch& pictureWatch);
 
     std::optional<int> windowCount() const override;
     std::optional<std::vector<WindowNumber>> menuBarWindowList(int capacity) const override;
@@ -29,6 +30,8 @@ public:
     std::optional<float> windowAlpha(WindowNumber window) const override;
     bool moveWindow(WindowNumber window, Point origin) override;
     std::optional<Image> windowImage(WindowNumber window) const override;
+    /// Of the bar's items only.
+    Registration watchImage(WindowNumber window, std::function<void()> changed) override;
     /// A pixel is a point here.
     double pixelsPerPoint() const override { return server.coordinates.scale; }
     std::optional<Image> compositeImage(const std::vector<WindowNumber>& windows) const override;
@@ -46,6 +49,7 @@ private:
     ClientWindows& clients;
     Screens& screens;
     WindowNumbers& numbers;
+    PictureWatch& watches;
     /// The items that were made transparent here. Numbers don't come back: those of a bar that has
     /// gone do no harm.
     std::set<WindowNumber> alphaHeld;
