@@ -23,6 +23,19 @@ Lines clickSlot(Stage& stage) {
     return {"click slot " + item, shortWait(stage)};
 }
 
+/// Opens the shelf by the hot key, or closes it, and goes on with keys.
+Lines useKeys(Stage& stage) {
+    if (!stage.isShelfInForce() || !stage.isToggleInReach()) return {};
+    Lines lines{"hot-key", "wait 0.4"};
+    for (int i = 0; i < 4; ++i) {
+        lines.push_back(std::string("key ") +
+                        stage.random.oneOf({"left", "right", "up", "down", "home", "end"}));
+    }
+    lines.push_back(stage.random.oneOf({"key return", "key escape", "wait 61"}));
+    lines.push_back(shortWait(stage));
+    return lines;
+}
+
 /// From the closed shelf to an item that stands beside the toggle, and mostly to its end, which
 /// comes after a minute.
 Lines presentItem(Stage& stage) {
@@ -116,6 +129,7 @@ std::vector<EventKind> shelfEvents() {
     return {
         {"open shelf", 12, openShelf},
         {"click slot", 20, clickSlot},
+        {"use keys", 4, useKeys},
         {"present item", 2, presentItem},
         {"interrupt presentation", 10, interruptPresentation},
         {"end presented program", 3, endPresentedProgram},
