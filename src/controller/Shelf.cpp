@@ -68,7 +68,6 @@ void StatusBarController::bindBarForPushMode() {
 }
 
 void StatusBarController::shelfHasOpened() {
-    decoyController->update();
     startShelfAutoHideTimer();
     settleShelfSoon();
 }

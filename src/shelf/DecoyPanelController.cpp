@@ -132,6 +132,14 @@ ScannedBarItems DecoyPanelController::itemsToShow() const {
         bool isRuledOut = match && match->second == IconRule::alwaysHide;
         if (!isRuledOut && !placeInSight(item)) result.push_back(item);
     }
+    // The snapshot may be older than the row's order, or see an item where it is out.
+    auto slotX = [this](const ScannedBarItem& item) {
+        auto slot = platform.windows.slotFrame(item.windowID);
+        return slot ? slot->x : item.centerX;
+    };
+    std::stable_sort(
+        result.begin(), result.end(),
+        [&](const ScannedBarItem& a, const ScannedBarItem& b) { return slotX(a) < slotX(b); });
     return result;
 }
 
