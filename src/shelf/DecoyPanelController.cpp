@@ -33,27 +33,36 @@ std::shared_ptr<DecoyPanelController> DecoyPanelController::create(const Platfor
 }
 
 void DecoyPanelController::observe() {
-    auto changed = [weak = weak_from_this()] {
-        if (auto self = weak.lock()) self->sectionChanged();
-    };
-    observers.push_back(appState.isExpandedDidChange.observe(changed));
+    auto weak = weak_from_this();
+    observers.push_back(appState.isExpandedDidChange.observe([weak] {
+        auto self = weak.lock();
+        if (!self) return;
+        self->update();
+        if (!self->appState.isExpanded()) spawn(self->platform.runLoop, rebuildAfterCollapse(weak));
+    }));
     // A drag or a rule may open the section while it counts as closed.
-    observers.push_back(sectionManager.hiddenDividerDidChange.observe(changed));
+    observers.push_back(sectionManager.hiddenDividerDidChange.observe([weak] {
+        if (auto self = weak.lock()) self->dividerChanged();
+    }));
     // What the user wants in sight, rules and the mode, whoever has written them.
-    observers.push_back(platform.notifications.addObserver(
-        userDefaultsDidChangeNotification, [weak = weak_from_this()](const Notification&) {
-            if (auto self = weak.lock()) self->updateSoon();
-        }));
+    observers.push_back(platform.notifications.addObserver(userDefaultsDidChangeNotification,
+                                                           [weak](const Notification&) {
+                                                               if (auto self = weak.lock())
+                                                                   self->updateSoon();
+                                                           }));
 }
 
-void DecoyPanelController::sectionChanged() {
-    if (!isClosed()) {
-        // Before the bar has moved anything: no decoy stands above a real item.
-        update();
-        return;
-    }
-    isSettling = true;
-    spawn(platform.runLoop, rebuildWhenSettled(weak_from_this(), ++closings));
+void DecoyPanelController::dividerChanged() {
+    // An opening is told before the bar has moved anything: no decoy stands above a real item.
+    isSettling = sectionManager.isHiddenDividerCollapsed();
+    update();
+    if (!isSettling) return;
+    platform.runLoop.postAfter(collapseSettle, [weak = weak_from_this(), closing = ++closings] {
+        auto self = weak.lock();
+        if (!self || self->closings != closing) return;
+        self->isSettling = false;
+        self->update();
+    });
 }
 
 void DecoyPanelController::updateSoon() {
@@ -67,13 +76,8 @@ void DecoyPanelController::updateSoon() {
     });
 }
 
-Task<> DecoyPanelController::rebuildWhenSettled(std::weak_ptr<DecoyPanelController> owner,
-                                                int closing) {
+Task<> DecoyPanelController::rebuildAfterCollapse(std::weak_ptr<DecoyPanelController> owner) {
     co_await sleep(collapseSettle);
-    auto self = owner.lock();
-    if (!self || self->closings != closing) co_return;
-    self->isSettling = false;
-    self.reset();
     co_await rebuild(owner);
 }
 

@@ -63,9 +63,9 @@ private:
     DecoyPanelController(const Platform& platform, AppState& appState,
                          SectionManager& sectionManager, MenuBarScanner& scanner);
     void observe();
-    void sectionChanged();
+    void dividerChanged();
     void updateSoon();
-    static Task<> rebuildWhenSettled(std::weak_ptr<DecoyPanelController> owner, int closing);
+    static Task<> rebuildAfterCollapse(std::weak_ptr<DecoyPanelController> owner);
     bool isClosed() const;
     bool isWanted() const;
     ScannedBarItems itemsToShow() const;
@@ -92,7 +92,7 @@ private:
     std::vector<WindowNumber> shownWindows;
     /// From the press of a forwarded click to its release.
     bool isForwardingClick = false;
-    /// The section has just closed, and the bar may still move its items away.
+    /// The divider has just closed, and the bar may still move items away.
     bool isSettling = false;
     /// Counts how often it has.
     int closings = 0;
