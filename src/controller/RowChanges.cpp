@@ -60,6 +60,8 @@ void StatusBarController::applyRulesToSnapshot() {
     ItemOpacity& opacity = sectionManager.opacity;
     for (const ScannedBarItem& item : all) {
         auto match = matchIconRule(item, rules, all);
+        if (match && findByPersistedID(all, match->first) == nullptr)
+            rulePlaces.rename(match->first, item.persistedID);
         bool isPhantom = isPhantomID(item.persistedID);
         bool hides = !isPhantom && match && match->second == IconRule::alwaysHide;
         bool shows = !isPhantom && match && match->second == IconRule::alwaysShow;

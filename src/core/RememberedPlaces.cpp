@@ -66,6 +66,16 @@ void RememberedPlaces::remember(const std::string& persistedID, const Remembered
     save(store, json);
 }
 
+void RememberedPlaces::rename(const std::string& former, const std::string& persistedID) {
+    Json json = decoded(store);
+    auto found = json.find(former);
+    if (found == json.end()) return;
+    Json place = *found;
+    json.erase(former);
+    json[persistedID] = place;
+    save(store, json);
+}
+
 void RememberedPlaces::forget(const std::string& persistedID) {
     Json json = decoded(store);
     if (json.erase(persistedID) > 0) save(store, json);

@@ -30,6 +30,9 @@ public:
     std::vector<std::string> ids() const;
     /// The first place counts: what comes later is the doing of a rule.
     void remember(const std::string& persistedID, const RememberedPlace& place);
+    /// The item is called otherwise now. What was remembered under its former name counts, being
+    /// older; without any nothing changes.
+    void rename(const std::string& former, const std::string& persistedID);
     void forget(const std::string& persistedID);
 
 private:

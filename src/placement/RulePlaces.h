@@ -24,6 +24,9 @@ public:
     void remember(WindowNumber window, const Ids& ids);
     bool has(const std::string& persistedID) const { return places.find(persistedID).has_value(); }
     std::optional<double> position(const std::string& persistedID) const;
+    void rename(const std::string& former, const std::string& persistedID) {
+        places.rename(former, persistedID);
+    }
     void forget(const std::string& persistedID) { places.forget(persistedID); }
 
     /// Where the item has to be dropped to stand beside its former neighbour, on its former side of
