@@ -108,6 +108,8 @@ TEST_F(Settings, rulesForAnItem) {
     toggle(others);
     tabTo("combo box", "Parcellite");
     hand->press(upKey);
+    waitFor("it stands right of the toggle",
+            [this] { return namesRightOfToggle() == Names{"parcellite"}; });
     waitForHidden("parcellite", false);
     // Pinned, it stays when the others go.
     toggle({"parcellite"});

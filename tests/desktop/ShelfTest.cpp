@@ -233,7 +233,7 @@ TEST_F(Shelf, eachOfSixtyItemsIsReachedByKeysAndTheKeysGoBack) {
             auto out = std::find_if(row.begin(), row.end(), [&](const Item& item) {
                 return item.client == crowd[i]->window();
             });
-            return out->onScreen && out->place.x > toggleItem().place.maxX();
+            return out->onScreen && out->place.x >= toggleItem().place.maxX();
         });
         EXPECT_EQ(namesOnScreen().size(), 1U);
     }

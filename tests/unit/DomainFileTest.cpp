@@ -115,6 +115,7 @@ TEST_F(DomainFileTest, AnotherFileOfTheSameSizeIsSeenAtOnce) {
     for (std::int64_t i = 0; i < 100; ++i) {
         // Another writer each time, so that the numbers of files come round.
         ASSERT_TRUE(DomainFile(file).update({{"number", i % 10}}));
+        ASSERT_TRUE(reader.hasForeignChange());
         ASSERT_TRUE(reader.reload());
         ASSERT_EQ(reader.value("number"), DefaultsValue(i % 10)) << i;
     }
@@ -125,6 +126,7 @@ TEST_F(DomainFileTest, AnotherFileOfTheSameSizeIsSeenAtOnce) {
     ASSERT_TRUE(reader.reload());
     EXPECT_EQ(reader.value("number"), DefaultsValue(std::int64_t{3}));
     ASSERT_TRUE(reader.update({{"number", std::int64_t{9}}}));
+    EXPECT_FALSE(reader.hasForeignChange());
     EXPECT_EQ(DomainFile(file).value("number"), DefaultsValue(std::int64_t{9}));
 }
 

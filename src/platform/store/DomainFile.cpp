@@ -99,6 +99,11 @@ bool DomainFile::reload() {
     return true;
 }
 
+bool DomainFile::hasForeignChange() const {
+    struct stat status {};
+    return ::stat(file.c_str(), &status) == 0 && !(last && last->isOf(status));
+}
+
 bool DomainFile::update(const Changes& changes) {
     std::error_code error;
     fs::create_directories(file.parent_path(), error);

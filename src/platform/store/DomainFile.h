@@ -46,6 +46,9 @@ public:
     /// stay as they were.
     bool reload();
 
+    /// Whether somebody else has written the file since it was last read or written here.
+    bool hasForeignChange() const;
+
     /// Merges `changes` into the file as it is now. False when that failed: the file is as before.
     bool update(const Changes& changes);
 

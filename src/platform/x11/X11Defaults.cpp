@@ -110,6 +110,8 @@ void OwnDomain::changed() {
         loop.post([this, alive = std::weak_ptr(life)] {
             if (alive.expired()) return;
             writeScheduled = false;
+            // Writing takes it over, and nobody would be told.
+            if (hasForeignChange()) reloadAndTell();
             write();
         });
     }

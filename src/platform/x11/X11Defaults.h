@@ -29,6 +29,7 @@ protected:
     bool write();
     bool reload();
     bool hasUnwritten() const { return !unwritten.empty(); }
+    bool hasForeignChange() const { return file.hasForeignChange(); }
     const std::filesystem::path& path() const { return file.path(); }
 
 private:
