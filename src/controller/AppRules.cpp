@@ -93,21 +93,37 @@ void StatusBarController::restoreAppRuleOverrides() {
         nevoBar->dismiss();
     }
     appRuleActiveForBundleID.reset();
+    decoyController->update();
 }
 
 /// To items that have come since the rule came into force. Does nothing without one.
 void StatusBarController::applyFrontRule(const ScannedBarItems& items) {
     if (!appRuleActiveForBundleID) return;
     const ItemOpacity& opacity = sectionManager.opacity;
+    bool showsMore = false;
     for (const ScannedBarItem& item : items) {
         if (item.bundleID.empty()) continue;
         if (itemMatchesRule(item, frontRule.hiddenIcons)) {
             if (!opacity.has(ItemOpacity::Reason::hiddenInFront, item.windowID))
                 hideByAppRule(item);
         } else if (itemMatchesRule(item, frontRule.visibleIcons)) {
-            if (!opacity.has(ItemOpacity::Reason::shownInFront, item.windowID)) showByAppRule(item);
+            if (opacity.has(ItemOpacity::Reason::shownInFront, item.windowID)) continue;
+            showByAppRule(item);
+            showsMore = true;
         }
     }
+    if (isShelfIn(ShelfState::Kind::panelVisible)) return;
+    if (nevoBar->isOpen()) {
+        nevoBar->renew(itemsForBar(items, frontRule.visibleIcons), true);
+    } else if (showsMore) {
+        showInBar(items, frontRule.visibleIcons);
+    }
+}
+
+void StatusBarController::showFrontRuleInBar() {
+    if (appRuleActiveForBundleID)
+        showInBar(snapshotItems({SectionName::hidden, SectionName::visible}),
+                  frontRule.visibleIcons);
 }
 
 Task<> StatusBarController::applyAppRule(std::weak_ptr<StatusBarController> owner, int generation,
@@ -136,20 +152,32 @@ Task<> StatusBarController::applyAppRule(std::weak_ptr<StatusBarController> owne
     }
     self->appRuleActiveForBundleID = self->appState.activeAppBundleID();
     self->frontRule = {visibleIcons, hiddenIcons};
+    self->decoyController->update();
     debugLog(fmt::format("[AppRule] Applied: hide={} show={} overrides={}", hiddenIcons.size(),
                          visibleIcons.size(), overrides));
 }
 
-/// What the divider hides can't be seen in its place: it goes to the floating bar.
+/// What a divider hides can't be seen in its place. In an open section that is what its own rule
+/// hides always.
+std::vector<BarItem> StatusBarController::itemsForBar(
+    const ScannedBarItems& items, const std::set<std::string>& visibleIcons) const {
+    SectionSnapshot sections = sectionManager.classify(items);
+    bool isClosed = sectionManager.isHiddenDividerCollapsed();
+    std::set<WindowNumber> pinned = pinnedWindows();
+    std::vector<BarItem> result;
+    for (const ScannedBarItem& item : sections[SectionName::hidden]) {
+        bool isOutOfSight = isClosed || pinned.contains(item.windowID);
+        if (isOutOfSight && itemMatchesRule(item, visibleIcons)) result.emplace_back(item);
+    }
+    return result;
+}
+
+/// An open shelf has these items already, and whoever has opened it is using it.
 void StatusBarController::showInBar(const ScannedBarItems& items,
                                     const std::set<std::string>& visibleIcons) {
-    SectionSnapshot sections = sectionManager.classify(items);
-    if (!sectionManager.isHiddenDividerCollapsed()) return;
-    std::vector<BarItem> toShow;
-    for (const ScannedBarItem& item : sections[SectionName::hidden]) {
-        if (itemMatchesRule(item, visibleIcons)) toShow.emplace_back(item);
-    }
-    if (toShow.empty()) return;
+    std::vector<BarItem> toShow = itemsForBar(items, visibleIcons);
+    bool isShelfOpen = isShelfIn(ShelfState::Kind::panelVisible) && nevoBar->isOpen();
+    if (toShow.empty() || isShelfOpen) return;
     if (auto frame = toggleButtonScreenFrame()) savedItemFrame = *frame;
     nevoBar->animationsEnabled = appState.animationsEnabled();
     nevoBar->nevoIconX = savedItemFrame.x;

@@ -73,9 +73,10 @@ void StatusBarController::clickedOutside() {
     // The click that opened the bar isn't a click outside.
     if (shelfMode && !(platform.runLoop.now() - shelf().panelOpenedAt() > openingClickTime)) return;
     if (nevoBar->panelFrame().contains(platform.events.mouseLocation())) return;
-    if (shelfMode) {
+    if (isShelfIn(ShelfState::Kind::panelVisible)) {
         shelf().dismissShelf();
     } else {
+        // A rule of the front application has opened it.
         nevoBar->dismiss();
     }
 }

@@ -19,7 +19,10 @@ constexpr double turnPoll = 1.0;
 void StatusBarController::noteNewItems() {
     bool isFirst = !std::exchange(hasSeenRow, true);
     bool isStarting = !isFirstStart && platform.runLoop.now() - startedAt < startTime;
-    bool isClosed = sectionManager.isHiddenDividerCollapsed() && !appState.isExpanded();
+    // A drag, a rule or a change of monitors may have the divider open for a moment. On the very
+    // first start it stays open, and everything is in sight.
+    bool isClosed =
+        !appState.isExpanded() && (!isFirstStart || sectionManager.isHiddenDividerCollapsed());
     IconRules rules = appState.rules.loadIconRules();
     ScannedBarItems all = snapshotItems({SectionName::hidden, SectionName::visible});
     const ScannedBarItems& hidden = sectionManager.lastExpandedSnapshot[SectionName::hidden];
@@ -48,7 +51,11 @@ Task<> StatusBarController::showNewItems(std::weak_ptr<StatusBarController> owne
             self->isShowingNewItems = false;
             co_return;
         }
-        bool isFree = !self->shelf().hasItemOut() && !self->nevoBar->isPanelVisible();
+        bool isShelfOpen =
+            self->isShelfIn(ShelfState::Kind::panelVisible) && self->nevoBar->isPanelVisible();
+        bool isFree = !self->shelf().hasItemOut() && !isShelfOpen && !self->isBarInMotion() &&
+                      self->sectionManager.isHiddenDividerCollapsed() &&
+                      self->sectionManager.shownFrame(*self->sectionManager.toggleItem);
         if (isFree) {
             std::string id = self->newItems.front();
             self->newItems.pop_front();

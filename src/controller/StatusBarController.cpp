@@ -73,7 +73,8 @@ void StatusBarController::install() {
         DecoyPanelController::create(platform, appState, sectionManager, services.scanner);
     decoyController->isBarOpen = [weak] {
         auto self = weak.lock();
-        return self && self->nevoBar->isOpen();
+        // What a rule of the front application has opened holds some of the items, for long.
+        return self && self->isShelfIn(ShelfState::Kind::panelVisible) && self->nevoBar->isOpen();
     };
     spawn(platform.runLoop, replayAfterStart(weak));
 }

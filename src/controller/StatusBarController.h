@@ -263,7 +263,11 @@ private:
     void observeFrontApplication();
     void observeAppRules();
     static Task<> reapplyAppRule(std::weak_ptr<StatusBarController> owner, std::string bundleID);
+    std::vector<BarItem> itemsForBar(const ScannedBarItems& items,
+                                     const std::set<std::string>& visibleIcons) const;
     void showInBar(const ScannedBarItems& items, const std::set<std::string>& visibleIcons);
+    /// After the section has opened or closed. Does nothing without a rule in force.
+    void showFrontRuleInBar();
     /// A window's alpha apart from what it is for a moment only; 1 when it can't be read.
     float lastingAlpha(WindowNumber window) const;
     /// True when that changed what can be seen.

@@ -160,6 +160,7 @@ void StatusBarController::performCollapse() {
     preferences.syncSeparatorPosition();
     sectionManager.setDividerLength(*sectionManager.hiddenDivider, true);
     refreshToggleButton();
+    showFrontRuleInBar();
     afterDelay(collapseSettleTime, &StatusBarController::verifyAfterCollapse);
 }
 
@@ -176,6 +177,7 @@ void StatusBarController::expandHiddenSection() {
     appState.setIsExpanded(true);
     refreshToggleButton();
     sectionManager.expand(true);
+    showFrontRuleInBar();
 }
 
 void StatusBarController::expandAndClickItem(const BarItem& item) {

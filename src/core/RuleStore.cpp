@@ -14,6 +14,8 @@ namespace {
 constexpr const char* iconRulesKey = "nevo_icon_rules";
 constexpr const char* appRulesKey = "nevo_app_rules";
 constexpr const char* shelfOrderKey = "nevo_shelf_item_order";
+/// With the ids of programs that never come again.
+constexpr std::size_t longestShelfOrder = 256;
 constexpr const char* decoyItemsKey = "decoyItems";
 
 using Json = nlohmann::json;
@@ -136,6 +138,15 @@ void RuleStore::saveShelfItemOrder(const std::vector<std::string>& ids) {
     std::set<std::string> seen;
     for (const std::string& id : ids) {
         if (seen.insert(id).second) kept.push_back(id);
+    }
+    std::size_t next = 0;
+    for (const std::string& id : ids.empty() ? ids : shelfItemOrder()) {
+        auto own = std::find(kept.begin(), kept.end(), id);
+        if (own != kept.end()) {
+            next = static_cast<std::size_t>(own - kept.begin()) + 1;
+        } else if (kept.size() < longestShelfOrder) {
+            kept.insert(kept.begin() + static_cast<std::ptrdiff_t>(next++), id);
+        }
     }
     store.set(shelfOrderKey, std::move(kept));
     objectWillChange.send();

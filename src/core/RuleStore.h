@@ -35,7 +35,8 @@ public:
     void removeAppRule(const std::string& bundleID);
 
     std::vector<std::string> shelfItemOrder() const;
-    /// Keeps the first occurrence of each id.
+    /// Keeps the first occurrence of each id; without any, there is no order. Items that the stored
+    /// order has and `ids` hasn't are away: each keeps its place behind the one before it.
     void saveShelfItemOrder(const std::vector<std::string>& ids);
     /// The stored order first, then the rest as they come.
     ScannedBarItems orderedShelfItems(const ScannedBarItems& items) const;

@@ -161,6 +161,9 @@ Task<bool> ItemMover::moveForShelf(BarItem item, Point target) {
     if (!frame) co_return false;
     if (standsInSight(item.windowID)) co_return true;
     moveWindowDirectly(item.windowID, "direct", *frame, target.x);
+    // A slow bar has its time.
+    for (int looks = 1; looks < mostLooks && !isFloating(item.windowID); ++looks)
+        co_await sleep(directMoveSettle);
     co_return isFloating(item.windowID);
 }
 

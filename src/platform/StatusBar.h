@@ -78,6 +78,10 @@ public:
     virtual std::optional<double> systemAreaLeft() const = 0;
 };
 
+/// Posted on the default centre when the bar has moved or resized items: what stands beside one has
+/// to follow it (`NSWindowDidMoveNotification` of the items' windows). Several at once are one.
+inline constexpr const char* statusItemsMovedNotification = "NSWindowDidMoveNotification";
+
 /// The length that means "as wide as the content".
 inline constexpr double variableStatusItemLength = -1.0;
 

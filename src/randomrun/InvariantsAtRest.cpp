@@ -14,7 +14,7 @@ namespace {
 /// What Nevo may hold at rest, whatever has happened to it: a little more than it needs.
 constexpr std::size_t mostTimers = 6;
 constexpr std::size_t mostMonitors = 10;
-constexpr std::size_t mostObservers = 19;
+constexpr std::size_t mostObservers = 20;
 
 }  // namespace
 

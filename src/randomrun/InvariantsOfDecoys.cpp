@@ -41,12 +41,13 @@ std::optional<Broken> Invariants::checkDecoys() const {
     std::erase_if(shown, [&](WindowNumber each) { return desktop.bar.find(each) == nullptr; });
     std::vector<WindowNumber> expected = decoysWanted();
     if (shown == expected) return std::nullopt;
-    // As many as fit, in their order.
+    // As many as fit, in their order. One whose place can't be told may be in sight.
     std::vector<WindowNumber> fitting = expected;
     std::erase_if(fitting, [&](WindowNumber each) {
         return std::find(shown.begin(), shown.end(), each) == shown.end();
     });
-    if (shown == fitting && !haveRoom(expected)) return std::nullopt;
+    bool mayLack = !haveRoom(expected) || desktop.faults.isAnyPending();
+    if (shown == fitting && mayLack) return std::nullopt;
     return Broken{"decoys", fmt::format("decoys of {} stand in the bar, not of {}",
                                         fmt::join(shown, ","), fmt::join(expected, ","))};
 }
@@ -69,7 +70,8 @@ std::vector<WindowNumber> Invariants::decoysWanted() const {
         auto rule = matchIconRule(*item, rules, all);
         bool isPinned = rule && rule->second == IconRule::alwaysHide;
         bool isSeen = desktop.bar.isOnScreen(window) && desktop.windows.find(window)->alpha > 0;
-        if (!isPinned && !isSeen) wanted.push_back(window);
+        bool isHiddenInFront = sections.opacity.has(ItemOpacity::Reason::hiddenInFront, window);
+        if (!isPinned && !isHiddenInFront && !isSeen) wanted.push_back(window);
     }
     return wanted;
 }

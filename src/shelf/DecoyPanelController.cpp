@@ -44,12 +44,13 @@ void DecoyPanelController::observe() {
     observers.push_back(sectionManager.hiddenDividerDidChange.observe([weak] {
         if (auto self = weak.lock()) self->dividerChanged();
     }));
-    // What the user wants in sight, rules and the mode, whoever has written them.
-    observers.push_back(platform.notifications.addObserver(userDefaultsDidChangeNotification,
-                                                           [weak](const Notification&) {
-                                                               if (auto self = weak.lock())
-                                                                   self->updateSoon();
-                                                           }));
+    // The places of Nevo's icon and of what is out; and what the user wants in sight, rules and the
+    // mode, whoever has written them.
+    for (const char* told : {statusItemsMovedNotification, userDefaultsDidChangeNotification}) {
+        observers.push_back(platform.notifications.addObserver(told, [weak](const Notification&) {
+            if (auto self = weak.lock()) self->updateSoon();
+        }));
+    }
 }
 
 void DecoyPanelController::dividerChanged() {
@@ -119,8 +120,9 @@ ScannedBarItems DecoyPanelController::snapshotSection(SectionName section) const
     return found == sectionManager.lastExpandedSnapshot.end() ? ScannedBarItems{} : found->second;
 }
 
-/// The hidden items that the user has marked. One that a rule always hides is to stay out of sight,
-/// whichever of the two was set last: its mark waits for the rule's end.
+/// The hidden items that the user has marked. One that a rule hides, its own or that of the
+/// application in front, is to stay out of sight, whichever was set last: its mark waits for the
+/// rule's end.
 ScannedBarItems DecoyPanelController::itemsToShow() const {
     std::set<std::string> marked = appState.rules.decoyItems();
     ScannedBarItems result;
@@ -134,7 +136,12 @@ ScannedBarItems DecoyPanelController::itemsToShow() const {
         if (!marked.contains(item.persistedID)) continue;
         auto match = matchIconRule(item, rules, all);
         bool isRuledOut = match && match->second == IconRule::alwaysHide;
-        if (!isRuledOut && !placeInSight(item)) result.push_back(item);
+        bool isHiddenInFront =
+            sectionManager.opacity.has(ItemOpacity::Reason::hiddenInFront, item.windowID);
+        // One whose place can't be told may stand in sight.
+        bool isKnown = platform.windows.slotFrame(item.windowID).has_value();
+        if (!isRuledOut && !isHiddenInFront && isKnown && !placeInSight(item))
+            result.push_back(item);
     }
     // The snapshot may be older than the row's order, or see an item where it is out.
     auto slotX = [this](const ScannedBarItem& item) {

@@ -48,9 +48,13 @@ Task<> ShelfController::runPresentation(std::weak_ptr<ShelfController> owner, in
     auto self = owner.lock();
     if (!self) co_return;
     debugLog(fmt::format("[Shelf] presentItem begin wid={} label={}", item.windowID, item.label));
-    self->nevoBar->dismiss();
+    self->begunRun = run;
+    // The click on a slot has closed the bar already. One that a rule of the front application has
+    // opened stays for what comes from elsewhere.
+    if (self->isIn(ShelfState::Kind::panelVisible)) self->nevoBar->dismiss();
+    ShelfBefore before{self->isIn(ShelfState::Kind::panelVisible), self->nevoBar->wasKeyed(),
+                       self->openings};
     bool animated = self->appState.animationsEnabled();
-    int openingsBefore = self->openings;
     self.reset();
     if (animated) co_await sleep(fadeTime);
     self = owner.lock();
@@ -67,7 +71,7 @@ Task<> ShelfController::runPresentation(std::weak_ptr<ShelfController> owner, in
     if (resolved.windowID != item.windowID)
         debugLog(fmt::format("[Shelf] presentItem resolved wid={} -> {} via identity match",
                              item.windowID, resolved.windowID));
-    auto destination = self->beginPresentation(resolved, openingsBefore);
+    auto destination = self->beginPresentation(resolved, before);
     if (!destination) co_return;
     ItemMover& itemMover = self->mover;
     self.reset();
@@ -81,6 +85,10 @@ Task<> ShelfController::runPresentation(std::weak_ptr<ShelfController> owner, in
     self.reset();
     if (!ok) {
         debugLog(fmt::format("[Shelf] presentItem failed to move wid={}", resolved.windowID));
+        bool isCalledOff = co_await isCancelled();
+        if (!isCalledOff)
+            debugLog(fmt::format("[Shelf] the menu bar doesn't bring out an item of {} points",
+                                 describe(resolved.width)));
     } else {
         debugLog("[Shelf] presentItem visible; awaiting user interaction or 60s timeout");
         co_await sleep(presentationTime);
@@ -94,20 +102,23 @@ Task<> ShelfController::runPresentation(std::weak_ptr<ShelfController> owner, in
 }
 
 /// Notes that the item is out and gives the place beside the toggle where its centre is to
-/// come. Nothing when its window has gone: the bar is open again then.
+/// come. Nothing when its window has gone: a shelf in which it was clicked is open again then.
 std::optional<Point> ShelfController::beginPresentation(const ScannedBarItem& item,
-                                                        int openingsBefore) {
+                                                        const ShelfBefore& before) {
     auto bounds = mover.readableFrame(item.windowID);
     if (!bounds) {
         debugLog(
             fmt::format("[Shelf] presentItem failed: missing hidden bounds wid={}", item.windowID));
-        if (isShelfMode(platform.screens, appState)) showShelfPanel(displayItems());
+        if (before.wasOpen && isShelfMode(platform.screens, appState)) {
+            opensByKeys = before.hadKeys;
+            showShelfPanel(displayItems());
+        }
         return std::nullopt;
     }
     activePresentation = ActivePresentation{item};
     sectionManager.opacity.add(ItemOpacity::Reason::broughtOut, item.windowID);
     // Whoever has opened the bar again during its fade has it beside the item.
-    bool isOpenAgain = isIn(ShelfState::Kind::panelVisible) && openings != openingsBefore;
+    bool isOpenAgain = isIn(ShelfState::Kind::panelVisible) && openings != before.openings;
     if (!isOpenAgain) shelfState = {ShelfState::Kind::presentingItem, item.windowID};
     double width = std::max(bounds->width, item.width);
     return Point{width * 0.5 + savedFrame.maxX() + clearance, bounds->midY()};
@@ -148,8 +159,10 @@ Task<> ShelfController::finishPresentation(std::weak_ptr<ShelfController> owner,
 }
 
 void ShelfController::concludePresentation(int run) {
+    // The next item's run may have closed the bar for itself.
+    bool wantsPanel =
+        run == begunRun && isIn(ShelfState::Kind::panelVisible) && !nevoBar->isPanelVisible();
     if (run == presentationRun) presentationTask.reset();
-    bool wantsPanel = isIn(ShelfState::Kind::panelVisible) && !nevoBar->isPanelVisible();
     ScannedBarItems items = wantsPanel ? displayItems() : ScannedBarItems{};
     if (isIn(ShelfState::Kind::presentingItem)) {
         shelfState = {};

@@ -40,6 +40,7 @@ void NevoBar::show(std::vector<BarItem> newItems, bool takesKeys) {
 }
 
 void NevoBar::dismiss() {
+    if (isOpen()) hadKeys = hasKeys;
     giveKeysBack();
     clearViews();
     if (!panel) return;

@@ -64,6 +64,9 @@ public:
     /// The toggle's x: the bar's anchor.
     double nevoIconX = 0;
 
+    /// Whether it was operated by keys when it closed last.
+    bool wasKeyed() const { return hadKeys; }
+
 private:
     explicit NevoBar(const Platform& platform);
 
@@ -110,6 +113,7 @@ private:
     void giveKeysBack();
     void keyPressed(PanelKey key);
     std::size_t neighbour(std::size_t of, PanelKey towards) const;
+    std::size_t nearestFullSlot(std::size_t to) const;
     void focusSlot(std::size_t index);
     PanelView focusRing() const;
 
@@ -129,6 +133,7 @@ private:
     std::vector<PanelView> backgrounds;
     std::optional<WindowNumber> draggingWindowID;
     bool hasKeys = false;
+    bool hadKeys = false;
     /// The slot that keys are for, while the bar has them.
     std::optional<WindowNumber> focusedWindowID;
     Registration idleKeysTimer;

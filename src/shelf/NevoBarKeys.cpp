@@ -96,6 +96,12 @@ std::size_t NevoBar::neighbour(std::size_t of, PanelKey towards) const {
     return best;
 }
 
+std::size_t NevoBar::nearestFullSlot(std::size_t to) const {
+    if (!isEmptySlot(items[to])) return to;
+    std::size_t right = neighbour(to, PanelKey::right);
+    return right != to ? right : neighbour(to, PanelKey::left);
+}
+
 void NevoBar::focusSlot(std::size_t index) {
     focusedWindowID = items[index].windowID;
     panel->setView(focusRing());

@@ -10,6 +10,7 @@ namespace nevo {
 
 void NevoBar::renew(const std::vector<BarItem>& latest, bool addsNew) {
     auto screen = isOpen() && !draggingWindowID ? panel->screen() : std::nullopt;
+    auto focused = focusedWindowID ? indexOf(*focusedWindowID) : std::nullopt;
     if (!screen || !takeOver(latest, addsNew)) return;
     if (std::all_of(items.begin(), items.end(), isEmptySlot)) {
         if (onCancelled) onCancelled();
@@ -37,7 +38,7 @@ void NevoBar::renew(const std::vector<BarItem>& latest, bool addsNew) {
     panel->setFrame(frameFor(layout.size, *screen));
     fillPanel();
     watchPictures();
-    if (hasKeys && !focusedWindowID) focusSlot(neighbour(0, PanelKey::first));
+    if (hasKeys && !focusedWindowID) focusSlot(nearestFullSlot(focused.value_or(0)));
 }
 
 /// True when that has changed something. Only a window that is gone empties a slot: an item that

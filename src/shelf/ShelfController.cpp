@@ -121,6 +121,7 @@ void ShelfController::showShelf() {
         take(*frame);
     } else if (!(savedFrame.width > 0)) {
         debugLog("[Shelf] Cannot show shelf: missing toggle button frame");
+        opensByKeys = false;
         return;
     }
     ScannedBarItems items = displayItems();
@@ -146,10 +147,14 @@ ScannedBarItems ShelfController::displayItems() const {
     std::erase_if(alphaHiddenFromVisible,
                   [&](const ScannedBarItem& item) { return !alphaHidden.contains(item.windowID); });
     bool isEmpty = items.empty() && alphaHiddenFromVisible.empty();
-    if (sectionManager.isHiddenDividerCollapsed() && isEmpty && !cachedItems.empty()) {
+    ScannedBarItems stillThere = cachedItems;
+    std::erase_if(stillThere, [this](const ScannedBarItem& item) {
+        return !mover.readableFrame(item.windowID);
+    });
+    if (sectionManager.isHiddenDividerCollapsed() && isEmpty && !stillThere.empty()) {
         debugLog(fmt::format("[Shelf] displayItems: using shelf cache fallback count={}",
-                             cachedItems.size()));
-        return appState.rules.orderedShelfItems(cachedItems);
+                             stillThere.size()));
+        return appState.rules.orderedShelfItems(stillThere);
     }
     if (!alphaHiddenFromVisible.empty()) {
         std::string names;
@@ -192,6 +197,7 @@ Task<> ShelfController::refresh(std::weak_ptr<ShelfController> owner, ScannedBar
         self->showShelfPanel(latest);
     } else {
         debugLog("[Shelf] No items to show in shelf (after fresh scan)");
+        self->opensByKeys = false;
     }
 }
 

@@ -89,6 +89,13 @@ private:
         bool floats = false;
     };
 
+    /// What a presentation closes.
+    struct ShelfBefore {
+        bool wasOpen = false;
+        bool hadKeys = false;
+        int openings = 0;
+    };
+
     ShelfController(const Platform& platform, AppState& appState, std::shared_ptr<NevoBar> bar,
                     SectionManager& sectionManager, MenuBarScanner& scanner, ItemMover& mover);
     static Task<> runToggle(std::weak_ptr<ShelfController> owner);
@@ -119,7 +126,7 @@ private:
     void startPresentation(const ScannedBarItem& item);
     /// Puts the item back into its slot and lets go of it.
     void takeBack();
-    std::optional<Point> beginPresentation(const ScannedBarItem& item, int openingsBefore);
+    std::optional<Point> beginPresentation(const ScannedBarItem& item, const ShelfBefore& before);
     void concludePresentation(int run);
     ScannedBarItem resolveItem(const ScannedBarItem& item) const;
 
@@ -138,6 +145,7 @@ private:
     std::optional<TaskHandle> presentationTask;
     /// Counts the runs: one that was cancelled must not let go of the next one's handle.
     int presentationRun = 0;
+    int begunRun = 0;
     /// From the start of `toggle` to the end of its task.
     bool isTransitioning = false;
     /// Whether the opening that is under way is for somebody at the keys.

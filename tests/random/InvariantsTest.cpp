@@ -245,12 +245,6 @@ TEST_F(ShelfInvariantsTest, DecoysStandForWhatCanBeSeenNowhereElse) {
     EXPECT_EQ(atRest(), "decoys") << "not there yet";
     run.pass(1);
     EXPECT_EQ(atRest(), "");
-    run.ownItem("divider")->setLength(0);
-    run.pass(1);
-    EXPECT_EQ(atRest(), "decoys");
-    run.ownItem("divider")->setLength(10000);
-    run.pass(1);
-    EXPECT_EQ(atRest(), "");
     open();
     EXPECT_EQ(atRest(), "");
     panel = desktop.panels.create({});

@@ -296,8 +296,10 @@ void SimBar::layOut() {
                             held->frame.width);
         if (item.floating) text += " floating";
     }
-    if (text != lastTraced) trace.note("bar", text.empty() ? "empty" : text);
+    if (text == lastTraced) return;
+    trace.note("bar", text.empty() ? "empty" : text);
     lastTraced = text;
+    if (laidOut) laidOut();
 }
 
 }  // namespace nevo

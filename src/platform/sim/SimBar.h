@@ -99,6 +99,8 @@ public:
     std::function<Point()> pointerLocation;
     /// Called when an item has come, gone, moved in the order or changed its length.
     std::function<void()> rowChanged;
+    /// Called when the windows stand in new places.
+    std::function<void()> laidOut;
 
     /// Lays out after the delay: displays have changed.
     void layOutLater();

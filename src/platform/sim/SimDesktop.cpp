@@ -30,6 +30,9 @@ SimDesktop::SimDesktop()
       application(loop, program, workspace, trace),
       rowNotices(loop, bar, application, notifications) {
     bar.rowChanged = [this] { rowNotices.rowChanged(); };
+    bar.laidOut = [this] {
+        loop.post([this] { notifications.post(statusItemsMovedNotification); });
+    };
     bar.pointerLocation = [this] { return events.state().location; };
     defaults.setOwnDomain(program.bundleIdentifier);
     events.pressedElsewhere = [this] { popovers.closeAll(); };

@@ -33,6 +33,10 @@ X11Screens::X11Screens(XServer& x, EventPump& pump, NotificationCenter& center)
     settled.setSingleShot(true);
     settled.setInterval(settleMilliseconds);
     QObject::connect(&settled, &QTimer::timeout, &settled, [this] { reconsider(); });
+    moved.setSingleShot(true);
+    moved.setInterval(0);
+    QObject::connect(&moved, &QTimer::timeout, &moved,
+                     [this] { notifications.post(statusItemsMovedNotification); });
     overdue.setSingleShot(true);
     overdue.setInterval(longestWaitMilliseconds);
     QObject::connect(&overdue, &QTimer::timeout, &overdue, [this] { reconsider(); });
@@ -48,6 +52,7 @@ X11Screens::X11Screens(XServer& x, EventPump& pump, NotificationCenter& center)
         if (isRandr || isRoot) read();
         if (isRandr || isRoot) settled.start();
         if (isOfRow(event)) noteRow();
+        if (isOfPlace(event)) moved.start();
     });
     read();
     announced = monitors;
@@ -100,6 +105,12 @@ bool X11Screens::isOfRow(const xcb_generic_event_t& event) const {
     // The items are written last: whatever else has changed stands by then.
     return change.window == bar->control() && (change.atom == server.atom(barprotocol::items) ||
                                                change.atom == server.atom(barprotocol::otherBars));
+}
+
+bool X11Screens::isOfPlace(const xcb_generic_event_t& event) const {
+    if (bar == nullptr || (event.response_type & 0x7f) != XCB_PROPERTY_NOTIFY) return false;
+    const auto& change = reinterpret_cast<const xcb_property_notify_event_t&>(event);
+    return change.atom == server.atom(barprotocol::itemSlot);
 }
 
 std::optional<X11Screens::Row> X11Screens::readRow() const {

@@ -11,7 +11,8 @@ namespace nevo {
 /// The active RandR monitors, the primary one first. Posts
 /// `screenParametersChangedNotification` once a change of them has settled, one of the bars on the
 /// others, or one of the bar's row: an item has come or gone, or stands elsewhere in the order.
-/// Opacity, width and what dividers do are no such change.
+/// Opacity, width and what dividers do are no such change. `statusItemsMovedNotification` tells of
+/// each change of a place.
 class X11Screens : public Screens {
 public:
     X11Screens(XServer& x, EventPump& pump, NotificationCenter& center);
@@ -37,6 +38,7 @@ private:
     /// The frames of the items that can have a place in sight, left to right.
     using Row = std::vector<xcb_window_t>;
     bool isOfRow(const xcb_generic_event_t& event) const;
+    bool isOfPlace(const xcb_generic_event_t& event) const;
     /// Nothing while none of this program's items is among them.
     std::optional<Row> readRow() const;
 
@@ -49,6 +51,7 @@ private:
     std::optional<Row> seenRow;
     std::optional<Row> announcedRow;
     QTimer settled;
+    QTimer moved;
     QTimer overdue;
     std::uint8_t firstRandrEvent = 0;
     bool hasMonitors = false;
