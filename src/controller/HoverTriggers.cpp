@@ -31,9 +31,12 @@ void StatusBarController::installTriggerMonitors() {
     clickOutsideMonitor = platform.events.addGlobalMonitor(
         maskOf(EventType::leftMouseDown) | maskOf(EventType::rightMouseDown),
         [later](const Event&) { later(&StatusBarController::clickedOutside); });
+    // A press that closes the shelf doesn't open it again: what counts is what it found.
     blankClickMonitor = platform.events.addGlobalMonitor(
-        maskOf(EventType::leftMouseDown),
-        [later](const Event&) { later(&StatusBarController::blankClicked); });
+        maskOf(EventType::leftMouseDown), [weak, later](const Event&) {
+            auto self = weak.lock();
+            if (self && self->isBlankTriggerEligible()) later(&StatusBarController::blankClicked);
+        });
 }
 
 /// A trigger in the blank area only opens: the hidden section is closed and nothing shows.
