@@ -60,7 +60,9 @@ bool StatusBarController::isBlankMenuBarPoint(Point point) const {
     return std::none_of(windows->begin(), windows->end(), [&](const WindowDescription& window) {
         bool isItem = window.layer == statusItemWindowLevel && window.bounds && window.number &&
                       window.bounds->width > smallestItemWidth && !own.contains(*window.number);
-        return isItem && window.bounds->contains({point.x, top - point.y}) &&
+        if (!isItem) return false;
+        double shift = platform.windows.roomShift(*window.number);
+        return window.bounds->contains({point.x - shift, top - point.y}) &&
                platform.windows.windowAlpha(*window.number).value_or(1.0F) > 0;
     });
 }
