@@ -117,7 +117,8 @@ void StatusBarController::startBlankDwell() {
 }
 
 void StatusBarController::blankDwellEnded() {
-    if (isBlankMenuBarPoint(platform.events.mouseLocation())) toggle();
+    // The hot key may have opened the section while the pointer rested.
+    if (isBlankTriggerEligible() && isBlankMenuBarPoint(platform.events.mouseLocation())) toggle();
     blankHoverTimer.reset();
 }
 
