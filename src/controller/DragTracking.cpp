@@ -182,6 +182,8 @@ void StatusBarController::settleDrag(bool wasDraggingToggle, std::optional<Rect>
         leaveExpandedAfterDrag();
         return;
     }
+    // The hot key may have opened the section for good meanwhile.
+    if (appState.isExpanded() && !isShelfMode()) hasDragOpenedSection = false;
     bool wasHoldingItem = draggedWindow.has_value();
     bool changed = reconcileDrag();
     if (shelfController) shelfController->endLostPresentation();
