@@ -100,7 +100,7 @@ Lines clickDecoy(Stage& stage) {
 Lines markItems(Stage& stage) {
     std::string line = "set nevo decoyItems list";
     for (int count = stage.random.between(1, 4); count > 0; --count)
-        line += " " + stage.anyRuleId();
+        line += fmt::format(" {}", stage.anyRuleId());
     return {line};
 }
 
