@@ -214,6 +214,7 @@ void Bar::removeItem(BarItem& item, bool handsBack) {
     bool isShutdown = isEnding;
     if (toolTipItem == item.key) endToolTip();
     if (drag && drag->item == item.key) cancelDrag();
+    endFloat(item);
     if (item.isInRow && !isShutdown) keeper.leave(item.key);
     if (handsBack && !item.face) {
         const PixelRect& bar = windows.front()->rect();

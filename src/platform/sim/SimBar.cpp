@@ -36,10 +36,12 @@ void SimBar::settle() {
 }
 
 void SimBar::remove(WindowNumber window) {
-    if (items.find(window) == items.end()) return;
+    auto found = items.find(window);
+    if (found == items.end()) return;
     if (dragged == window) dragged = 0;
+    endFloat(found->second);
     keeper.leave(window);
-    items.erase(window);
+    items.erase(found);
     settle();
 }
 
