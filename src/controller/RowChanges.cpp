@@ -1,3 +1,4 @@
+#include <algorithm>
 #include <utility>
 
 #include "controller/StatusBarController.h"
@@ -40,14 +41,23 @@ Task<> StatusBarController::takeInRow(std::weak_ptr<StatusBarController> owner) 
     if (mustArrange) co_await arrangeAlwaysHidden(owner);
 }
 
-/// Items whose rule has ended while they weren't there.
+/// Items whose rule has ended while they weren't there. Of those that share an id one, and always
+/// the same: each would take the other's place, without end.
 ScannedBarItems StatusBarController::itemsToReturn() const {
     IconRules rules = appState.rules.loadIconRules();
     ScannedBarItems all = snapshotItems({SectionName::hidden, SectionName::visible});
     ScannedBarItems result;
     for (const ScannedBarItem& item : all) {
         bool isFree = !matchIconRule(item, rules, all) && !ruleChanges.isUnderWay(item.persistedID);
-        if (isFree && rulePlaces.has(item.persistedID)) result.push_back(item);
+        if (!isFree || !rulePlaces.has(item.persistedID)) continue;
+        auto twin = std::find_if(result.begin(), result.end(), [&](const ScannedBarItem& each) {
+            return each.persistedID == item.persistedID;
+        });
+        if (twin == result.end()) {
+            result.push_back(item);
+        } else if (item.windowID < twin->windowID) {
+            *twin = item;
+        }
     }
     return result;
 }
