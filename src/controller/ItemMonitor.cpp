@@ -28,8 +28,12 @@ void StatusBarController::monitorPass() {
     if (isBarInMotion()) return;
     if (shelfController) shelfController->endLostPresentation();
     watchRow();
+    if (!isShelfIn(ShelfState::Kind::presentingItem)) enforceRules();
+    // By what can be seen from now on.
     decoyController->update();
-    if (isShelfIn(ShelfState::Kind::presentingItem)) return;
+}
+
+void StatusBarController::enforceRules() {
     auto ownIDs = sectionManager.ownWindowIDs();
     enforceAlwaysShow(ownIDs);
     if (!isShelfMode()) return;

@@ -227,6 +227,7 @@ private:
     // Item monitor.
     void startItemMonitor();
     void monitorPass();
+    void enforceRules();
     bool isBarInMotion() const;
     void enforceAlwaysShow(const std::set<WindowNumber>& ownIDs);
     bool enforceAlwaysShow(const ScannedBarItem& item, double nevoX);
