@@ -74,6 +74,7 @@ void Invariants::noteTrace(const std::string& line) {
     for (const char* outside : {"set nevo nevo_icon_rules", "set nevo nevo_app_rules"}) {
         if (has(line, outside)) rulesWrittenOutside = true;
     }
+    if (has(line, "  >  ") && !has(line, "  >        wait")) decoysDifferSince.reset();
     if (has(line, "set nevo \"NSStatusItem Preferred Position")) ownPlacesWritten = true;
     // A rule that hides an item ends with a closed section, whatever it was before.
     if (has(line, "[Rules] alwaysHide moveItem")) mayBeClosedUnasked = true;

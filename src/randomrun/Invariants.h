@@ -33,6 +33,9 @@ public:
     std::optional<Broken> afterLine();
     /// Whether nothing is under way but what waits for an event or a timer.
     bool isAtRest() const;
+    /// Whether something was seen then that may be so for a moment only: it is to be looked at
+    /// again.
+    bool hasDoubts() const { return decoysDifferSince.has_value(); }
     /// Whether it has to come to that by itself.
     bool mustComeToRest() const;
     /// What has to hold then.
@@ -68,7 +71,8 @@ private:
     std::optional<Broken> checkRoom() const;
     std::optional<Broken> checkOpenSection();
     std::optional<Broken> checkShelf();
-    std::optional<Broken> checkDecoys() const;
+    std::optional<Broken> checkDecoys();
+    std::optional<Broken> checkWhichDecoys(const SimPanel* panel) const;
     std::vector<WindowNumber> decoysWanted() const;
     /// Whether decoys of them fit left of the toggle.
     bool haveRoom(const std::vector<WindowNumber>& windows) const;
@@ -147,6 +151,8 @@ private:
     bool ownPlacesWritten = false;
     /// Why the shelf may be closed or open without its controller's doing.
     bool mayBarDiffer = false;
+    /// Until something happens: since when the wrong pictures stand in the bar.
+    std::optional<double> decoysDifferSince;
     struct BroughtOut {
         WindowNumber window = 0;
         /// As they were when it began.

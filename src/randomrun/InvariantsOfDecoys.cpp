@@ -14,11 +14,13 @@ constexpr const char* decoyViews = "decoy:";
 constexpr double smallestSlot = 30;
 /// The panel's two edges, and what is free beside it.
 constexpr double edges = 6;
+/// Two passes of the monitor, which finds what nothing has told of.
+constexpr double delay = 5;
 }  // namespace
 
 /// They stand for the hidden items that the user has marked, and for no others, wherever these can
 /// be seen neither in the bar nor in the shelf.
-std::optional<Broken> Invariants::checkDecoys() const {
+std::optional<Broken> Invariants::checkDecoys() {
     const SimPanel* panel = panelWith(run, decoyViews);
     auto nevo = run.nevo();
     bool isClosed = run.ownItem("divider")->length() > 0 && !nevo->delegate().state().isExpanded();
@@ -29,8 +31,22 @@ std::optional<Broken> Invariants::checkDecoys() const {
     bool inForce = isShelfMode(desktop.screens, nevo->delegate().state());
     if (panel != nullptr && !inForce) return Broken{"decoys", "decoys stand in push mode"};
     bool hasPlace = desktop.bar.isOnScreen(run.ownItem("toggle")->window());
-    if (!inForce || !isClosed || isBarShown() || !hasPlace) return std::nullopt;
+    bool isReadable =
+        desktop.faults.struckCount(SimOperation::setWindowAlpha) == alphaFailuresAtStart &&
+        !desktop.bar.isDragging();
+    auto differing = inForce && isClosed && !isBarShown() && hasPlace && isReadable
+                         ? checkWhichDecoys(panel)
+                         : std::nullopt;
+    double now = desktop.loop.now();
+    if (!differing) {
+        decoysDifferSince.reset();
+    } else if (!decoysDifferSince) {
+        decoysDifferSince = now;
+    }
+    return differing && now - *decoysDifferSince > delay ? differing : std::nullopt;
+}
 
+std::optional<Broken> Invariants::checkWhichDecoys(const SimPanel* panel) const {
     std::vector<WindowNumber> shown;
     if (panel != nullptr) {
         for (const PanelView& view : panel->views())
@@ -54,11 +70,12 @@ std::optional<Broken> Invariants::checkDecoys() const {
 
 /// From left to right.
 std::vector<WindowNumber> Invariants::decoysWanted() const {
-    const SectionManager& sections = run.nevo()->delegate().controller()->sections();
-    const ScannedBarItems& hidden = sections.lastExpandedSnapshot.at(SectionName::hidden);
+    // Empty until Nevo has found an item.
+    SectionSnapshot snapshot = run.nevo()->delegate().controller()->sections().lastExpandedSnapshot;
+    const ScannedBarItems& hidden = snapshot[SectionName::hidden];
     ScannedBarItems all = hidden;
-    const ScannedBarItems& visible = sections.lastExpandedSnapshot.at(SectionName::visible);
-    all.insert(all.end(), visible.begin(), visible.end());
+    all.insert(all.end(), snapshot[SectionName::visible].begin(),
+               snapshot[SectionName::visible].end());
     std::set<std::string> marked = store.decoyItems();
     IconRules rules = store.loadIconRules();
     std::vector<WindowNumber> wanted;

@@ -2,6 +2,8 @@
 
 #include <fmt/format.h>
 
+#include <algorithm>
+
 #include "randomrun/EventKind.h"
 
 namespace nevo {
@@ -15,6 +17,7 @@ constexpr int stepsToRest = 20;
 constexpr const char* restLine = "wait 12";
 constexpr const char* restMore = "wait 0.7";
 constexpr int mostRestLines = 60;
+constexpr const char* restInvariant = "rest";
 
 using Then = PlayedLine::Then;
 
@@ -73,7 +76,7 @@ private:
         } else if (invariants.isAtRest()) {
             result.broken = invariants.atRest();
         } else if (then == Then::demandRest && invariants.mustComeToRest()) {
-            result.broken = Broken{"rest", "Nevo doesn't come to rest"};
+            result.broken = Broken{restInvariant, "Nevo doesn't come to rest"};
         }
     }
 
@@ -137,7 +140,8 @@ private:
     }
 
     bool goOnResting() {
-        if (player.rules().isAtRest() || restLines == mostRestLines) return false;
+        bool isDone = player.rules().isAtRest() && !player.rules().hasDoubts();
+        if (isDone || restLines == mostRestLines) return false;
         ++restLines;
         bool isLast = restLines == mostRestLines;
         lines.push_back({.text = restMore, .then = isLast ? Then::demandRest : Then::lookAtRest});
@@ -207,12 +211,17 @@ RandomResult replay(const std::vector<PlayedLine>& lines) {
 }
 
 std::vector<PlayedLine> shrunk(std::vector<PlayedLine> lines, const Broken& broken) {
+    // Less time than it is given proves nothing of what doesn't come to rest.
+    auto isEvent = [](const PlayedLine& line) { return line.then == Then::nothing; };
+    auto end = std::find_if(lines.rbegin(), lines.rend(), isEvent);
+    std::size_t kept =
+        broken.invariant == restInvariant ? static_cast<std::size_t>(end - lines.rbegin()) : 0;
     for (std::size_t part = lines.size() / 2; part > 0; part /= 2) {
-        for (std::size_t at = 0; at < lines.size();) {
+        for (std::size_t at = 0; at + kept < lines.size();) {
             std::vector<PlayedLine> fewer = lines;
             auto from = fewer.begin() + static_cast<std::ptrdiff_t>(at);
-            fewer.erase(from,
-                        from + static_cast<std::ptrdiff_t>(std::min(part, lines.size() - at)));
+            std::size_t most = lines.size() - kept - at;
+            fewer.erase(from, from + static_cast<std::ptrdiff_t>(std::min(part, most)));
             RandomResult result = replay(fewer);
             if (result.broken && result.broken->invariant == broken.invariant) {
                 // What came after the break wasn't played.
