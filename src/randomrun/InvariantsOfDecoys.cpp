@@ -71,7 +71,8 @@ std::optional<Broken> Invariants::checkWhichDecoys(const SimPanel* panel) const 
 /// From left to right.
 std::vector<WindowNumber> Invariants::decoysWanted() const {
     // Empty until Nevo has found an item.
-    SectionSnapshot snapshot = run.nevo()->delegate().controller()->sections().lastExpandedSnapshot;
+    const SectionManager& sections = run.nevo()->delegate().controller()->sections();
+    SectionSnapshot snapshot = sections.lastExpandedSnapshot;
     const ScannedBarItems& hidden = snapshot[SectionName::hidden];
     ScannedBarItems all = hidden;
     all.insert(all.end(), snapshot[SectionName::visible].begin(),
@@ -93,11 +94,19 @@ std::vector<WindowNumber> Invariants::decoysWanted() const {
     return wanted;
 }
 
+/// Left of the toggle and of every item that can be seen.
 bool Invariants::haveRoom(const std::vector<WindowNumber>& windows) const {
+    double right = desktop.windows.find(run.ownItem("toggle")->window())->frame.x;
+    for (WindowNumber window : desktop.bar.order()) {
+        const SimBar::Item& item = *desktop.bar.find(window);
+        const SimWindow& held = *desktop.windows.find(window);
+        bool isSeen = !item.own && held.alpha > 0 && desktop.bar.isOnScreen(window);
+        if (isSeen) right = std::min(right, held.frame.x);
+    }
     double width = edges;
     for (WindowNumber window : windows)
         width += std::max(smallestSlot, desktop.bar.find(window)->length);
-    return width <= desktop.windows.find(run.ownItem("toggle")->window())->frame.x;
+    return width <= right;
 }
 
 }  // namespace nevo
