@@ -4,6 +4,7 @@
 
 #include "platform/NotificationCenter.h"
 #include "platform/Screens.h"
+#include "platform/StatusBar.h"
 #include "platform/x11/BarClient.h"
 
 namespace nevo {
