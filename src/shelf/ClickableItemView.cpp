@@ -77,8 +77,8 @@ void ClickableItemView::mouseUp(const PanelEvent& event, Point onScreen) {
     bool wasRightClick = std::exchange(pendingRightClick, false);
     bool dragged = std::exchange(didDrag, false);
     mouseDownPoint.reset();
-    // A drag ends wherever the button comes up, or the slot would stay lifted: the bar is a single
-    // row, and nobody keeps the pointer level for the whole way.
+    // A drag ends wherever the button comes up, or the slot would stay lifted: a row is
+    // low, and nobody keeps the pointer level for the whole way.
     if (dragged) {
         call(onDragEnd);
     } else if (view.frame.contains(event.location)) {

@@ -103,6 +103,12 @@ TEST_F(RuleStoreTest, TheShelfsOrderPutsNewItemsLast) {
     rules.saveShelfItemOrder({"3 >>> o", "gone >>> o", "2 >>> o", "3 >>> o"});
     EXPECT_EQ(rules.shelfItemOrder().size(), 3U);
     EXPECT_EQ(labels(), "3214");
+    // Ordered by hand while "gone" and "2" are away.
+    rules.saveShelfItemOrder({"1 >>> o", "3 >>> o"});
+    EXPECT_EQ(rules.shelfItemOrder(),
+              (std::vector<std::string>{"1 >>> o", "3 >>> o", "gone >>> o", "2 >>> o"}));
+    rules.saveShelfItemOrder({});
+    EXPECT_TRUE(rules.shelfItemOrder().empty());
 }
 
 TEST_F(RuleStoreTest, ApplicationsRulesMatchAnyItemOfAnApplication) {
